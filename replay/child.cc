@@ -1,0 +1,116 @@
+// The environment of a child; see child.h.
+
+#include "replay/child.h"
+
+#include "replay/host.h"
+#include "replay/log.h"
+#include "replay/replay.h"
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace replay {
+
+static char library[PATH_MAX];
+
+constexpr size_t variables_max = 4096;
+static char *variables[variables_max + 1];
+
+static bool names(const char *variable, const char *name)
+{
+	const size_t length = strlen(name);
+	return strncmp(variable, name, length) == 0 && variable[length] == '=';
+}
+
+// A child counts no calls, so REPLAY_FAIL goes as well.  What else was
+// preloaded goes too: a sanitizer's run-time does not belong in a plain shell.
+static bool is_replaced(const char *variable, bool shows)
+{
+	static const char *const ours[] = {"REPLAY_SYSROOT", "REPLAY_LOG", "REPLAY_FAIL"};
+	for (const char *name : ours) {
+		if (names(variable, name))
+			return true;
+	}
+	return shows && (names(variable, "LD_PRELOAD") || names(variable, "ASAN_OPTIONS"));
+}
+
+static bool set(char (&to)[PATH_MAX + 64], size_t *count, const char *name, const char *value)
+{
+	const int length = snprintf(to, sizeof(to), "%s=%s", name, value);
+	if (length < 0 || static_cast<size_t>(length) >= sizeof(to) || *count >= variables_max)
+		return false;
+	variables[(*count)++] = to;
+	return true;
+}
+
+// A sanitized child would refuse to start because our library comes before its
+// run-time; it may, since all that ours does is to hand its calls on.
+static bool set_sanitizer(size_t *count)
+{
+	static char text[PATH_MAX + 64];
+	char value[PATH_MAX];
+	const char *old = getenv("ASAN_OPTIONS");
+	const int length = snprintf(value, sizeof(value), "%s%sverify_asan_link_order=0",
+				    old == nullptr ? "" : old, old == nullptr ? "" : ":");
+	return length > 0 && length < PATH_MAX && set(text, count, "ASAN_OPTIONS", value);
+}
+
+static bool set_ours(size_t *count)
+{
+	static char texts[3][PATH_MAX + 64];
+	const host_table *host = shown_host();
+	if (!set(texts[0], count, "LD_PRELOAD", library) || !set_sanitizer(count))
+		return false;
+	if (host != nullptr && !set(texts[1], count, "REPLAY_SYSROOT", host->directory))
+		return false;
+	return log_file()[0] == '\0' || set(texts[2], count, "REPLAY_LOG", log_file());
+}
+
+static bool build()
+{
+	const bool shows = library[0] != '\0' && (shown_host() != nullptr || log_file()[0] != '\0');
+	size_t count = 0;
+
+	for (char **at = environ; at != nullptr && *at != nullptr; ++at) {
+		if (is_replaced(*at, shows))
+			continue;
+		if (count == variables_max)
+			return false;
+		variables[count++] = *at;
+	}
+	if (shows && !set_ours(&count))
+		return false;
+	variables[count] = nullptr;
+	return true;
+}
+
+bool child_environment::install()
+{
+	if (!build()) {
+		errno = E2BIG;
+		return false;
+	}
+	saved = environ;
+	environ = variables;
+	return true;
+}
+
+child_environment::~child_environment()
+{
+	if (saved != nullptr)
+		environ = saved;
+}
+
+} // namespace replay
+
+extern "C" void replay_set_child_library(const char *path)
+{
+	if (path == nullptr || realpath(path, replay::library) == nullptr)
+		replay::library[0] = '\0';
+	if (path != nullptr && replay::library[0] == '\0')
+		dprintf(STDERR_FILENO, "%s: no such library for the children\n", path);
+}

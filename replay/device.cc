@@ -1,0 +1,198 @@
+// Open descriptors of the captured host; see device.h.
+
+#include "replay/device.h"
+
+#include "replay/log.h"
+#include "replay/real.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace replay {
+
+// The kernel shows a memfd as "/memfd:NAME (deleted)".
+static const char copy_mark[] = "replay:";
+static const char link_head[] = "/memfd:replay:";
+static const char link_tail[] = " (deleted)";
+
+static int close_failed(int fd, int error)
+{
+	REPLAY_REAL(close)(fd);
+	errno = error;
+	return -1;
+}
+
+static int new_copy(const char *shown)
+{
+	char name[device_path_max + sizeof(copy_mark)];
+	if (strlen(shown) > device_path_max) {
+		errno = ENAMETOOLONG;
+		return -1;
+	}
+	snprintf(name, sizeof(name), "%s%s", copy_mark, shown);
+	return memfd_create(name, MFD_CLOEXEC);
+}
+
+static bool copy_range(int from, int to, off_t start, off_t end)
+{
+	char block[16384];
+	while (start < end) {
+		const off_t left = end - start;
+		const size_t want = left < static_cast<off_t>(sizeof(block)) ? static_cast<size_t>(left)
+									     : sizeof(block);
+		const ssize_t got = REPLAY_REAL(pread)(from, block, want, start);
+		if (got <= 0 || pwrite(to, block, static_cast<size_t>(got), start) != got)
+			return false;
+		start += got;
+	}
+	return true;
+}
+
+// Only what holds data is copied: an image of a large disk is mostly holes.
+static bool copy_file(const char *path, int to)
+{
+	struct stat st = {};
+	const int from = REPLAY_REAL(open)(path, O_RDONLY | O_CLOEXEC);
+	if (from < 0)
+		return false;
+	bool good = fstat(from, &st) == 0 && ftruncate(to, st.st_size) == 0;
+	off_t at = good ? REPLAY_REAL(lseek)(from, 0, SEEK_DATA) : -1;
+	while (good && at >= 0) {
+		const off_t hole = REPLAY_REAL(lseek)(from, at, SEEK_HOLE);
+		good = hole >= 0 && copy_range(from, to, at, hole);
+		at = REPLAY_REAL(lseek)(from, hole, SEEK_DATA);
+	}
+	REPLAY_REAL(close)(from);
+	return good;
+}
+
+static bool fill_device(const device &dev, int fd)
+{
+	char image[PATH_MAX];
+	uint64_t end = 0;
+
+	if (dev.image != nullptr &&
+	    (!image_path(*shown_host(), dev.image, image) || !copy_file(image, fd)))
+		return false;
+	for (const sector *at = dev.sectors; at != nullptr; at = at->next) {
+		const off_t offset = static_cast<off_t>(at->number * sector_bytes);
+		if (pwrite(fd, at->data, sector_bytes, offset) != sector_bytes)
+			return false;
+	}
+	return !content_end(dev, &end) || ftruncate(fd, static_cast<off_t>(end * sector_bytes)) == 0;
+}
+
+// A fresh description of the memfd, with the access mode that was asked for.
+static int reopen(int fd, int flags)
+{
+	constexpr int kept = O_ACCMODE | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_DIRECTORY;
+	char path[64];
+	snprintf(path, sizeof(path), "/proc/self/fd/%d", fd);
+	const int again = REPLAY_REAL(open)(path, flags & kept);
+	const int saved = errno;
+	REPLAY_REAL(close)(fd);
+	errno = saved;
+	return again;
+}
+
+static int open_device(device *dev, int flags)
+{
+	const answer &opened = dev->answers[OPEN_ANSWER];
+	if (opened.error != 0 || (dev->has_opens && dev->opens_left == 0)) {
+		errno = opened.error != 0 ? opened.error : ENXIO;
+		return -1;
+	}
+	const int fd = new_copy(dev->path);
+	if (fd < 0)
+		return -1;
+	if (!fill_device(*dev, fd))
+		return close_failed(fd, EIO);
+	if (dev->has_opens)
+		--dev->opens_left;
+	return reopen(fd, flags);
+}
+
+// The kernel's own trees take no new files, wherever they were captured from.
+static bool may_create(const char *shown)
+{
+	return strncmp(shown, "/proc/", 6) != 0 && strncmp(shown, "/dev/", 5) != 0;
+}
+
+static int open_file_copy(const place &at, int flags)
+{
+	struct stat st = {};
+	const bool exists = REPLAY_REAL(stat)(at.stored, &st) == 0;
+	int error = 0;
+
+	if (!exists && ((flags & O_CREAT) == 0 || !may_create(at.shown)))
+		error = ENOENT;
+	else if (exists && (flags & O_CREAT) != 0 && (flags & O_EXCL) != 0)
+		error = EEXIST;
+	else if (exists && S_ISDIR(st.st_mode))
+		error = EISDIR;
+	if (error != 0) {
+		errno = error;
+		return -1;
+	}
+	const int fd = new_copy(at.shown);
+	if (fd < 0)
+		return -1;
+	if (exists && (flags & O_TRUNC) == 0 && !copy_file(at.stored, fd))
+		return close_failed(fd, EIO);
+	return reopen(fd, flags);
+}
+
+int open_place(const place &at, int flags, mode_t mode)
+{
+	const bool writes = (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0;
+	if (at.kind == DEVICE_IN_HOST)
+		return open_device(at.dev, flags);
+	if (writes)
+		return open_file_copy(at, flags);
+	return REPLAY_REAL(open)(at.stored, flags, mode);
+}
+
+bool is_copy(int fd, char (&path)[PATH_MAX])
+{
+	constexpr size_t head = sizeof(link_head) - 1;
+	constexpr size_t tail = sizeof(link_tail) - 1;
+	char link[64];
+	char target[PATH_MAX];
+	const int saved = errno;
+
+	if (fd < 0 || shown_host() == nullptr)
+		return false;
+	snprintf(link, sizeof(link), "/proc/self/fd/%d", fd);
+	const ssize_t got = REPLAY_REAL(readlink)(link, target, sizeof(target));
+	errno = saved;
+	if (got < static_cast<ssize_t>(head + tail) || memcmp(target, link_head, head) != 0)
+		return false;
+	const size_t length = static_cast<size_t>(got) - head - tail;
+	memcpy(path, target + head, length);
+	path[length] = '\0';
+	return true;
+}
+
+ssize_t swallow_write(int fd, const char *path, const void *data, size_t length)
+{
+	const int flags = fcntl(fd, F_GETFL);
+	if (flags < 0 || (flags & O_ACCMODE) == O_RDONLY) {
+		errno = EBADF;
+		return -1;
+	}
+	const off_t offset = REPLAY_REAL(lseek)(fd, 0, SEEK_CUR);
+	if (find_device(shown_host(), path) != nullptr || length > log_text_max)
+		log_bytes(path, offset, length);
+	else
+		log_text(path, static_cast<const char *>(data), length);
+	REPLAY_REAL(lseek)(fd, static_cast<off_t>(length), SEEK_CUR);
+	return static_cast<ssize_t>(length);
+}
+
+} // namespace replay

@@ -1,0 +1,399 @@
+// What each line of a host table says; one row of directive_rows or answer_rows
+// per word.
+//
+//   device /dev/hda
+//     BLKGETSIZE 524288
+//     HDIO_GETGEO 255 63 520
+//     table 0
+//       entry 80 83 63 262017
+//
+// Numbers and words are checked to the last character, and nothing may be said
+// twice.
+
+#include "replay/directives.h"
+
+#include "replay/paths.h"
+#include "replay/real.h"
+#include "replay/words.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+
+namespace replay {
+
+bool fault_at(const reading &in, int line, const char *what)
+{
+	dprintf(STDERR_FILENO, "%s:%d: %s\n", in.file, line, what);
+	return false;
+}
+
+bool fault(const reading &in, const char *what)
+{
+	return fault_at(in, in.line, what);
+}
+
+template <typename record> static record *add(reading &in, record **head)
+{
+	record *made = static_cast<record *>(in.memory->take(sizeof(record)));
+	if (made == nullptr) {
+		fault(in, "the table is too large");
+		return nullptr;
+	}
+	while (*head != nullptr)
+		head = &(*head)->next;
+	*head = made;
+	return made;
+}
+
+// Reads `least` to `most` numbers up to the line's end; returns how many there
+// were, or 0 after telling the fault.
+static unsigned read_numbers(const reading &in, char *cursor, unsigned least, unsigned most,
+			     const uint64_t *max, uint64_t *values)
+{
+	unsigned count = 0;
+	for (const char *word = next_word(&cursor); word != nullptr; word = next_word(&cursor)) {
+		if (count == most) {
+			fault(in, "too many numbers");
+			return 0;
+		}
+		if (!read_number(word, max[count], &values[count])) {
+			fault(in, "not a number, or one too large");
+			return 0;
+		}
+		++count;
+	}
+	if (count < least) {
+		fault(in, "a number is missing");
+		return 0;
+	}
+	return count;
+}
+
+static bool read_one_number(const reading &in, char *cursor, uint64_t max, uint64_t *value)
+{
+	return read_numbers(in, cursor, 1, 1, &max, value) == 1;
+}
+
+// "fails ENXIO": takes the words and stores the errno when the line says so.
+static bool read_fails(const reading &in, char **cursor, bool *fails, int *error)
+{
+	char *at = *cursor;
+	at += strspn(at, " \t");
+	*fails = strncmp(at, "fails", 5) == 0 && (at[5] == ' ' || at[5] == '\t' || at[5] == '\0');
+	if (!*fails)
+		return true;
+	*cursor = at + 5;
+	const char *name = next_word(cursor);
+	*error = name == nullptr ? 0 : errno_by_name(name);
+	if (*error == 0)
+		return fault(in, "no such error name");
+	if (next_word(cursor) != nullptr)
+		return fault(in, "words after the error name");
+	return true;
+}
+
+static bool read_reply(reading &in, char *cursor, answer *to)
+{
+	constexpr unsigned reply_max = 4096;
+	cursor += strspn(cursor, " \t");
+	const bool has_result = *cursor == '=';
+
+	if (has_result) {
+		uint64_t result = 0;
+		++cursor;
+		const char *number = next_word(&cursor);
+		if (number == nullptr || !read_number(number, INT_MAX, &result))
+			return fault(in, "no result after \"=\"");
+		to->result = static_cast<int>(result);
+	}
+	to->reply = static_cast<unsigned char *>(in.memory->take(reply_max));
+	if (to->reply == nullptr)
+		return fault(in, "the table is too large");
+	if (!read_hex(cursor, to->reply, reply_max, &to->reply_bytes))
+		return fault(in, "no pairs of hexadecimal digits, or more than 4096 bytes");
+	if (to->reply_bytes == 0 && !has_result)
+		return fault(in, "the reply is missing");
+	return true;
+}
+
+struct answer_row {
+	const char *word;
+	answer_kind kind;
+	unsigned least, most;
+	uint64_t max[4];
+};
+
+static const answer_row answer_rows[] = {
+	{"BLKGETSIZE", BLKGETSIZE_ANSWER, 1, 1, {UINT64_MAX}},
+	{"HDIO_GETGEO", HDIO_GETGEO_ANSWER, 3, 4, {UINT8_MAX, UINT8_MAX, UINT16_MAX, UINT64_MAX}},
+	{"SCSI_IOCTL_GET_IDLUN", GET_IDLUN_ANSWER, 1, 2, {UINT32_MAX, UINT32_MAX}},
+	{"SCSI_IOCTL_SEND_COMMAND", SEND_COMMAND_ANSWER, 0, 0, {}},
+	{"open", OPEN_ANSWER, 0, 0, {}},
+};
+
+static bool read_answer(reading &in, const answer_row &row, char *cursor)
+{
+	answer *to = &in.dev->answers[row.kind];
+	bool fails = false;
+
+	if (to->given)
+		return fault(in, "the device has this line already");
+	to->given = true;
+	if (!read_fails(in, &cursor, &fails, &to->error))
+		return false;
+	if (fails)
+		return true;
+	if (row.kind == SEND_COMMAND_ANSWER)
+		return read_reply(in, cursor, to);
+	if (row.kind == OPEN_ANSWER)
+		return fault(in, "open can only be said to fail");
+	return read_numbers(in, cursor, row.least, row.most, row.max, to->value) > 0;
+}
+
+// The size may stand after the sectors, so that this waits for the block's end.
+bool end_device(reading &in)
+{
+	uint64_t end = 0;
+	if (in.dev == nullptr || !content_end(*in.dev, &end))
+		return true;
+	for (const sector *at = in.dev->sectors; at != nullptr; at = at->next) {
+		if (at->number >= end)
+			return fault_at(in, at->line, "the sector lies beyond the device's end");
+	}
+	return true;
+}
+
+// A name that begins a block: the only word of its kind, and once in the table.
+static bool read_device(reading &in, char *cursor)
+{
+	char plain[PATH_MAX];
+	char *path = next_word(&cursor);
+
+	if (!end_device(in))
+		return false;
+	if (path == nullptr || next_word(&cursor) != nullptr)
+		return fault(in, "device takes one path");
+	if (!unescape(path) || strlen(path) > device_path_max || strncmp(path, "/dev/", 5) != 0)
+		return fault(in, "no path below /dev, or one too long");
+	if (!plain_path(path, plain) || strcmp(plain, path) != 0 || !is_replayed(plain))
+		return fault(in, "this path is never shown from a host");
+	if (find_device(in.table, path) != nullptr)
+		return fault(in, "the device is in the table already");
+	in.dev = add(in, &in.table->devices);
+	if (in.dev == nullptr)
+		return false;
+	in.dev->path = path;
+	in.dev->line = in.line;
+	return true;
+}
+
+static bool read_mount(reading &in, char *cursor)
+{
+	static const uint64_t max[4] = {INT64_MAX, INT64_MAX, INT64_MAX, INT64_MAX};
+	uint64_t values[4] = {};
+	char *path = next_word(&cursor);
+	bool fails = false;
+	int error = 0;
+
+	if (!end_device(in))
+		return false;
+	in.dev = nullptr;
+	if (path == nullptr || !unescape(path) || path[0] != '/')
+		return fault(in, "mount takes an absolute path");
+	if (find_mount(in.table, path) != nullptr)
+		return fault(in, "the mount is in the table already");
+	if (!read_fails(in, &cursor, &fails, &error))
+		return false;
+	const unsigned count = fails ? 0 : read_numbers(in, cursor, 3, 4, max, values);
+	if (!fails && count == 0)
+		return false;
+	mount *made = add(in, &in.table->mounts);
+	if (made == nullptr)
+		return false;
+	made->path = path;
+	made->error = error;
+	made->bsize = values[0];
+	made->blocks = values[1];
+	made->bfree = values[2];
+	made->bavail = count == 4 ? values[3] : values[2];
+	return true;
+}
+
+static bool read_opens(reading &in, char *cursor)
+{
+	if (in.dev->has_opens)
+		return fault(in, "the device has this line already");
+	in.dev->has_opens = true;
+	return read_one_number(in, cursor, UINT32_MAX, &in.dev->opens_left);
+}
+
+static bool read_ends(reading &in, char *cursor)
+{
+	if (in.dev->has_end)
+		return fault(in, "the device has this line already");
+	in.dev->has_end = true;
+	return read_one_number(in, cursor, content_sectors_max, &in.dev->end);
+}
+
+static bool read_image(reading &in, char *cursor)
+{
+	char path[PATH_MAX];
+	char *name = next_word(&cursor);
+
+	if (in.dev->image != nullptr)
+		return fault(in, "the device has this line already");
+	if (name == nullptr || next_word(&cursor) != nullptr)
+		return fault(in, "image takes one file name");
+	if (!unescape(name) || name[0] == '/' || strstr(name, "..") != nullptr)
+		return fault(in, "the image must lie in the host's directory");
+	if (!image_path(*in.table, name, path) || REPLAY_REAL(access)(path, R_OK) != 0)
+		return fault(in, "the image cannot be read");
+	in.dev->image = name;
+	return true;
+}
+
+static sector *add_sector(reading &in, const char *number)
+{
+	uint64_t value = 0;
+	if (number == nullptr || !read_number(number, content_sectors_max - 1, &value)) {
+		fault(in, "no sector number");
+		return nullptr;
+	}
+	for (const sector *at = in.dev->sectors; at != nullptr; at = at->next) {
+		if (at->number == value) {
+			fault(in, "the sector is in the table already");
+			return nullptr;
+		}
+	}
+	sector *made = add(in, &in.dev->sectors);
+	if (made != nullptr) {
+		made->number = value;
+		made->line = in.line;
+	}
+	return made;
+}
+
+// The last two bytes of a partition-table sector, in the order they stand there.
+static bool read_signature(const reading &in, const char *word, unsigned char *to)
+{
+	if (word == nullptr)
+		word = "55aa";
+	if (strcmp(word, "none") == 0)
+		return true;
+	const char high[3] = {word[0], word[0] == '\0' ? '\0' : word[1], '\0'};
+	if (strlen(word) != 4 || !read_hex_byte(high, &to[0]) || !read_hex_byte(word + 2, &to[1]))
+		return fault(in, "the signature is 55aa, aa55, none or 4 hexadecimal digits");
+	return true;
+}
+
+static bool read_table(reading &in, char *cursor)
+{
+	const char *number = next_word(&cursor);
+	const char *signature = next_word(&cursor);
+
+	if (next_word(&cursor) != nullptr)
+		return fault(in, "words after the signature");
+	sector *made = add_sector(in, number);
+	in.open_table = made;
+	return made != nullptr && read_signature(in, signature, &made->data[510]);
+}
+
+static void put_le32(unsigned char *to, uint64_t value)
+{
+	for (unsigned i = 0; i < 4; ++i)
+		to[i] = static_cast<unsigned char>(value >> (8 * i));
+}
+
+static bool read_entry(reading &in, char *cursor)
+{
+	static const uint64_t max[2] = {UINT32_MAX, UINT32_MAX};
+	uint64_t values[2] = {};
+	const char *active = next_word(&cursor);
+	const char *type = next_word(&cursor);
+
+	if (in.open_table->entries == 4)
+		return fault(in, "a table has four entries");
+	unsigned char *slot = in.open_table->data + 446 + size_t{16} * in.open_table->entries++;
+	if (active != nullptr && strcmp(active, "-") == 0 && type == nullptr)
+		return true;
+	if (active == nullptr || type == nullptr || !read_hex_byte(active, &slot[0]) ||
+	    !read_hex_byte(type, &slot[4]))
+		return fault(in, "entry takes \"-\", or two hexadecimal bytes and two numbers");
+	if (read_numbers(in, cursor, 2, 2, max, values) == 0)
+		return false;
+	put_le32(&slot[8], values[0]);
+	put_le32(&slot[12], values[1]);
+	return true;
+}
+
+static bool add_raw_bytes(reading &in, char *cursor)
+{
+	sector *to = in.open_raw;
+	const unsigned before = to->used;
+	if (!read_hex(cursor, to->data, sector_bytes, &to->used))
+		return fault(in, "no pairs of hexadecimal digits, or more than 512 bytes");
+	return to->used > before || fault(in, "the bytes are missing");
+}
+
+static bool read_sector(reading &in, char *cursor)
+{
+	in.open_raw = add_sector(in, next_word(&cursor));
+	return in.open_raw != nullptr && add_raw_bytes(in, cursor);
+}
+
+enum place { ANYWHERE, IN_DEVICE, IN_TABLE };
+
+struct directive_row {
+	const char *word;
+	place where;
+	bool (*read)(reading &in, char *cursor);
+};
+
+static const directive_row directive_rows[] = {
+	{"device", ANYWHERE, read_device}, {"mount", ANYWHERE, read_mount}, {"opens", IN_DEVICE, read_opens},
+	{"ends", IN_DEVICE, read_ends},    {"image", IN_DEVICE, read_image}, {"table", IN_DEVICE, read_table},
+	{"sector", IN_DEVICE, read_sector}, {"entry", IN_TABLE, read_entry},
+};
+
+static bool read_directive(reading &in, const directive_row &row, char *cursor)
+{
+	if (row.where != ANYWHERE && in.dev == nullptr)
+		return fault(in, "the line belongs to a device, and none is named before it");
+	if (row.where == IN_TABLE && in.open_table == nullptr)
+		return fault(in, "an entry stands right below its table");
+	if (row.where != IN_TABLE)
+		in.open_table = nullptr;
+	in.open_raw = nullptr;
+	return row.read(in, cursor);
+}
+
+bool read_line(reading &in, char *line)
+{
+	cut_comment(line);
+	line += strspn(line, " \t");
+	if (*line == '+' && in.open_raw != nullptr)
+		return add_raw_bytes(in, line + 1);
+	if (*line == '+')
+		return fault(in, "a \"+\" line goes on with a sector, and none stands before it");
+	char *cursor = line;
+	const char *word = next_word(&cursor);
+	if (word == nullptr)
+		return true;
+	for (const directive_row &row : directive_rows) {
+		if (strcmp(row.word, word) == 0)
+			return read_directive(in, row, cursor);
+	}
+	in.open_table = in.open_raw = nullptr;
+	for (const answer_row &row : answer_rows) {
+		if (strcmp(row.word, word) != 0)
+			continue;
+		if (in.dev == nullptr)
+			return fault(in, "the line belongs to a device, and none is named before it");
+		return read_answer(in, row, cursor);
+	}
+	return fault(in, "no such directive");
+}
+
+} // namespace replay

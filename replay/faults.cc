@@ -1,0 +1,82 @@
+// The outside calls that are counted; see faults.h.
+
+#include "replay/faults.h"
+
+#include "replay/host.h"
+#include "replay/replay.h"
+
+#include <atomic>
+#include <cerrno>
+
+namespace replay {
+
+static std::atomic<long> calls;
+static std::atomic<long> shells;
+static std::atomic<long> failing_call; // 0: none
+static std::atomic<bool> failing_on;
+
+// What the kernel or the C library says in the usual case of such a failure.
+static const struct {
+	counted_call call;
+	int error;
+} rows[] = {
+	{CALL_OPEN, ENXIO},    {CALL_FOPEN, EMFILE},  {CALL_POPEN, ENOMEM},    {CALL_PCLOSE, ECHILD},
+	{CALL_FCLOSE, EIO},    {CALL_CLOSE, EIO},     {CALL_READ, EIO},        {CALL_WRITE, EIO},
+	{CALL_LSEEK, EINVAL},  {CALL_IOCTL, EIO},     {CALL_STATFS, EIO},      {CALL_SCANDIR, ENOMEM},
+	{CALL_OPENDIR, EMFILE}, {CALL_READLINK, EIO}, {CALL_STAT, EIO},        {CALL_MKNOD, EPERM},
+	{CALL_UNLINK, EPERM},  {CALL_FGETS, EIO},     {CALL_GETMNTENT, EIO},   {CALL_SYSTEM, EAGAIN},
+};
+static_assert(sizeof(rows) / sizeof(rows[0]) == COUNTED_CALLS, "one row per counted call");
+
+int fault_errno(counted_call call)
+{
+	for (const auto &row : rows) {
+		if (row.call == call)
+			return row.error;
+	}
+	return EIO;
+}
+
+bool must_fail(counted_call call)
+{
+	// A preload learns from its environment which call is to fail: even the
+	// first one must see that.
+	(void)shown_host();
+	const long number = ++calls;
+	const long failing = failing_call;
+	const bool fails = failing > 0 && (failing_on ? number >= failing : number == failing);
+	if (fails)
+		errno = fault_errno(call);
+	return fails;
+}
+
+void count_shell()
+{
+	++shells;
+}
+
+} // namespace replay
+
+extern "C" void replay_count_calls(void)
+{
+	replay::calls = 0;
+	replay::shells = 0;
+}
+
+extern "C" long replay_calls(void)
+{
+	return replay::calls;
+}
+
+extern "C" long replay_shells(void)
+{
+	return replay::shells;
+}
+
+extern "C" void replay_fail_call(long nth, int from_there_on)
+{
+	if (nth > 0)
+		replay_count_calls();
+	replay::failing_on = from_there_on != 0;
+	replay::failing_call = nth;
+}

@@ -1,0 +1,112 @@
+// Which paths belong to the captured host; see paths.h.
+
+#include "replay/paths.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+
+namespace replay {
+
+bool join(char (&out)[PATH_MAX], const char *first, const char *second)
+{
+	const size_t head = strlen(first);
+	const size_t tail = strlen(second);
+	if (head + tail >= PATH_MAX)
+		return false;
+	memcpy(out, first, head);
+	memcpy(out + head, second, tail + 1);
+	return true;
+}
+
+static size_t drop_last_step(const char *path, size_t length)
+{
+	while (length > 0 && path[length - 1] != '/')
+		--length;
+	return length > 0 ? length - 1 : 0;
+}
+
+bool plain_path(const char *path, char (&out)[PATH_MAX])
+{
+	size_t length = 0;
+
+	if (path == nullptr || path[0] != '/')
+		return false;
+	while (*path != '\0') {
+		path += strspn(path, "/");
+		const size_t step = strcspn(path, "/");
+		if (step == 2 && memcmp(path, "..", 2) == 0) {
+			length = drop_last_step(out, length);
+		} else if (step > 0 && !(step == 1 && *path == '.')) {
+			if (length + step + 2 > PATH_MAX)
+				return false;
+			out[length++] = '/';
+			memcpy(out + length, path, step);
+			length += step;
+		}
+		path += step;
+	}
+	if (length == 0)
+		out[length++] = '/';
+	out[length] = '\0';
+	return true;
+}
+
+enum match { WHOLE, TREE, PREFIX };
+
+// A tree is the path itself and all below it; a prefix also takes what goes on
+// without a slash, as /dev/tty does with /dev/ttyS0.
+static bool matches(const char *path, const char *text, match kind)
+{
+	const size_t length = strlen(text);
+	if (strncmp(path, text, length) != 0)
+		return false;
+	if (kind == PREFIX || path[length] == '\0')
+		return true;
+	return kind == TREE && path[length] == '/';
+}
+
+struct path_row {
+	const char *text;
+	match kind;
+};
+
+static const path_row captured[] = {
+	{"/proc", TREE},
+	{"/dev", TREE},
+	{"/root", TREE},
+	{"/etc/mtab", WHOLE},
+};
+
+// A program cannot live without these: they are about itself or hold no state
+// of the machine.
+static const path_row running[] = {
+	{"/proc/self", TREE}, {"/proc/thread-self", TREE}, {"/dev/null", WHOLE},  {"/dev/zero", WHOLE},
+	{"/dev/full", WHOLE}, {"/dev/tty", PREFIX},        {"/dev/pts", PREFIX},  {"/dev/ptmx", WHOLE},
+	{"/dev/fd", TREE},    {"/dev/urandom", WHOLE},     {"/dev/random", WHOLE}, {"/dev/std", PREFIX},
+	{"/dev/shm", TREE},
+};
+
+static bool is_own_process(const char *path)
+{
+	char own[32];
+	snprintf(own, sizeof(own), "/proc/%d", static_cast<int>(getpid()));
+	return matches(path, own, TREE);
+}
+
+bool is_replayed(const char *plain)
+{
+	bool inside = false;
+	for (const path_row &row : captured)
+		inside = inside || matches(plain, row.text, row.kind);
+	if (!inside || is_own_process(plain))
+		return false;
+	for (const path_row &row : running) {
+		if (matches(plain, row.text, row.kind))
+			return false;
+	}
+	return true;
+}
+
+} // namespace replay

@@ -1,0 +1,30 @@
+// The next definition of a call after ours: the C library's, or a sanitizer's
+// check in front of it.  Everything this library does for itself goes through
+// here, so that its own calls are neither replayed nor counted.
+
+#ifndef DISKSCOUT_REPLAY_REAL_H
+#define DISKSCOUT_REPLAY_REAL_H
+
+#include <dlfcn.h>
+#include <stdlib.h>
+
+namespace replay {
+
+// One slot per call.  It is filled at the first use and not in a constructor,
+// because other libraries' constructors call before ours would have run.
+template <auto call> auto real(const char *name)
+{
+	static decltype(call) found;
+	if (found == nullptr) {
+		found = reinterpret_cast<decltype(call)>(dlsym(RTLD_NEXT, name));
+		if (found == nullptr)
+			abort();
+	}
+	return found;
+}
+
+} // namespace replay
+
+#define REPLAY_REAL(call) (replay::real<&::call>(#call))
+
+#endif

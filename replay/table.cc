@@ -1,0 +1,109 @@
+// Loads a captured host, DIR/host.txt, and finds things in it.
+//
+// Every fault is told with its file and line and refuses the whole host: a
+// test on a host that is not what its author wrote proves nothing.
+
+#include "replay/table.h"
+
+#include "replay/directives.h"
+#include "replay/paths.h"
+#include "replay/real.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+
+namespace replay {
+
+bool content_end(const device &dev, uint64_t *sectors)
+{
+	const answer &size = dev.answers[BLKGETSIZE_ANSWER];
+	if (!dev.has_end && (!size.given || size.error != 0))
+		return false;
+	*sectors = dev.has_end ? dev.end : size.value[0];
+	if (*sectors > content_sectors_max)
+		*sectors = content_sectors_max;
+	return true;
+}
+
+bool image_path(const host_table &table, const char *name, char (&out)[PATH_MAX])
+{
+	char head[PATH_MAX];
+	return join(head, table.directory, "/") && join(out, head, name);
+}
+
+static bool read_lines(reading &in, char *text, size_t length)
+{
+	if (memchr(text, '\0', length) != nullptr)
+		return fault(in, "the file holds a NUL byte");
+	while (*text != '\0') {
+		char *end = text + strcspn(text, "\n");
+		char *next = *end == '\0' ? end : end + 1;
+		*end = '\0';
+		++in.line;
+		if (!read_line(in, text))
+			return false;
+		text = next;
+	}
+	return end_device(in);
+}
+
+// The whole file in the arena, NUL-terminated; the records point into it.
+static char *read_file(arena *memory, const char *path, size_t *length)
+{
+	struct stat st = {};
+	const int fd = REPLAY_REAL(open)(path, O_RDONLY | O_CLOEXEC);
+	if (fd < 0)
+		return nullptr;
+	char *text = nullptr;
+	if (fstat(fd, &st) == 0 && S_ISREG(st.st_mode))
+		text = static_cast<char *>(memory->take(static_cast<size_t>(st.st_size) + 1));
+	if (text != nullptr) {
+		*length = static_cast<size_t>(st.st_size);
+		if (REPLAY_REAL(read)(fd, text, *length) != static_cast<ssize_t>(*length))
+			text = nullptr;
+	}
+	REPLAY_REAL(close)(fd);
+	return text;
+}
+
+host_table *load_table(const char *directory, arena *memory)
+{
+	char file[PATH_MAX];
+	size_t length = 0;
+	host_table *table = static_cast<host_table *>(memory->take(sizeof(host_table)));
+
+	if (!join(file, directory, "/host.txt") || table == nullptr)
+		return nullptr;
+	reading in = {file, 0, memory, table, nullptr, nullptr, nullptr};
+	char *text = nullptr;
+	if (realpath(directory, table->directory) != nullptr)
+		text = read_file(memory, file, &length);
+	if (text == nullptr) {
+		fault(in, "a captured host has this file, and it cannot be read");
+		return nullptr;
+	}
+	return read_lines(in, text, length) ? table : nullptr;
+}
+
+device *find_device(host_table *table, const char *path)
+{
+	for (device *at = table->devices; at != nullptr; at = at->next) {
+		if (strcmp(at->path, path) == 0)
+			return at;
+	}
+	return nullptr;
+}
+
+const mount *find_mount(const host_table *table, const char *path)
+{
+	for (const mount *at = table->mounts; at != nullptr; at = at->next) {
+		if (strcmp(at->path, path) == 0)
+			return at;
+	}
+	return nullptr;
+}
+
+} // namespace replay

@@ -1,0 +1,92 @@
+// A captured host in memory: what DIR/host.txt says, ready to be answered from.
+//
+//   device /dev/hda              mount /boot 1024 15225 15188
+//     BLKGETSIZE 524288          mount /stale fails ESTALE
+//     table 0
+//       entry 80 83 63 262017
+//
+// All of it lives in one arena and is read-only once it is loaded, but for
+// the count of opens that a device with `opens` still allows.
+
+#ifndef DISKSCOUT_REPLAY_TABLE_H
+#define DISKSCOUT_REPLAY_TABLE_H
+
+#include "replay/arena.h"
+
+#include <limits.h>
+
+#include <cstdint>
+
+namespace replay {
+
+constexpr unsigned sector_bytes = 512;
+// The longest device path: a descriptor carries it in its memfd's name.
+constexpr size_t device_path_max = 200;
+// More sectors than that make no file the kernel would let us have.
+constexpr uint64_t content_sectors_max = uint64_t{1} << 52;
+
+enum answer_kind { BLKGETSIZE_ANSWER, HDIO_GETGEO_ANSWER, GET_IDLUN_ANSWER, SEND_COMMAND_ANSWER, OPEN_ANSWER, ANSWER_KINDS };
+
+// What one request of a device answers: an errno, or the values of its kind.
+struct answer {
+	bool given;
+	int error;              // errno, 0: it succeeds
+	uint64_t value[4];      // as the directive lists them
+	int result;             // SEND_COMMAND: what the call itself returns
+	unsigned char *reply;   // SEND_COMMAND: from the command bytes on
+	unsigned reply_bytes;
+};
+
+struct sector {
+	uint64_t number;
+	int line;               // in host.txt, for the message when it lies too far out
+	unsigned used;          // bytes named so far, for a raw sector that goes on
+	unsigned entries;       // entries named so far, for a partition table
+	unsigned char data[sector_bytes];
+	sector *next;
+};
+
+struct device {
+	const char *path;
+	int line;
+	answer answers[ANSWER_KINDS];
+	bool has_opens;
+	uint64_t opens_left;    // has_opens: how often it can still be opened
+	bool has_end;
+	uint64_t end;           // has_end: the content's sectors, whatever its size says
+	const char *image;      // file in the host directory, or null
+	sector *sectors;
+	device *next;
+};
+
+struct mount {
+	const char *path;
+	int error;              // errno, 0: it answers
+	uint64_t bsize, blocks, bfree, bavail;
+	mount *next;
+};
+
+struct host_table {
+	char directory[PATH_MAX]; // absolute, links resolved
+	device *devices;
+	mount *mounts;
+};
+
+// Loads `directory` and its host.txt into `memory`, which stays the caller's to
+// close.  Returns null, the fault told on standard error, when it is no host.
+host_table *load_table(const char *directory, arena *memory);
+
+device *find_device(host_table *table, const char *path);
+const mount *find_mount(const host_table *table, const char *path);
+
+// Where the content ends: what `ends` says, else what BLKGETSIZE answers.
+// False for a device that gives neither: its content ends after its last named
+// sector or its image.
+bool content_end(const device &dev, uint64_t *sectors);
+
+// The absolute path of an image file; false when it does not fit.
+bool image_path(const host_table &table, const char *name, char (&out)[PATH_MAX]);
+
+} // namespace replay
+
+#endif

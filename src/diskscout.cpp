@@ -1,0 +1,44 @@
+#include "diskscout.h"
+
+#include "hdd/hdd.h"
+
+#include <stdio.h>
+
+int memory_counter_hdd;
+// Nothing changes this one: the hardware RAID side deliberately does not count its records.
+int memory_counter_hwraid;
+
+int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
+{
+	if (!cmd || !result || !length)
+		return -1;
+	switch (cmd->nCommand) {
+	case CMD_GET_DISKS:
+	case CMD_GET_PARTITIONS:
+	case CMD_GET_CDROMS:
+		return GetItemInfo_hdd(cmd, result, length);
+	default:
+		return -1;
+	}
+}
+
+int SetItemInfo(const IPMICOMMAND *cmd, void **result)
+{
+	if (!cmd || !result)
+		return -1;
+	switch (cmd->nCommand) {
+	case CMD_FREE_DISKS:
+	case CMD_FREE_PARTITIONS:
+	case CMD_FREE_CDROMS:
+		return SetItemInfo_hdd(cmd, result);
+	default:
+		return -1;
+	}
+}
+
+int stcli(int, char **, int)
+{
+	fputs("stcli: Hello world!\n", stderr);
+	fputs("stcli error: invalid cli command.\n", stderr);
+	return -1;
+}

@@ -1,0 +1,108 @@
+// The local storage inventory: disks, CD-ROM drives, volumes and partitions, put together afresh on every
+// call from what the readers find. The lists are large; they belong on the stack of one call.
+#ifndef DISKSCOUT_HDD_EXE_LINUX_H
+#define DISKSCOUT_HDD_EXE_LINUX_H
+
+#include "hdd/sal/src/linux/def-devio.h"
+
+struct exe_disk_t {
+	int tag;
+	int index;
+	void *parent;
+	fname_t devpath;      // /dev/ and the kernel's name
+	hdgeo_t hdgeo;        // all zero when unknown
+	idlun_t idlun;        // all zero for IDE disks
+	devid_t devid;        // bus 'i' or 's'
+	int partnum;          // partitions in the kernel's table
+	int partnum_extended; // those of 2 sectors: so the kernel lists an extended partition
+	int sys;              // 1: holds the file system of / or /boot
+};
+
+struct exe_disklist_t {
+	int num;
+	int num_real;
+	int lmt;
+	void *parent;
+	exe_disk_t item[16];
+};
+
+struct exe_cdrom_t {
+	int tag;
+	int index;
+	void *parent;
+	fname_t devpath; // /dev/ and the kernel's name
+	idlun_t idlun;   // all zero: only IDE drives are listed
+	devid_t devid;   // bus 'i'
+	fname_t mntpath; // of the medium; empty when it is not mounted
+	volid_t volid;   // volname stays empty
+	volspace_t volspace;
+};
+
+struct exe_cdromlist_t {
+	int num;
+	int num_real;
+	int lmt;
+	void *parent;
+	exe_cdrom_t item[16];
+};
+
+struct exe_vol_t {
+	int tag;
+	int index;
+	void *parent;
+	fname_t devpath; // the mount entry's source
+	fname_t mntpath;
+	volid_t volid; // volname stays empty
+	volspace_t volspace;
+	int sys; // 1: mounted at exactly / or /boot
+};
+
+struct exe_vollist_t {
+	int num;
+	int num_real;
+	int lmt;
+	void *parent;
+	exe_vol_t item[32];
+};
+
+struct exe_part_t {
+	int tag;
+	int index;
+	void *parent;
+	int part_index; // 0 to 3: slot of the master boot record; from 4: logical drives
+	uint8_t type;
+	int boot;       // the raw boot byte
+	size32_t start; // absolute, in 512-byte sectors
+	size32_t size;  // in 512-byte sectors
+	fname_t devpath; // the disk's path and part_index + 1
+	fname_t disk;    // the disk's path
+	fname_t mntpath; // all mount points, joined by ";"
+	volid_t volid;   // of the volume whose space is shown
+	volspace_t volspace;
+	int sys; // 1: mounted at / or /boot
+};
+
+struct exe_partlist_t {
+	int num;
+	int num_real;
+	int lmt;
+	void *parent;
+	exe_part_t item[32];
+};
+
+// 0, or -1 when more disks qualified than the list holds: it has the first 16.
+int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg);
+
+// IDE CD-ROM drives. Always 0.
+int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg);
+
+// The first 32 mounted file systems, pseudo ones included. 0, or -1 when the mount table cannot be opened.
+int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg);
+
+// The partitions of the disk at this path, joined to their volumes; a null vols builds a volume list of its
+// own. 0, or -1 with an empty list when the disk cannot be opened, sized or read or the volumes cannot be
+// listed.
+int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func_t filter, void *arg,
+                             const exe_vollist_t *vols);
+
+#endif

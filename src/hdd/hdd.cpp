@@ -1,0 +1,270 @@
+#include "hdd/hdd.h"
+
+#include "hdd/sal/src/0/list.h"
+#include "hdd/sal/src/0/str.h"
+#include "hdd/sal/src/linux/parttab.h"
+
+#include <new>
+
+// ---- records ----
+
+// The record behind *link, zeroed but for its link, or a new one: a list that comes back is refilled in
+// place.
+template <class Record> static Record *open_record(Record **link)
+{
+	Record *next = nullptr;
+	if (*link) {
+		next = (*link)->next;
+	} else {
+		*link = static_cast<Record *>(operator new(sizeof(Record)));
+		memory_counter_hdd++;
+	}
+	b0(*link, sizeof **link);
+	(*link)->next = next;
+	return *link;
+}
+
+struct bus_name_t {
+	char bus;
+	const char *name;
+};
+
+static const bus_name_t DISK_BUSES[] = {
+	{'i', "IDE"}, {'c', "IDE"}, {'s', "SCSI"}, {'u', "USB"}, {'f', "FIBRE"}, {'r', "RAID"},
+};
+// Fibre channel and RAID are left out deliberately: drives there are reported as unknown.
+static const bus_name_t CDROM_BUSES[] = {{'i', "IDE"}, {'c', "IDE"}, {'s', "SCSI"}, {'u', "USB"}};
+
+template <size_t rows> static const char *bus_name(const bus_name_t (&buses)[rows], char bus)
+{
+	for (const bus_name_t &row : buses)
+		if (row.bus == bus)
+			return row.name;
+	return "UNKNOWN";
+}
+
+static UINT pack_address(const idlun_t &idlun)
+{
+	return static_cast<UINT>(idlun.host) << 24 | static_cast<UINT>(idlun.channel) << 16 |
+	       static_cast<UINT>(idlun.id) << 8 | idlun.lun;
+}
+
+static ULONGLONG units_to_bytes(size32_t units)
+{
+	return units * 512;
+}
+
+static void fill_geometry(tagStorageDiskList *record, const hdgeo_t &geo)
+{
+	record->nSize = geo.cylinders * geo.heads * geo.sectors * geo.bytes;
+	record->nTotalCylinders = static_cast<UINT>(geo.cylinders);
+	record->nTracksPerCylinder = static_cast<UINT>(geo.heads);
+	record->nSectorsPerTrack = static_cast<UINT>(geo.sectors);
+	record->nTotalHeads = static_cast<UINT>(geo.heads);
+	record->nTotalTracks = static_cast<UINT>(geo.cylinders * geo.heads);
+	record->nTotalBlocks = static_cast<UINT>(record->nSize >> 10);
+	record->nTotalSectors = static_cast<UINT>(record->nSize >> 9);
+	record->nBytesPerBlock = 1024;
+	record->nBytesPerSector = 512;
+}
+
+int exe2stdisk(const exe_disk_t *disk, tagStorageDiskList **link)
+{
+	tagStorageDiskList *record = open_record(link);
+	record->nDiskID = static_cast<UINT>(disk->index);
+	str_copy(record->szDeviceName, disk->devpath);
+	str_copy(record->szDescription, "Disk Device");
+	str_copy(record->szInterface, bus_name(DISK_BUSES, disk->devid.bus));
+	record->nPosition = pack_address(disk->idlun);
+	str_copy(record->szMedia, "Disk");
+	// Some devices answer with a lone "(" where their vendor should stand.
+	if (strcmp(disk->devid.vendor, "(") != 0)
+		str_copy(record->szVendor, disk->devid.vendor);
+	str_copy(record->szModel, disk->devid.model);
+	str_copy(record->szSerialNumber, disk->devid.sn);
+	str_copy(record->szFirmwareVersion, disk->devid.rev);
+	fill_geometry(record, disk->hdgeo);
+	record->nPartNumber = static_cast<UINT>(disk->partnum);
+	record->bUsedBySystem = static_cast<BOOLEAN>(disk->sys);
+	record->nExPartNumber = static_cast<UINT>(disk->partnum_extended);
+	return 0;
+}
+
+int exe2stcdrom(const exe_cdrom_t *cdrom, tagStorageCdromList **link)
+{
+	tagStorageCdromList *record = open_record(link);
+	record->nCdromID = static_cast<UINT>(cdrom->index);
+	str_copy(record->szDeviceName, cdrom->devpath);
+	str_copy(record->szDiscription, "DVD/CD-ROM Device");
+	str_copy(record->szInterface, bus_name(CDROM_BUSES, cdrom->devid.bus));
+	record->nPosition = pack_address(cdrom->idlun);
+	str_copy(record->szMedia, "CDROM");
+	str_copy(record->szVendor, cdrom->devid.vendor);
+	str_copy(record->szModel, cdrom->devid.model);
+	str_copy(record->szSerialNumber, cdrom->devid.sn);
+	str_copy(record->szFirmwareVersion, cdrom->devid.rev);
+	str_copy(record->szMountPoint, cdrom->mntpath);
+	str_copy(record->szLabel, cdrom->volid.volname);
+	record->nTotalSpace = units_to_bytes(cdrom->volspace.total);
+	return 0;
+}
+
+static const char *partition_type(const exe_part_t &part)
+{
+	constexpr uint8_t DYNAMIC_VOLUME = 0x42;
+	if (is_extended_type(part.type))
+		return "Extended Partition";
+	if (part.type == DYNAMIC_VOLUME)
+		return "Dynamic Volume";
+	return part.part_index <= 3 ? "Primary Partition" : "Logical Drive";
+}
+
+static void copy_mount_points(STORAGE_STRING to, std::string_view mntpath)
+{
+	constexpr size_t KEPT = 60;
+	str_copy(to, sizeof(STORAGE_STRING), mntpath);
+	if (mntpath.size() >= sizeof(STORAGE_STRING))
+		str_copy(to + KEPT, sizeof(STORAGE_STRING) - KEPT, "...");
+}
+
+int exe2stpart(const exe_part_t *part, tagStoragePartList **link)
+{
+	tagStoragePartList *record = open_record(link);
+	str_copy(record->szDiskDeviceName, part->disk);
+	record->nPartIndex = static_cast<UINT>(part->part_index);
+	record->nStart = units_to_bytes(part->start);
+	record->nSize = units_to_bytes(part->size);
+	record->nTotalSectors = static_cast<UINT>(part->size);
+	str_copy(record->szType, partition_type(*part));
+	str_copy(record->szFileSystem, part->volid.fsname);
+	copy_mount_points(record->szMountPoint, part->mntpath);
+	str_copy(record->szLabel, part->volid.volname);
+	record->nTotalSpace = units_to_bytes(part->volspace.total);
+	record->nUsedSpace = units_to_bytes(part->volspace.total - part->volspace.free);
+	record->bUsedBySystem = static_cast<BOOLEAN>(part->sys);
+	record->bActive = static_cast<BOOLEAN>(part->boot);
+	return 0;
+}
+
+// ---- lists ----
+
+// Where the next record of a list goes: the caller's head first, then the link of the record before.
+template <class Record> class Chain
+{
+public:
+	Chain(void **head, int *length) : head_(head), length_(length) { *length_ = 0; }
+
+	template <class Item> void append(const Item &item, int (*convert)(const Item *, Record **))
+	{
+		Record *record = static_cast<Record *>(last_ ? last_->next : *head_);
+		convert(&item, &record);
+		if (last_)
+			last_->next = record;
+		else
+			*head_ = record;
+		last_ = record;
+		++*length_;
+	}
+
+private:
+	void **head_;
+	int *length_;
+	Record *last_ = nullptr;
+};
+
+int stdisk_all(void **result, int *length)
+{
+	Chain<tagStorageDiskList> chain(result, length);
+	exe_disklist_t disks;
+	// Deliberately not examined: what was found is the answer.
+	get_exe_disklist(&disks, nullptr, nullptr);
+	for (const exe_disk_t &disk : live_items(disks))
+		chain.append(disk, exe2stdisk);
+	return 0;
+}
+
+int stcdrom_all(void **result, int *length)
+{
+	Chain<tagStorageCdromList> chain(result, length);
+	exe_cdromlist_t cdroms;
+	get_exe_cdromlist(&cdroms, nullptr, nullptr);
+	for (const exe_cdrom_t &cdrom : live_items(cdroms))
+		chain.append(cdrom, exe2stcdrom);
+	return 0;
+}
+
+int stpart_all(void **result, int *length)
+{
+	Chain<tagStoragePartList> chain(result, length);
+	exe_disklist_t disks;
+	exe_vollist_t vols;
+	if (get_exe_disklist(&disks, nullptr, nullptr) == -1 || get_exe_vollist(&vols, nullptr, nullptr) == -1)
+		return -1;
+
+	exe_partlist_t parts;
+	for (const exe_disk_t &disk : live_items(disks)) {
+		if (get_exe_partlist_on_disk(disk.devpath, &parts, nullptr, nullptr, &vols) != 0)
+			return -1;
+		for (const exe_part_t &part : live_items(parts))
+			chain.append(part, exe2stpart);
+	}
+	return 0;
+}
+
+template <class Record> static int clear_list(void **result)
+{
+	auto *record = static_cast<Record *>(*result);
+	while (record) {
+		Record *next = record->next;
+		operator delete(record);
+		memory_counter_hdd--;
+		record = next;
+	}
+	*result = nullptr;
+	return 0;
+}
+
+int stdisk_clear(void **result)
+{
+	return clear_list<tagStorageDiskList>(result);
+}
+
+int stcdrom_clear(void **result)
+{
+	return clear_list<tagStorageCdromList>(result);
+}
+
+int stpart_clear(void **result)
+{
+	return clear_list<tagStoragePartList>(result);
+}
+
+// ---- codes ----
+
+int GetItemInfo_hdd(const IPMICOMMAND *cmd, void **result, int *length)
+{
+	switch (cmd->nCommand) {
+	case CMD_GET_DISKS:
+		return stdisk_all(result, length);
+	case CMD_GET_PARTITIONS:
+		return stpart_all(result, length);
+	case CMD_GET_CDROMS:
+		return stcdrom_all(result, length);
+	default:
+		return -1;
+	}
+}
+
+int SetItemInfo_hdd(const IPMICOMMAND *cmd, void **result)
+{
+	switch (cmd->nCommand) {
+	case CMD_FREE_DISKS:
+		return stdisk_clear(result);
+	case CMD_FREE_PARTITIONS:
+		return stpart_clear(result);
+	case CMD_FREE_CDROMS:
+		return stcdrom_clear(result);
+	default:
+		return -1;
+	}
+}

@@ -1,0 +1,16 @@
+#include "hdd/sal/src/0/dir.h"
+
+#include <stdlib.h>
+
+Listing::Listing(const char *path, int (*select)(const dirent *))
+    : count_(scandir(path, &entries_, select, alphasort))
+{
+}
+
+Listing::~Listing()
+{
+	for (int i = 0; i < count(); i++)
+		free(entries_[i]);
+	if (is_read())
+		free(entries_);
+}

@@ -1,0 +1,31 @@
+// Descriptors of devices: opening, and reading whole sectors.
+#ifndef DISKSCOUT_HDD_SAL_0_FD_H
+#define DISKSCOUT_HDD_SAL_0_FD_H
+
+#include "hdd/sal/src/0/def.h"
+
+constexpr unsigned SECTOR_SIZE = 512;
+
+// Opens read-only and close-on-exec; negative on failure.
+int fdopen_ro(const char *path);
+// Seeks to byte sector * 512 from the start. 0, or -1.
+int fdseeks(int fd, unsigned long sector);
+// Zeroes buf, then reads len bytes. 0 only when all of them were read, else -1.
+int fdread_buf(int fd, void *buf, unsigned long len);
+
+// Closes its descriptor when the scope ends.
+class Descriptor
+{
+public:
+	explicit Descriptor(const char *path) : fd_(fdopen_ro(path)) {}
+	~Descriptor();
+	Descriptor(const Descriptor &) = delete;
+	Descriptor &operator=(const Descriptor &) = delete;
+	bool is_open() const { return fd_ >= 0; }
+	int fd() const { return fd_; }
+
+private:
+	fd_t fd_;
+};
+
+#endif

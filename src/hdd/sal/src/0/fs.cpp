@@ -1,0 +1,59 @@
+#include "hdd/sal/src/0/fs.h"
+
+#include "hdd/sal/src/0/str.h"
+
+// Flushing all output streams is part of every stream operation here: what a host has printed so far
+// appears before whatever follows from the reading.
+static void flush_all()
+{
+	fflush(nullptr);
+}
+
+FILE *fsopen_ro(const char *path)
+{
+	return fopen(path, "re");
+}
+
+int fsclose(FILE *fs)
+{
+	flush_all();
+	return fclose(fs);
+}
+
+int fsread_line(FILE *fs, char *line)
+{
+	b0_line(line);
+	const bool got = fgets(line, LINE_SIZE, fs) != nullptr;
+	flush_all();
+	return got ? 0 : -1;
+}
+
+int fsread_line_by_path(const char *path, char *line)
+{
+	b0_line(line);
+	const Stream file(fsopen_ro(path));
+	return file ? fsread_line(file.get(), line) : -1;
+}
+
+int fswrite_text_by_path(const char *path, const char *text)
+{
+	FILE *fs = fopen(path, "we");
+	if (!fs)
+		return -1;
+	const bool written = fputs(text, fs) >= 0 && fflush(fs) == 0;
+	return fsclose(fs) == 0 && written ? 0 : -1;
+}
+
+Stream::~Stream()
+{
+	if (fs_)
+		fsclose(fs_);
+}
+
+Pipe::Pipe(const char *command) : fs_(popen(command, "re")) {}
+
+Pipe::~Pipe()
+{
+	if (fs_)
+		pclose(fs_);
+}

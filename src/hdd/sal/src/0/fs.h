@@ -1,0 +1,48 @@
+// Streams over table files and over the output of a shell command, read line by line.
+#ifndef DISKSCOUT_HDD_SAL_0_FS_H
+#define DISKSCOUT_HDD_SAL_0_FS_H
+
+#include "hdd/sal/src/0/def.h"
+
+FILE *fsopen_ro(const char *path); // null on failure
+// Flushes all output streams, then closes fs. Returns what closing returned: 0, or EOF.
+int fsclose(FILE *fs);
+// Zeroes the line_t, then reads at most 1023 characters up to and including a newline, and flushes all
+// output streams. 0, or -1 at end of file or error.
+int fsread_line(FILE *fs, char *line);
+// The first line of a file, read as above. 0, or -1 when there is none; the line is zeroed then.
+int fsread_line_by_path(const char *path, char *line);
+// Writes the text to an existing kernel file in one piece. 0, or -1.
+int fswrite_text_by_path(const char *path, const char *text);
+
+// Closes its stream when the scope ends.
+class Stream
+{
+public:
+	explicit Stream(FILE *fs) : fs_(fs) {}
+	~Stream();
+	Stream(const Stream &) = delete;
+	Stream &operator=(const Stream &) = delete;
+	explicit operator bool() const { return fs_ != nullptr; }
+	FILE *get() const { return fs_; }
+
+private:
+	fs_t fs_;
+};
+
+// Reads the output of a shell command; the child has been waited for when the scope ends.
+class Pipe
+{
+public:
+	explicit Pipe(const char *command);
+	~Pipe();
+	Pipe(const Pipe &) = delete;
+	Pipe &operator=(const Pipe &) = delete;
+	explicit operator bool() const { return fs_ != nullptr; }
+	FILE *get() const { return fs_; }
+
+private:
+	fs_t fs_;
+};
+
+#endif

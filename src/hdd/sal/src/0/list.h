@@ -1,0 +1,121 @@
+// The bounded list: one plain record of fixed size that every reader fills in place.
+//
+// A list begins with num, num_real, lmt and parent and ends in the array `item`; an item begins with tag,
+// index and parent. A slot whose tag is 0 is free. num is one more than the highest occupied slot, num_real
+// the number of occupied slots: they differ when the list has holes.
+#ifndef DISKSCOUT_HDD_SAL_0_LIST_H
+#define DISKSCOUT_HDD_SAL_0_LIST_H
+
+#include "hdd/sal/src/0/def.h"
+
+#include <string.h>
+
+// As a slot: the first free one.
+constexpr int LIST_FIRST_FREE = -1;
+
+template <class List> constexpr int list_capacity()
+{
+	return static_cast<int>(sizeof(List::item) / sizeof(List::item[0]));
+}
+
+template <class List> void list_clear(List *list)
+{
+	memset(list, 0, sizeof *list);
+	list->lmt = list_capacity<List>();
+}
+
+template <class List> void list_renumber(List *list)
+{
+	list->num = 0;
+	list->num_real = 0;
+	for (int slot = 0; slot < list->lmt; slot++) {
+		if (list->item[slot].tag == 0)
+			continue;
+		list->item[slot].tag = 1;
+		list->item[slot].index = slot;
+		list->item[slot].parent = list;
+		list->num_real++;
+		list->num = slot + 1;
+	}
+}
+
+template <class List> int list_first_free(const List *list)
+{
+	for (int slot = 0; slot < list->lmt; slot++)
+		if (list->item[slot].tag == 0)
+			return slot;
+	return -1;
+}
+
+// Copies the candidate into the slot. Returns 0, or -1 when the slot is taken or outside the list.
+template <class List, class Item> int list_add(List *list, int slot, const Item &candidate)
+{
+	list_renumber(list);
+	if (slot == LIST_FIRST_FREE)
+		slot = list_first_free(list);
+	if (slot < 0 || slot >= list->lmt || list->item[slot].tag != 0)
+		return -1;
+	list->item[slot] = candidate;
+	list->item[slot].tag = 1;
+	list_renumber(list);
+	return 0;
+}
+
+// Whether a caller's filter keeps the candidate.
+template <class Item> bool keeps(filter_func_t filter, const Item *candidate, const void *arg)
+{
+	return !filter || filter(candidate, arg) != 0;
+}
+
+// The occupied slots of a list, in slot order: for (const auto &item : live_items(list)).
+template <class List> class live_items
+{
+public:
+	explicit live_items(const List &list) : list_(list) {}
+
+	class iterator
+	{
+	public:
+		iterator(const List &list, int slot) : list_(list), slot_(slot) { skip_free(); }
+		const auto &operator*() const { return list_.item[slot_]; }
+		bool operator!=(const iterator &other) const { return slot_ != other.slot_; }
+		iterator &operator++()
+		{
+			slot_++;
+			skip_free();
+			return *this;
+		}
+
+	private:
+		void skip_free()
+		{
+			while (slot_ < list_.lmt && list_.item[slot_].tag == 0)
+				slot_++;
+		}
+		const List &list_;
+		int slot_;
+	};
+
+	iterator begin() const { return iterator(list_, 0); }
+	iterator end() const { return iterator(list_, list_.lmt); }
+
+private:
+	const List &list_;
+};
+
+// The two lines' beginnings that every dump of a list on standard error shares. Addresses show their low
+// 32 bits.
+void dump_list_head(int num, int num_real, int lmt, const void *parent, const void *list);
+void dump_item_head(int index, int tag, const void *parent);
+
+template <class List> void dump_list_head(const List *list)
+{
+	dump_list_head(list->num, list->num_real, list->lmt, list->parent, list);
+}
+
+template <class Item> void dump_item_head(const Item &item)
+{
+	dump_item_head(item.index, item.tag, item.parent);
+}
+
+#endif

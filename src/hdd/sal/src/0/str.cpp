@@ -1,0 +1,156 @@
+#include "hdd/sal/src/0/str.h"
+
+#include <limits.h>
+#include <string.h>
+
+void b0(void *p, unsigned long n)
+{
+	memset(p, 0, n);
+}
+
+void b0_fname(char *fname)
+{
+	b0(fname, FNAME_SIZE);
+}
+
+void b0_line(char *line)
+{
+	b0(line, LINE_SIZE);
+}
+
+void b0_str(char *str)
+{
+	b0(str, STR_SIZE);
+}
+
+void b0_idlun(idlun_t *idlun)
+{
+	b0(idlun, sizeof *idlun);
+}
+
+std::string_view str_cut(std::string_view text)
+{
+	size_t length = 0;
+	while (length < text.size() && !memchr("\n\r#", text[length], sizeof "\n\r#"))
+		length++;
+	return std::string_view(text.data(), length);
+}
+
+static bool is_blank(char c)
+{
+	return c == ' ' || c == '\t';
+}
+
+std::string_view str_cut_strip(std::string_view text)
+{
+	text = str_cut(text);
+	while (!text.empty() && is_blank(text.back()))
+		text.remove_suffix(1);
+	return text;
+}
+
+std::string_view str_trim(std::string_view text)
+{
+	text = str_cut_strip(text);
+	while (!text.empty() && is_blank(text.front()))
+		text.remove_prefix(1);
+	return text;
+}
+
+static bool is_space(char c)
+{
+	return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+static bool is_digit(char c)
+{
+	return c >= '0' && c <= '9';
+}
+
+static void skip_space(std::string_view *text)
+{
+	while (!text->empty() && is_space(text->front()))
+		text->remove_prefix(1);
+}
+
+bool str_next_word(std::string_view *text, std::string_view *word)
+{
+	skip_space(text);
+	size_t length = 0;
+	while (length < text->size() && !is_space((*text)[length]))
+		length++;
+	*word = std::string_view(text->data(), length);
+	text->remove_prefix(length);
+	return length != 0;
+}
+
+bool str_next_int(std::string_view *text, int64_t *value)
+{
+	skip_space(text);
+	const bool negative = !text->empty() && text->front() == '-';
+	if (negative || (!text->empty() && text->front() == '+'))
+		text->remove_prefix(1);
+	if (text->empty() || !is_digit(text->front()))
+		return false;
+	int64_t magnitude = 0;
+	for (; !text->empty() && is_digit(text->front()); text->remove_prefix(1)) {
+		const int digit = text->front() - '0';
+		magnitude = magnitude > (INT64_MAX - digit) / 10 ? INT64_MAX : magnitude * 10 + digit;
+	}
+	*value = negative ? -magnitude : magnitude;
+	return true;
+}
+
+int str_hex_digit(char c)
+{
+	if (is_digit(c))
+		return c - '0';
+	if (c >= 'a' && c <= 'f')
+		return c - 'a' + 10;
+	if (c >= 'A' && c <= 'F')
+		return c - 'A' + 10;
+	return -1;
+}
+
+bool str_next_hex4(std::string_view *text, unsigned *value)
+{
+	skip_space(text);
+	int digits = 0;
+	for (*value = 0; digits < 4 && !text->empty(); digits++, text->remove_prefix(1)) {
+		const int digit = str_hex_digit(text->front());
+		if (digit < 0)
+			break;
+		*value = *value * 16 + static_cast<unsigned>(digit);
+	}
+	return digits != 0;
+}
+
+int str_digits(std::string_view digits)
+{
+	int value = digits.empty() ? -1 : 0;
+	for (const char c : digits) {
+		if (!is_digit(c))
+			return -1;
+		const int digit = c - '0';
+		value = value > (INT_MAX - digit) / 10 ? INT_MAX : value * 10 + digit;
+	}
+	return value;
+}
+
+bool str_begins(std::string_view text, std::string_view prefix)
+{
+	return text.size() >= prefix.size() && memcmp(text.data(), prefix.data(), prefix.size()) == 0;
+}
+
+void str_copy(char *to, size_t size, std::string_view from)
+{
+	const size_t length = from.size() < size ? from.size() : size - 1;
+	memcpy(to, from.data(), length);
+	memset(to + length, 0, size - length);
+}
+
+void str_append(char *to, size_t size, std::string_view from)
+{
+	const size_t used = strnlen(to, size - 1);
+	str_copy(to + used, size - used, from);
+}

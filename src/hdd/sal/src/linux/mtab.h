@@ -1,0 +1,39 @@
+// The mount table, /etc/mtab: what is mounted, where, and as what.
+#ifndef DISKSCOUT_HDD_SAL_LINUX_MTAB_H
+#define DISKSCOUT_HDD_SAL_LINUX_MTAB_H
+
+#include "hdd/sal/src/linux/def-devio.h"
+
+struct mtab_mnt_t {
+	int tag;
+	int index;
+	void *parent;
+	fname_t devpath; // mounted device or other source
+	fname_t mntpath; // mount point
+	str_t fsname;    // file-system type
+};
+
+struct mtab_mntlist_t {
+	int num;
+	int num_real;
+	int lmt;
+	void *parent;
+	mtab_mnt_t item[32];
+};
+typedef mtab_mntlist_t mtab_t;
+
+// Reads the table through a shell's pipe, which opens what the running system calls /etc/mtab at that
+// moment. 0 (also without a table: no entries), -1 when the pipe cannot be opened, -2 when there are more
+// entries than the list holds: it has the first 32 that the filter kept.
+int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg);
+
+// The same straight from the file, without a shell; -1 when it cannot be opened.
+int read_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg);
+
+// Keep entries whose source begins with /dev/, or whose mount point begins with /mnt/; arg is ignored.
+int filter_mtab_mnt_in_dev(const void *item, const void *arg);
+int filter_mtab_mnt_in_mnt(const void *item, const void *arg);
+
+void display_mtab_mntlist(const mtab_mntlist_t *list);
+
+#endif

@@ -1,0 +1,89 @@
+// /proc/partitions, one line a block device under a heading and a blank line:
+//
+//   major minor  #blocks  name
+//
+//      8        0     262144 sda
+//      8        1     131008 sda1
+//
+// Blocks are of 1024 bytes.
+#include "hdd/sal/src/linux/procblk.h"
+
+#include "hdd/sal/src/0/fn.h"
+#include "hdd/sal/src/0/fs.h"
+#include "hdd/sal/src/0/list.h"
+#include "hdd/sal/src/0/str.h"
+
+// Longest name that a line is taken to hold; what stands behind it is ignored.
+constexpr size_t NAME_LIMIT = 63;
+
+// Sets the fields that a line tells; of the name only the bytes that a name can reach, because clearing the
+// rest again for every line would cost more than the parsing.
+static int parse_procblk_line(const char *line, procblk_dev_t *dev)
+{
+	std::string_view text(line);
+	int64_t major;
+	int64_t minor;
+	int64_t blocks;
+	std::string_view word;
+	if (!str_next_int(&text, &major) || !str_next_int(&text, &minor) || !str_next_int(&text, &blocks) ||
+	    !str_next_word(&text, &word))
+		return -1;
+
+	if (word.size() > NAME_LIMIT)
+		word.remove_suffix(word.size() - NAME_LIMIT);
+	const devname_t name = split_devname(word);
+	str_copy(dev->name, NAME_LIMIT + 1, name.stem);
+	dev->part = name.number == -1 ? 0 : name.number;
+	dev->mami = make_mami(static_cast<unsigned>(major), static_cast<unsigned>(minor));
+	dev->size = static_cast<size32_t>(static_cast<uint32_t>(blocks)) * 2;
+	return 0;
+}
+
+int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg)
+{
+	list_clear(list);
+	const Stream table(fsopen_ro(PPROCBLK_PATH));
+	if (!table)
+		return -1;
+
+	line_t line;
+	fsread_line(table.get(), line); // headings
+	fsread_line(table.get(), line); // the blank line below them
+
+	int result = 0;
+	procblk_dev_t dev = {};
+	while (fsread_line(table.get(), line) == 0) {
+		if (parse_procblk_line(line, &dev) != 0)
+			result = -1;
+		else if (keeps(filter, &dev, arg) && list_add(list, list->num, dev) != 0)
+			result = -1;
+	}
+	return result;
+}
+
+int filter_procblk_is_disk(const void *item, const void *)
+{
+	const auto *dev = static_cast<const procblk_dev_t *>(item);
+	const std::string_view stem = split_devname(dev->name).stem;
+	return dev->part == 0 && (is_ide_stem(stem) || is_scsi_stem(stem));
+}
+
+int filter_procblk_is_part(const void *item, const void *arg)
+{
+	const auto *dev = static_cast<const procblk_dev_t *>(item);
+	const devname_t disk = split_devname(static_cast<const char *>(arg));
+	return dev->part != 0 && dev->name == disk.stem;
+}
+
+void display_procblk_devlist(const procblk_devlist_t *list)
+{
+	dump_list_head(list);
+	for (const procblk_dev_t &dev : live_items(*list)) {
+		dump_item_head(dev);
+		fprintf(stderr, "%s %d (%d:%d)\t%9d ", dev.name, dev.part, static_cast<int>(mami_major(dev.mami)),
+		        static_cast<int>(mami_minor(dev.mami)), static_cast<int>(dev.size));
+		for (const unsigned int counter : dev.io)
+			fprintf(stderr, " %d", static_cast<int>(counter));
+		fputs("\n", stderr);
+	}
+}

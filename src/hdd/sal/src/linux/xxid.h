@@ -1,0 +1,8 @@
+// Sixteen-byte identities in their text form.
+#ifndef DISKSCOUT_HDD_SAL_LINUX_XXID_H
+#define DISKSCOUT_HDD_SAL_LINUX_XXID_H
+
+// Writes id (16 bytes) as a lower-case UUID of 36 characters into text (a str_t, cleared first). Returns 0.
+int xxid_unparse(const unsigned char *id, char *text);
+
+#endif
