@@ -31,17 +31,17 @@ typedef struct IPMICOMMAND {
 
 /* Query codes; the release code of a query is the query code plus one. */
 enum {
-	CMD_GET_DISKS = 122100,           /* no argument; tagStorageDiskList */
+	CMD_GET_DISKS = 122100, /* no argument; tagStorageDiskList */
 	CMD_FREE_DISKS = 122101,
-	CMD_GET_PARTITIONS = 123100,      /* no argument; tagStoragePartList, the partitions of all disks */
+	CMD_GET_PARTITIONS = 123100, /* no argument; tagStoragePartList, the partitions of all disks */
 	CMD_FREE_PARTITIONS = 123101,
-	CMD_GET_CDROMS = 124100,          /* no argument; tagStorageCdromList */
+	CMD_GET_CDROMS = 124100, /* no argument; tagStorageCdromList */
 	CMD_FREE_CDROMS = 124101,
-	CMD_GET_CONTAINERS = 125100,      /* controller name: RAID containers */
+	CMD_GET_CONTAINERS = 125100, /* controller name: RAID containers */
 	CMD_FREE_CONTAINERS = 125101,
-	CMD_GET_RAID_DISKS = 126100,      /* controller name: physical disks */
+	CMD_GET_RAID_DISKS = 126100, /* controller name: physical disks */
 	CMD_FREE_RAID_DISKS = 126101,
-	CMD_GET_RAID_SPACE = 127100,      /* 32-bit disk address, then controller name: its free areas */
+	CMD_GET_RAID_SPACE = 127100, /* 32-bit disk address, then controller name: its free areas */
 	CMD_FREE_RAID_SPACE = 127101,
 	CMD_GET_RAID_PARTITIONS = 128100, /* controller name: partitions on its disks */
 	CMD_FREE_RAID_PARTITIONS = 128101,

@@ -26,13 +26,13 @@ typedef struct tagStorageDiskList {
 	UINT nPosition;                   /* host << 24 | channel << 16 | ID << 8 | LUN */
 	STORAGE_STRING szMedia;           /* "Disk" */
 	STORAGE_STRING szVendor;          /* empty for IDE disks */
-	STORAGE_STRING szModel;
+	STORAGE_STRING szModel;           /* as the device tells it */
 	STORAGE_STRING szSerialNumber;    /* empty for SCSI disks */
-	STORAGE_STRING szFirmwareVersion;
+	STORAGE_STRING szFirmwareVersion; /* firmware revision */
 	ULONGLONG nSize;                  /* bytes: cylinders * heads * sectors * 512; 0 when unknown */
-	UINT nTotalCylinders;
+	UINT nTotalCylinders;             /* size / (heads * sectors), rounded down */
 	UINT nTracksPerCylinder;          /* heads */
-	UINT nSectorsPerTrack;
+	UINT nSectorsPerTrack;            /* 0, like all of the geometry, when unknown */
 	UINT nTotalHeads;                 /* heads again */
 	UINT nTotalTracks;                /* cylinders * heads */
 	UINT nTotalBlocks;                /* nSize in KiB */
@@ -53,10 +53,10 @@ typedef struct tagStorageCdromList {
 	STORAGE_STRING szInterface;       /* "IDE", "SCSI", "USB" or "UNKNOWN" */
 	UINT nPosition;                   /* host << 24 | channel << 16 | ID << 8 | LUN */
 	STORAGE_STRING szMedia;           /* "CDROM" */
-	STORAGE_STRING szVendor;
-	STORAGE_STRING szModel;
-	STORAGE_STRING szSerialNumber;
-	STORAGE_STRING szFirmwareVersion;
+	STORAGE_STRING szVendor;          /* empty: IDE drives tell none */
+	STORAGE_STRING szModel;           /* as the device tells it */
+	STORAGE_STRING szSerialNumber;    /* from the IDENTIFY data */
+	STORAGE_STRING szFirmwareVersion; /* firmware revision */
 	STORAGE_STRING szMountPoint;      /* of the medium; empty when it is not mounted */
 	STORAGE_STRING szLabel;           /* no label is read: always empty */
 	ULONGLONG nTotalSpace;            /* bytes of the mounted file system; 0 when it is not mounted */
@@ -70,7 +70,8 @@ typedef struct tagStoragePartList {
 	ULONGLONG nStart;                /* first byte on the disk */
 	ULONGLONG nSize;                 /* bytes */
 	UINT nTotalSectors;              /* nSize in 512-byte sectors */
-	STORAGE_STRING szType; /* "Extended Partition", "Dynamic Volume", "Primary Partition", "Logical Drive" */
+	/* "Extended Partition", "Dynamic Volume", "Primary Partition" or "Logical Drive" */
+	STORAGE_STRING szType;
 	STORAGE_STRING szFileSystem; /* type of the mounted volume, such as ext3; empty when not mounted */
 	STORAGE_STRING szMountPoint; /* all mount points, joined by ";"; over 63 characters: 60 and "..." */
 	STORAGE_STRING szLabel;      /* no label is read: always empty */

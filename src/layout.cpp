@@ -4,7 +4,7 @@
 
 #include <stddef.h>
 
-#define AT(record, field, offset) \
+#define AT(record, field, offset)                                                                            \
 	static_assert(offsetof(record, field) == (offset), #record "::" #field " has moved")
 #define SIZE(record, size) static_assert(sizeof(record) == (size), #record " has changed its size")
 

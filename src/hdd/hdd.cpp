@@ -198,7 +198,8 @@ int stpart_all(void **result, int *length)
 	Chain<tagStoragePartList> chain(result, length);
 	exe_disklist_t disks;
 	exe_vollist_t vols;
-	if (get_exe_disklist(&disks, nullptr, nullptr) == -1 || get_exe_vollist(&vols, nullptr, nullptr) == -1)
+	if (get_exe_disklist(&disks, nullptr, nullptr) == -1 ||
+	    get_exe_vollist(&vols, nullptr, nullptr) == -1)
 		return -1;
 
 	exe_partlist_t parts;

@@ -126,16 +126,19 @@ static void count_partitions(exe_disk_t *disk)
 			disk->partnum_extended++;
 }
 
+static bool take_identity(exe_disk_t *disk, const devname_t &name, const disk_sources_t &sources)
+{
+	if (is_ide_name(name))
+		return take_ide_disk(disk, name, sources);
+	return is_scsi_name(name) && take_scsi_disk(disk, sources);
+}
+
 // Builds one disk. False when the block device is none that can be named.
 static bool assemble_disk(exe_disk_t *disk, const procblk_dev_t &dev, const disk_sources_t &sources)
 {
 	b0(disk, sizeof *disk);
-	const devname_t name = split_devname(dev.name);
-	if (fn_join(disk->devpath, DEV_DIR, dev.name) != 0)
-		return false;
-	// The two bounds on a name's number differ deliberately: 16 on IDE, 15 on SCSI.
-	if (is_ide_name(name) ? !take_ide_disk(disk, name, sources)
-	                      : !is_scsi_name(name) || !take_scsi_disk(disk, sources))
+	if (fn_join(disk->devpath, DEV_DIR, dev.name) != 0 ||
+	    !take_identity(disk, split_devname(dev.name), sources))
 		return false;
 	measure_disk(disk);
 	disk->sys = is_mounted_from(*disk, sources.root) || is_mounted_from(*disk, sources.boot);
@@ -162,16 +165,19 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 
 // ---- CD-ROM drives and volumes ----
 
+// Divided as a signed number: what does not fit 63 bits comes out as it always has.
+static size32_t bytes_to_units(uint64_t bytes)
+{
+	return static_cast<size32_t>(static_cast<size64_t>(bytes) / 512);
+}
+
 static volspace_t measure_volume(const char *mntpath)
 {
 	struct statfs status;
 	if (statfs(mntpath, &status) != 0)
 		return {0, 0};
-	const auto units = [&status](uint64_t blocks) {
-		// Signed: so a product beyond 63 bits has always come out.
-		return static_cast<size32_t>(static_cast<size64_t>(static_cast<uint64_t>(status.f_bsize) * blocks) / 512);
-	};
-	return {units(status.f_blocks), units(status.f_bfree)};
+	const auto block_size = static_cast<uint64_t>(status.f_bsize);
+	return {bytes_to_units(block_size * status.f_blocks), bytes_to_units(block_size * status.f_bfree)};
 }
 
 // The name that the link /dev/cdrom gives to a drive; empty without such a link.
@@ -246,7 +252,8 @@ int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg)
 
 static bool lies_beneath(std::string_view mntpath, std::string_view above)
 {
-	return mntpath.size() > above.size() && str_begins(mntpath, above) && mntpath[above.size()] == *PDCHAR;
+	return mntpath.size() > above.size() && str_begins(mntpath, above) &&
+	       mntpath[above.size()] == *PDCHAR;
 }
 
 // Whether a later mount hides the volume in this slot. A mount beneath it counts too, deliberately: a

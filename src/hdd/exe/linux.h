@@ -71,9 +71,9 @@ struct exe_part_t {
 	void *parent;
 	int part_index; // 0 to 3: slot of the master boot record; from 4: logical drives
 	uint8_t type;
-	int boot;       // the raw boot byte
-	size32_t start; // absolute, in 512-byte sectors
-	size32_t size;  // in 512-byte sectors
+	int boot;        // the raw boot byte
+	size32_t start;  // absolute, in 512-byte sectors
+	size32_t size;   // in 512-byte sectors
 	fname_t devpath; // the disk's path and part_index + 1
 	fname_t disk;    // the disk's path
 	fname_t mntpath; // all mount points, joined by ";"

@@ -19,9 +19,9 @@ devname_t split_devname(std::string_view path);
 bool is_ide_stem(std::string_view stem);
 // sda to sdz, and four letters of which only the last two count: aa to dx.
 bool is_scsi_stem(std::string_view stem);
-// An IDE stem with no number or 1 to 16.
+// An IDE stem with no number or 1 to 16, or a SCSI stem with no number or 1 to 15: the bounds differ
+// deliberately.
 bool is_ide_name(const devname_t &name);
-// A SCSI stem with no number or 1 to 15.
 bool is_scsi_name(const devname_t &name);
 
 // dir, the separator and name into out. 0, or -1 when they do not fit; out is empty then.

@@ -31,7 +31,8 @@ static mami_t ide_mami(const devname_t &name)
 static mami_t scsi_mami(const devname_t &name)
 {
 	const bool long_name = name.stem.size() == 4;
-	const int disk = long_name ? (name.stem[2] - 'a' + 1) * LETTERS + (name.stem[3] - 'a') : name.stem[2] - 'a';
+	const int disk =
+		long_name ? (name.stem[2] - 'a' + 1) * LETTERS + (name.stem[3] - 'a') : name.stem[2] - 'a';
 	const int partition = name.number == -1 ? 0 : name.number;
 	return make_mami(static_cast<unsigned>(SCSIDEV_MAJOR[disk / SCSI_MINORS]),
 	                 static_cast<unsigned>(disk % SCSI_MINORS * SCSI_MINORS + partition));
@@ -102,7 +103,8 @@ int ok_devname(const char *name, char *out)
 	else if (major == MD_MAJOR_NUMBER)
 		snprintf(out, FNAME_SIZE, "md%d", minor);
 	else
-		snprintf(out, FNAME_SIZE, "%02X:%02X", static_cast<unsigned>(major), static_cast<unsigned>(minor));
+		snprintf(out, FNAME_SIZE, "%02X:%02X", static_cast<unsigned>(major),
+		         static_cast<unsigned>(minor));
 	return 0;
 }
 

@@ -111,7 +111,8 @@ static bool has_label(const char *line, int column, std::string_view label)
 //   Vendor: ACME     Model: EXAMPLE DISK     Rev: 1.02
 static int parse_identity_line(const char *line, procscsi_dev_t *dev)
 {
-	if (!has_label(line, 0, "  Vendor: ") || !has_label(line, 19, "Model: ") || !has_label(line, 43, "Rev: "))
+	if (!has_label(line, 0, "  Vendor: ") || !has_label(line, 19, "Model: ") ||
+	    !has_label(line, 43, "Rev: "))
 		return -1;
 	str_copy(dev->vendor, str_trim(std::string_view(line + 10, 8)));
 	str_copy(dev->model, str_trim(std::string_view(line + 26, 16)));
@@ -178,8 +179,8 @@ int parse_procscsi_devlist(procscsi_devlist_t *list, filter_func_t filter, void 
 static int command_registry(const char *verb, const idlun_t *idlun)
 {
 	cmd_t command;
-	snprintf(command, sizeof command, "scsi %s-single-device %d %d %d %d", verb, idlun->host, idlun->channel,
-	         idlun->id, idlun->lun);
+	snprintf(command, sizeof command, "scsi %s-single-device %d %d %d %d", verb, idlun->host,
+	         idlun->channel, idlun->id, idlun->lun);
 	return fswrite_text_by_path(PPROCSCSISCSI_PATH, command);
 }
 
@@ -250,7 +251,7 @@ void display_procscsi_devlist(const procscsi_devlist_t *list)
 	dump_list_head(list);
 	for (const procscsi_dev_t &dev : live_items(*list)) {
 		dump_item_head(dev);
-		fprintf(stderr, "(%d, %d, %d, %d) %s %s %s %s\n", dev.idlun.host, dev.idlun.channel, dev.idlun.id,
-		        dev.idlun.lun, dev.vendor, dev.model, dev.rev, dev.media);
+		fprintf(stderr, "(%d, %d, %d, %d) %s %s %s %s\n", dev.idlun.host, dev.idlun.channel,
+		        dev.idlun.id, dev.idlun.lun, dev.vendor, dev.model, dev.rev, dev.media);
 	}
 }

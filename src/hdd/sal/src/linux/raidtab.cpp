@@ -127,10 +127,10 @@ static const struct {
 	std::string_view keyword;
 	void (*take)(raidtab_state_t *state, std::string_view value);
 } KEYWORDS[] = {
-        {"raid-level", take_level},       {"nr-raid-disks", take_raid_count},
-        {"nr-spare-disks", take_spare_count}, {"device", take_device},
-        {"raid-disk", take_raid_disk},    {"failed-disk", take_failed_disk},
-        {"spare-disk", take_spare_disk},
+	{"raid-level", take_level},           {"nr-raid-disks", take_raid_count},
+	{"nr-spare-disks", take_spare_count}, {"device", take_device},
+	{"raid-disk", take_raid_disk},        {"failed-disk", take_failed_disk},
+	{"spare-disk", take_spare_disk},
 };
 
 static int take_line(raidtab_state_t *state, std::string_view line)

@@ -30,7 +30,8 @@ int get_scsi_device_sn_by_path(const char *path, char *sn)
 	// A device that rejects the command makes the request return a positive status.
 	if (ioctl(device.fd(), SCSI_IOCTL_SEND_COMMAND, &request) != 0)
 		return -1;
-	const std::string_view text(reinterpret_cast<const char *>(request.bytes) + PAGE_HEAD, request.bytes[3]);
+	const std::string_view text(reinterpret_cast<const char *>(request.bytes) + PAGE_HEAD,
+	                            request.bytes[3]);
 	str_copy(sn, STR_SIZE, str_trim(text));
 	return 0;
 }
