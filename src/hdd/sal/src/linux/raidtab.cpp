@@ -123,7 +123,7 @@ static int take_array(raidtab_state_t *state, std::string_view value)
 static constexpr std::string_view ARRAY_KEYWORD = "raiddev";
 
 // Matched by prefix, in this order.
-static const struct {
+static constexpr struct {
 	std::string_view keyword;
 	void (*take)(raidtab_state_t *state, std::string_view value);
 } KEYWORDS[] = {
