@@ -10,7 +10,8 @@
 
 #include <cstddef>
 
-namespace replay {
+namespace replay
+{
 
 struct arena {
 	char *base = nullptr;
@@ -22,7 +23,7 @@ struct arena {
 	bool open()
 	{
 		void *got = mmap(nullptr, room, PROT_READ | PROT_WRITE,
-			MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+		                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
 		base = got == MAP_FAILED ? nullptr : static_cast<char *>(got);
 		used = 0;
 		return base != nullptr;

@@ -152,9 +152,12 @@ static bool read_mode(const char *mode, stream_mode *to)
 		if (row.letter != mode[0])
 			continue;
 		to->plain = plus ? row.plus : row.alone;
-		to->flags = row.flags | (plus ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY) |
-			    (strchr(mode, 'e') != nullptr ? O_CLOEXEC : 0) |
-			    (strchr(mode, 'x') != nullptr ? O_EXCL : 0);
+		to->flags = row.flags |
+		            (plus             ? O_RDWR
+		             : mode[0] == 'r' ? O_RDONLY
+		                              : O_WRONLY) |
+		            (strchr(mode, 'e') != nullptr ? O_CLOEXEC : 0) |
+		            (strchr(mode, 'x') != nullptr ? O_EXCL : 0);
 		return true;
 	}
 	errno = EINVAL;
@@ -163,8 +166,7 @@ static bool read_mode(const char *mode, stream_mode *to)
 
 static FILE *open_stream(const place &at, const char *mode)
 {
-	static const cookie_io_functions_t functions = {cookie_read, cookie_write, cookie_seek,
-							cookie_close};
+	static const cookie_io_functions_t functions = {cookie_read, cookie_write, cookie_seek, cookie_close};
 	stream_mode how = {};
 	if (!read_mode(mode, &how))
 		return nullptr;

@@ -150,7 +150,7 @@ REPLAY_CALL int statfs64(const char *path, struct statfs64 *to) __THROW
 }
 
 REPLAY_CALL int scandir(const char *path, struct dirent ***names, int (*filter)(const struct dirent *),
-			int (*compare)(const struct dirent **, const struct dirent **))
+                        int (*compare)(const struct dirent **, const struct dirent **))
 {
 	place at;
 	if (must_fail(CALL_SCANDIR))
@@ -161,9 +161,8 @@ REPLAY_CALL int scandir(const char *path, struct dirent ***names, int (*filter)(
 	return REPLAY_REAL(scandir)(library_path(at, path), names, filter, compare);
 }
 
-REPLAY_CALL int scandir64(const char *path, struct dirent64 ***names,
-			  int (*filter)(const struct dirent64 *),
-			  int (*compare)(const struct dirent64 **, const struct dirent64 **))
+REPLAY_CALL int scandir64(const char *path, struct dirent64 ***names, int (*filter)(const struct dirent64 *),
+                          int (*compare)(const struct dirent64 **, const struct dirent64 **))
 {
 	place at;
 	if (must_fail(CALL_SCANDIR))
@@ -208,24 +207,23 @@ REPLAY_CALL ssize_t readlinkat(int directory, const char *path, char *buffer, si
 {
 	place at;
 	return find_link(path, &at)
-		       ? REPLAY_REAL(readlinkat)(directory, library_path(at, path), buffer, count)
-		       : -1;
+	               ? REPLAY_REAL(readlinkat)(directory, library_path(at, path), buffer, count)
+	               : -1;
 }
 
 REPLAY_CALL ssize_t __readlink_chk(const char *path, char *buffer, size_t count, size_t room)
 {
 	place at;
-	return find_link(path, &at)
-		       ? REPLAY_REAL(__readlink_chk)(library_path(at, path), buffer, count, room)
-		       : -1;
+	return find_link(path, &at) ? REPLAY_REAL(__readlink_chk)(library_path(at, path), buffer, count, room)
+	                            : -1;
 }
 
 REPLAY_CALL ssize_t __readlinkat_chk(int directory, const char *path, char *buffer, size_t count, size_t room)
 {
 	place at;
-	return find_link(path, &at) ? REPLAY_REAL(__readlinkat_chk)(directory, library_path(at, path), buffer,
-								    count, room)
-				    : -1;
+	return find_link(path, &at)
+	               ? REPLAY_REAL(__readlinkat_chk)(directory, library_path(at, path), buffer, count, room)
+	               : -1;
 }
 
 REPLAY_CALL int mknodat(int directory, const char *path, mode_t mode, dev_t number) __THROW

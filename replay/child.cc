@@ -13,7 +13,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 static char library[PATH_MAX];
 
@@ -55,7 +56,7 @@ static bool set_sanitizer(size_t *count)
 	char value[PATH_MAX];
 	const char *old = getenv("ASAN_OPTIONS");
 	const int length = snprintf(value, sizeof(value), "%s%sverify_asan_link_order=0",
-				    old == nullptr ? "" : old, old == nullptr ? "" : ":");
+	                            old == nullptr ? "" : old, old == nullptr ? "" : ":");
 	return length > 0 && length < PATH_MAX && set(text, count, "ASAN_OPTIONS", value);
 }
 

@@ -3,19 +3,20 @@
 #ifndef DISKSCOUT_REPLAY_CHILD_H
 #define DISKSCOUT_REPLAY_CHILD_H
 
-namespace replay {
+namespace replay
+{
 
 // While one lives, a shell started by the C library gets the preload library
 // and the host shown.  The program's own environment is not touched: setenv
 // would keep every value it was ever given.
 class child_environment
 {
-      public:
+public:
 	// False, with errno set, when the environment is too large to be rebuilt.
 	bool install();
 	~child_environment();
 
-      private:
+private:
 	char **saved = nullptr;
 };
 

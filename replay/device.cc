@@ -14,7 +14,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 // The kernel shows a memfd as "/memfd:NAME (deleted)".
 static const char copy_mark[] = "replay:";
@@ -44,8 +45,8 @@ static bool copy_range(int from, int to, off_t start, off_t end)
 	char block[16384];
 	while (start < end) {
 		const off_t left = end - start;
-		const size_t want = left < static_cast<off_t>(sizeof(block)) ? static_cast<size_t>(left)
-									     : sizeof(block);
+		const size_t want =
+			left < static_cast<off_t>(sizeof(block)) ? static_cast<size_t>(left) : sizeof(block);
 		const ssize_t got = REPLAY_REAL(pread)(from, block, want, start);
 		if (got <= 0 || pwrite(to, block, static_cast<size_t>(got), start) != got)
 			return false;
@@ -77,8 +78,7 @@ static bool fill_device(const device &dev, int fd)
 	char image[PATH_MAX];
 	uint64_t end = 0;
 
-	if (dev.image != nullptr &&
-	    (!image_path(*shown_host(), dev.image, image) || !copy_file(image, fd)))
+	if (dev.image != nullptr && (!image_path(*shown_host(), dev.image, image) || !copy_file(image, fd)))
 		return false;
 	for (const sector *at = dev.sectors; at != nullptr; at = at->next) {
 		const off_t offset = static_cast<off_t>(at->number * sector_bytes);
@@ -171,7 +171,8 @@ bool is_copy(int fd, char (&path)[PATH_MAX])
 	snprintf(link, sizeof(link), "/proc/self/fd/%d", fd);
 	const ssize_t got = REPLAY_REAL(readlink)(link, target, sizeof(target));
 	errno = saved;
-	if (got < static_cast<ssize_t>(head + tail) || memcmp(target, link_head, head) != 0)
+	if (got < static_cast<ssize_t>(head + tail) || memcmp(target, link_head, head) != 0 ||
+	    memcmp(target + got - tail, link_tail, tail) != 0)
 		return false;
 	const size_t length = static_cast<size_t>(got) - head - tail;
 	memcpy(path, target + head, length);

@@ -9,7 +9,8 @@
 
 #include <sys/types.h>
 
-namespace replay {
+namespace replay
+{
 
 // Opens a place of the captured host as open(2) would.  A file that is only
 // read is opened where it lies; a device, and a file opened for writing, get a

@@ -5,7 +5,8 @@
 
 #include "replay/table.h"
 
-namespace replay {
+namespace replay
+{
 
 // Where the reading stands.  A sector is open while lines may still add to it:
 // entries to a partition table, "+" lines to a raw one.
@@ -28,6 +29,31 @@ bool read_line(reading &in, char *line);
 
 // Checks what only the whole block of a device can tell.
 bool end_device(reading &in);
+
+// Reads `least` to `most` numbers up to the line's end; returns how many there
+// were, or 0 after telling the fault.
+unsigned read_numbers(const reading &in, char *cursor, unsigned least, unsigned most, const uint64_t *max,
+                      uint64_t *values);
+
+// A new record at the end of a list; null after telling that the room is used up.
+template <typename record> record *add(reading &in, record **head)
+{
+	record *made = static_cast<record *>(in.memory->take(sizeof(record)));
+	if (made == nullptr) {
+		fault(in, "the table is too large");
+		return nullptr;
+	}
+	while (*head != nullptr)
+		head = &(*head)->next;
+	*head = made;
+	return made;
+}
+
+// The lines of directives_sector.cc.
+bool read_table(reading &in, char *cursor);
+bool read_entry(reading &in, char *cursor);
+bool read_sector(reading &in, char *cursor);
+bool add_raw_bytes(reading &in, char *cursor);
 
 } // namespace replay
 

@@ -8,7 +8,8 @@
 #include <atomic>
 #include <cerrno>
 
-namespace replay {
+namespace replay
+{
 
 static std::atomic<long> calls;
 static std::atomic<long> shells;
@@ -20,11 +21,11 @@ static const struct {
 	counted_call call;
 	int error;
 } rows[] = {
-	{CALL_OPEN, ENXIO},    {CALL_FOPEN, EMFILE},  {CALL_POPEN, ENOMEM},    {CALL_PCLOSE, ECHILD},
-	{CALL_FCLOSE, EIO},    {CALL_CLOSE, EIO},     {CALL_READ, EIO},        {CALL_WRITE, EIO},
-	{CALL_LSEEK, EINVAL},  {CALL_IOCTL, EIO},     {CALL_STATFS, EIO},      {CALL_SCANDIR, ENOMEM},
-	{CALL_OPENDIR, EMFILE}, {CALL_READLINK, EIO}, {CALL_STAT, EIO},        {CALL_MKNOD, EPERM},
-	{CALL_UNLINK, EPERM},  {CALL_FGETS, EIO},     {CALL_GETMNTENT, EIO},   {CALL_SYSTEM, EAGAIN},
+	{CALL_OPEN, ENXIO},     {CALL_FOPEN, EMFILE}, {CALL_POPEN, ENOMEM},  {CALL_PCLOSE, ECHILD},
+	{CALL_FCLOSE, EIO},     {CALL_CLOSE, EIO},    {CALL_READ, EIO},      {CALL_WRITE, EIO},
+	{CALL_LSEEK, EINVAL},   {CALL_IOCTL, EIO},    {CALL_STATFS, EIO},    {CALL_SCANDIR, ENOMEM},
+	{CALL_OPENDIR, EMFILE}, {CALL_READLINK, EIO}, {CALL_STAT, EIO},      {CALL_MKNOD, EPERM},
+	{CALL_UNLINK, EPERM},   {CALL_FGETS, EIO},    {CALL_GETMNTENT, EIO}, {CALL_SYSTEM, EAGAIN},
 };
 static_assert(sizeof(rows) / sizeof(rows[0]) == COUNTED_CALLS, "one row per counted call");
 

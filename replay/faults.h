@@ -6,7 +6,8 @@
 #ifndef DISKSCOUT_REPLAY_FAULTS_H
 #define DISKSCOUT_REPLAY_FAULTS_H
 
-namespace replay {
+namespace replay
+{
 
 enum counted_call {
 	CALL_OPEN,

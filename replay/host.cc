@@ -12,7 +12,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 static host_table *shown;
 static arena shown_memory;

@@ -5,7 +5,8 @@
 
 #include "replay/table.h"
 
-namespace replay {
+namespace replay
+{
 
 // The table of the host shown, or null while the running host is.  The first
 // call of a process also reads the environment when the library is preloaded.
@@ -19,9 +20,9 @@ enum place_kind {
 
 struct place {
 	place_kind kind;
-	device *dev;            // DEVICE_IN_HOST
-	char shown[PATH_MAX];   // the path as the program knows it, plain
-	char stored[PATH_MAX];  // FILE_IN_HOST: where it lies; RUNNING: not set
+	device *dev;           // DEVICE_IN_HOST
+	char shown[PATH_MAX];  // the path as the program knows it, plain
+	char stored[PATH_MAX]; // FILE_IN_HOST: where it lies; RUNNING: not set
 };
 
 enum links { KEEP_LINK, FOLLOW_LINK };

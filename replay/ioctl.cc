@@ -17,7 +17,8 @@
 #define SCSI_IOCTL_GET_IDLUN 0x5382
 #endif
 
-namespace replay {
+namespace replay
+{
 
 static int give_size(const answer &from, void *argument)
 {
@@ -40,7 +41,7 @@ static int give_geometry(const answer &from, void *argument)
 static int give_address(const answer &from, void *argument)
 {
 	const uint32_t words[2] = {static_cast<uint32_t>(from.value[0]),
-				   static_cast<uint32_t>(from.value[1])};
+	                           static_cast<uint32_t>(from.value[1])};
 	memcpy(argument, words, sizeof(words));
 	return 0;
 }

@@ -14,7 +14,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 static char file[PATH_MAX];
 

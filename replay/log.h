@@ -13,7 +13,8 @@
 
 #include <cstddef>
 
-namespace replay {
+namespace replay
+{
 
 // Text is logged up to this length; more of it, and all that goes to a device,
 // is logged as a place and a count.

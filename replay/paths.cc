@@ -7,7 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 bool join(char (&out)[PATH_MAX], const char *first, const char *second)
 {
@@ -82,8 +83,8 @@ static const path_row captured[] = {
 // A program cannot live without these: they are about itself or hold no state
 // of the machine.
 static const path_row running[] = {
-	{"/proc/self", TREE}, {"/proc/thread-self", TREE}, {"/dev/null", WHOLE},  {"/dev/zero", WHOLE},
-	{"/dev/full", WHOLE}, {"/dev/tty", PREFIX},        {"/dev/pts", PREFIX},  {"/dev/ptmx", WHOLE},
+	{"/proc/self", TREE}, {"/proc/thread-self", TREE}, {"/dev/null", WHOLE},   {"/dev/zero", WHOLE},
+	{"/dev/full", WHOLE}, {"/dev/tty", PREFIX},        {"/dev/pts", PREFIX},   {"/dev/ptmx", WHOLE},
 	{"/dev/fd", TREE},    {"/dev/urandom", WHOLE},     {"/dev/random", WHOLE}, {"/dev/std", PREFIX},
 	{"/dev/shm", TREE},
 };

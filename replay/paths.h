@@ -7,7 +7,8 @@
 
 #include <cstddef>
 
-namespace replay {
+namespace replay
+{
 
 // Writes `path` without doubled slashes, "." and ".." steps.  False for a path
 // that is null, relative or too long: such a one is never replayed.

@@ -17,7 +17,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 static void read_fail(const char *text)
 {

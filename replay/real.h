@@ -8,7 +8,8 @@
 #include <dlfcn.h>
 #include <stdlib.h>
 
-namespace replay {
+namespace replay
+{
 
 // One slot per call.  It is filled at the first use and not in a constructor,
 // because other libraries' constructors call before ours would have run.

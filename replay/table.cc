@@ -15,7 +15,8 @@
 
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 bool content_end(const device &dev, uint64_t *sectors)
 {

@@ -17,7 +17,8 @@
 
 #include <cstdint>
 
-namespace replay {
+namespace replay
+{
 
 constexpr unsigned sector_bytes = 512;
 // The longest device path: a descriptor carries it in its memfd's name.
@@ -25,23 +26,30 @@ constexpr size_t device_path_max = 200;
 // More sectors than that make no file the kernel would let us have.
 constexpr uint64_t content_sectors_max = uint64_t{1} << 52;
 
-enum answer_kind { BLKGETSIZE_ANSWER, HDIO_GETGEO_ANSWER, GET_IDLUN_ANSWER, SEND_COMMAND_ANSWER, OPEN_ANSWER, ANSWER_KINDS };
+enum answer_kind {
+	BLKGETSIZE_ANSWER,
+	HDIO_GETGEO_ANSWER,
+	GET_IDLUN_ANSWER,
+	SEND_COMMAND_ANSWER,
+	OPEN_ANSWER,
+	ANSWER_KINDS
+};
 
 // What one request of a device answers: an errno, or the values of its kind.
 struct answer {
 	bool given;
-	int error;              // errno, 0: it succeeds
-	uint64_t value[4];      // as the directive lists them
-	int result;             // SEND_COMMAND: what the call itself returns
-	unsigned char *reply;   // SEND_COMMAND: from the command bytes on
+	int error;            // errno, 0: it succeeds
+	uint64_t value[4];    // as the directive lists them
+	int result;           // SEND_COMMAND: what the call itself returns
+	unsigned char *reply; // SEND_COMMAND: from the command bytes on
 	unsigned reply_bytes;
 };
 
 struct sector {
 	uint64_t number;
-	int line;               // in host.txt, for the message when it lies too far out
-	unsigned used;          // bytes named so far, for a raw sector that goes on
-	unsigned entries;       // entries named so far, for a partition table
+	int line;         // in host.txt, for the message when it lies too far out
+	unsigned used;    // bytes named so far, for a raw sector that goes on
+	unsigned entries; // entries named so far, for a partition table
 	unsigned char data[sector_bytes];
 	sector *next;
 };
@@ -51,17 +59,17 @@ struct device {
 	int line;
 	answer answers[ANSWER_KINDS];
 	bool has_opens;
-	uint64_t opens_left;    // has_opens: how often it can still be opened
+	uint64_t opens_left; // has_opens: how often it can still be opened
 	bool has_end;
-	uint64_t end;           // has_end: the content's sectors, whatever its size says
-	const char *image;      // file in the host directory, or null
+	uint64_t end;      // has_end: the content's sectors, whatever its size says
+	const char *image; // file in the host directory, or null
 	sector *sectors;
 	device *next;
 };
 
 struct mount {
 	const char *path;
-	int error;              // errno, 0: it answers
+	int error; // errno, 0: it answers
 	uint64_t bsize, blocks, bfree, bavail;
 	mount *next;
 };

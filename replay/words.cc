@@ -5,7 +5,8 @@
 #include <cerrno>
 #include <cstring>
 
-namespace replay {
+namespace replay
+{
 
 static bool is_blank(char c)
 {
@@ -107,16 +108,25 @@ int errno_by_name(const char *name)
 		const char *name;
 		int number;
 	} rows[] = {
-		{ "EPERM", EPERM }, { "ENOENT", ENOENT }, { "EINTR", EINTR }, { "EIO", EIO },
-		{ "ENXIO", ENXIO }, { "EBADF", EBADF }, { "EAGAIN", EAGAIN }, { "ENOMEM", ENOMEM },
-		{ "EACCES", EACCES }, { "EFAULT", EFAULT }, { "ENOTBLK", ENOTBLK }, { "EBUSY", EBUSY },
-		{ "ENODEV", ENODEV }, { "ENOTDIR", ENOTDIR }, { "EISDIR", EISDIR }, { "EINVAL", EINVAL },
-		{ "ENFILE", ENFILE }, { "EMFILE", EMFILE }, { "ENOTTY", ENOTTY }, { "EFBIG", EFBIG },
-		{ "ENOSPC", ENOSPC }, { "EROFS", EROFS }, { "ERANGE", ERANGE }, { "ENOSYS", ENOSYS },
-		{ "ELOOP", ELOOP }, { "ENODATA", ENODATA }, { "ETIME", ETIME }, { "EPROTO", EPROTO },
-		{ "EOVERFLOW", EOVERFLOW }, { "EOPNOTSUPP", EOPNOTSUPP }, { "ETIMEDOUT", ETIMEDOUT },
-		{ "EHOSTDOWN", EHOSTDOWN }, { "ESTALE", ESTALE }, { "EREMOTEIO", EREMOTEIO },
-		{ "ENOMEDIUM", ENOMEDIUM }, { "EMEDIUMTYPE", EMEDIUMTYPE }, { "ENOLINK", ENOLINK },
+		{"EPERM", EPERM},         {"ENOENT", ENOENT},
+		{"EINTR", EINTR},         {"EIO", EIO},
+		{"ENXIO", ENXIO},         {"EBADF", EBADF},
+		{"EAGAIN", EAGAIN},       {"ENOMEM", ENOMEM},
+		{"EACCES", EACCES},       {"EFAULT", EFAULT},
+		{"ENOTBLK", ENOTBLK},     {"EBUSY", EBUSY},
+		{"ENODEV", ENODEV},       {"ENOTDIR", ENOTDIR},
+		{"EISDIR", EISDIR},       {"EINVAL", EINVAL},
+		{"ENFILE", ENFILE},       {"EMFILE", EMFILE},
+		{"ENOTTY", ENOTTY},       {"EFBIG", EFBIG},
+		{"ENOSPC", ENOSPC},       {"EROFS", EROFS},
+		{"ERANGE", ERANGE},       {"ENOSYS", ENOSYS},
+		{"ELOOP", ELOOP},         {"ENODATA", ENODATA},
+		{"ETIME", ETIME},         {"EPROTO", EPROTO},
+		{"EOVERFLOW", EOVERFLOW}, {"EOPNOTSUPP", EOPNOTSUPP},
+		{"ETIMEDOUT", ETIMEDOUT}, {"EHOSTDOWN", EHOSTDOWN},
+		{"ESTALE", ESTALE},       {"EREMOTEIO", EREMOTEIO},
+		{"ENOMEDIUM", ENOMEDIUM}, {"EMEDIUMTYPE", EMEDIUMTYPE},
+		{"ENOLINK", ENOLINK},
 	};
 
 	for (const auto &row : rows) {

@@ -7,7 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace replay {
+namespace replay
+{
 
 // Ends `line` at its comment.  "#" starts one at a word's beginning only, so
 // that a name may hold it; a name that begins with it is written "\043".

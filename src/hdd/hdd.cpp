@@ -193,6 +193,12 @@ int stcdrom_all(void **result, int *length)
 	return 0;
 }
 
+static int append_part(const exe_part_t *part, void *context)
+{
+	static_cast<Chain<tagStoragePartList> *>(context)->append(*part, exe2stpart);
+	return 0;
+}
+
 int stpart_all(void **result, int *length)
 {
 	Chain<tagStoragePartList> chain(result, length);
@@ -202,13 +208,9 @@ int stpart_all(void **result, int *length)
 	    get_exe_vollist(&vols, nullptr, nullptr) == -1)
 		return -1;
 
-	exe_partlist_t parts;
-	for (const exe_disk_t &disk : live_items(disks)) {
-		if (get_exe_partlist_on_disk(disk.devpath, &parts, nullptr, nullptr, &vols) != 0)
+	for (const exe_disk_t &disk : live_items(disks))
+		if (walk_exe_parts(disk.devpath, vols, append_part, &chain) != 0)
 			return -1;
-		for (const exe_part_t &part : live_items(parts))
-			chain.append(part, exe2stpart);
-	}
 	return 0;
 }
 

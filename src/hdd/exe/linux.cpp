@@ -20,31 +20,38 @@ constexpr char DEV_DIR[] = "/dev";
 // In 512-byte sectors: so the kernel lists an extended partition, whose own space is only its table.
 constexpr size32_t EXTENDED_LISTED_SIZE = 2;
 
-static const mtab_mnt_t *find_mount_at(const mtab_mntlist_t &mounts, std::string_view mntpath)
-{
-	for (const mtab_mnt_t &mnt : live_items(mounts))
-		if (mnt.mntpath == mntpath)
-			return &mnt;
-	return nullptr;
-}
-
-static const mtab_mnt_t *find_mount_of(const mtab_mntlist_t &mounts, std::string_view devpath)
-{
-	for (const mtab_mnt_t &mnt : live_items(mounts))
-		if (mnt.devpath == devpath)
-			return &mnt;
-	return nullptr;
-}
-
 // ---- disks ----
+
+// What is mounted at / and at /boot; empty when nothing is.
+struct system_mounts_t {
+	fname_t root;
+	fname_t boot;
+	int taken;
+};
+
+static void note_first(fname_t devpath, const mtab_mnt_t &mnt, std::string_view mntpath)
+{
+	if (devpath[0] == '\0' && mnt.mntpath == mntpath)
+		str_copy(devpath, FNAME_SIZE, mnt.devpath);
+}
+
+static int take_system_mount(const mtab_mnt_t *mnt, void *context)
+{
+	auto *mounts = static_cast<system_mounts_t *>(context);
+	if (!filter_mtab_mnt_in_dev(mnt, nullptr))
+		return 0;
+	if (mounts->taken++ == list_capacity<mtab_mntlist_t>())
+		return -1; // no list of mounts reaches further
+	note_first(mounts->root, *mnt, "/");
+	note_first(mounts->boot, *mnt, "/boot");
+	return 0;
+}
 
 // The tables that every disk of one query is looked up in.
 struct disk_sources_t {
 	procide_devlist_t ide;
 	procscsi_devlist_t scsi;
-	mtab_mntlist_t mounts;
-	const mtab_mnt_t *root; // what is mounted at /, or null
-	const mtab_mnt_t *boot; // what is mounted at /boot, or null
+	system_mounts_t mounts;
 };
 
 // A source that cannot be read, or not wholly, leaves out the disks that depend on it and no others.
@@ -52,10 +59,8 @@ static void read_disk_sources(disk_sources_t *sources)
 {
 	parse_procide_devlist(&sources->ide, nullptr, nullptr);
 	parse_procscsi_devlist(&sources->scsi, nullptr, nullptr);
-	// Straight from the file: a shell would make this query some thirty times dearer.
-	read_mtab_mntlist(&sources->mounts, filter_mtab_mnt_in_dev, nullptr);
-	sources->root = find_mount_at(sources->mounts, "/");
-	sources->boot = find_mount_at(sources->mounts, "/boot");
+	b0(&sources->mounts, sizeof sources->mounts);
+	walk_mtab(MTAB_FILE, take_system_mount, &sources->mounts);
 }
 
 static void identify_ide(devid_t *devid, const procide_dev_t &drive)
@@ -111,19 +116,10 @@ static void measure_disk(exe_disk_t *disk)
 		get_device_geometry(device.fd(), &disk->hdgeo);
 }
 
-static bool is_mounted_from(const exe_disk_t &disk, const mtab_mnt_t *mnt)
+// Whether the mounted device is the disk or a partition of it.
+static bool is_mounted(const exe_disk_t &disk, const fname_t device)
 {
-	return mnt && split_devname(disk.devpath).stem == split_devname(mnt->devpath).stem;
-}
-
-static void count_partitions(exe_disk_t *disk)
-{
-	procblk_devlist_t parts;
-	parse_procblk_devlist(&parts, filter_procblk_is_part, disk->devpath);
-	disk->partnum = parts.num_real;
-	for (const procblk_dev_t &part : live_items(parts))
-		if (part.size == EXTENDED_LISTED_SIZE)
-			disk->partnum_extended++;
+	return device[0] != '\0' && split_devname(disk.devpath).stem == split_devname(device).stem;
 }
 
 static bool take_identity(exe_disk_t *disk, const devname_t &name, const disk_sources_t &sources)
@@ -141,9 +137,32 @@ static bool assemble_disk(exe_disk_t *disk, const procblk_dev_t &dev, const disk
 	    !take_identity(disk, split_devname(dev.name), sources))
 		return false;
 	measure_disk(disk);
-	disk->sys = is_mounted_from(*disk, sources.root) || is_mounted_from(*disk, sources.boot);
-	count_partitions(disk);
+	disk->sys = is_mounted(*disk, sources.mounts.root) || is_mounted(*disk, sources.mounts.boot);
 	return true;
+}
+
+// How many partitions the kernel lists of every disk of one query.
+struct partition_counts_t {
+	const procblk_devlist_t *disks;
+	struct {
+		int all;
+		int extended;
+	} of[list_capacity<procblk_devlist_t>()];
+};
+
+static int count_partition(const procblk_dev_t *dev, void *context)
+{
+	auto *counts = static_cast<partition_counts_t *>(context);
+	for (const procblk_dev_t &disk : live_items(*counts->disks)) {
+		auto &of = counts->of[disk.index];
+		// A list of one disk's partitions would hold no more.
+		if (dev->part == 0 || strcmp(dev->name, disk.name) != 0 ||
+		    of.all == list_capacity<procblk_devlist_t>())
+			continue;
+		of.all++;
+		of.extended += dev->size == EXTENDED_LISTED_SIZE;
+	}
+	return 0;
 }
 
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
@@ -153,13 +172,20 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 	disk_sources_t sources;
 	parse_procblk_devlist(&devices, filter_procblk_is_disk, nullptr);
 	read_disk_sources(&sources);
+	// One more look at the table counts for all disks: a look for each would cost more than all else.
+	partition_counts_t counts = {&devices, {}};
+	walk_procblk(count_partition, &counts);
 
 	int result = 0;
 	exe_disk_t disk;
-	for (const procblk_dev_t &dev : live_items(devices))
-		if (assemble_disk(&disk, dev, sources) && keeps(filter, &disk, arg) &&
-		    list_add(list, LIST_FIRST_FREE, disk) != 0)
+	for (const procblk_dev_t &dev : live_items(devices)) {
+		if (!assemble_disk(&disk, dev, sources))
+			continue;
+		disk.partnum = counts.of[dev.index].all;
+		disk.partnum_extended = counts.of[dev.index].extended;
+		if (keeps(filter, &disk, arg) && list_add(list, LIST_FIRST_FREE, disk) != 0)
 			result = -1;
+	}
 	return result;
 }
 
@@ -187,6 +213,14 @@ static std::string_view read_cdrom_link(fname_t target)
 	if (readlink("/dev/cdrom", target, FNAME_SIZE - 1) < 0)
 		b0_fname(target);
 	return split_devname(target).base;
+}
+
+static const mtab_mnt_t *find_mount_of(const mtab_mntlist_t &mounts, std::string_view devpath)
+{
+	for (const mtab_mnt_t &mnt : live_items(mounts))
+		if (mnt.devpath == devpath)
+			return &mnt;
+	return nullptr;
 }
 
 static void assemble_cdrom(exe_cdrom_t *cdrom, const procide_dev_t &drive, const mtab_mntlist_t &mounts,
@@ -228,43 +262,50 @@ int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg)
 	return 0;
 }
 
+struct vol_collector_t {
+	exe_vollist_t *list;
+	filter_func_t filter;
+	const void *arg;
+	int taken;
+	exe_vol_t vol;
+};
+
+static int take_volume(const mtab_mnt_t *mnt, void *context)
+{
+	auto *to = static_cast<vol_collector_t *>(context);
+	if (to->taken++ == list_capacity<mtab_mntlist_t>())
+		return -2; // full: the rest is left out, and that is no error
+	exe_vol_t &vol = to->vol;
+	str_refill(vol.devpath, mnt->devpath);
+	str_refill(vol.mntpath, mnt->mntpath);
+	str_refill(vol.volid.fsname, mnt->fsname);
+	vol.volspace = measure_volume(mnt->mntpath);
+	vol.sys = strcmp(mnt->mntpath, "/") == 0 || strcmp(mnt->mntpath, "/boot") == 0;
+	if (keeps(to->filter, &vol, to->arg))
+		list_add(to->list, LIST_FIRST_FREE, vol);
+	return 0;
+}
+
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg)
 {
 	list_clear(list);
-	mtab_mntlist_t mounts;
-	if (parse_mtab_mntlist(&mounts, nullptr, nullptr) == -1)
-		return -1;
-
-	exe_vol_t vol = {};
-	for (const mtab_mnt_t &mnt : live_items(mounts)) {
-		str_copy(vol.devpath, mnt.devpath);
-		str_copy(vol.mntpath, mnt.mntpath);
-		str_copy(vol.volid.fsname, mnt.fsname);
-		vol.volspace = measure_volume(mnt.mntpath);
-		vol.sys = strcmp(mnt.mntpath, "/") == 0 || strcmp(mnt.mntpath, "/boot") == 0;
-		if (keeps(filter, &vol, arg))
-			list_add(list, LIST_FIRST_FREE, vol);
-	}
-	return 0;
+	vol_collector_t to = {list, filter, arg, 0, {}};
+	return walk_mtab(MTAB_PIPE, take_volume, &to) == -1 ? -1 : 0;
 }
 
 // ---- partitions ----
 
-static bool lies_beneath(std::string_view mntpath, std::string_view above)
-{
-	return mntpath.size() > above.size() && str_begins(mntpath, above) &&
-	       mntpath[above.size()] == *PDCHAR;
-}
-
-// Whether a later mount hides the volume in this slot. A mount beneath it counts too, deliberately: a
-// partition at /usr shows no space once /usr/local is mounted. All later slots are looked at, the free ones
-// (whose mount point is empty) as well.
+// Whether a later mount hides the volume in this slot: one on the same point, and deliberately one beneath it
+// as well, so that a partition at /usr shows no space once /usr/local is mounted. All later slots are looked
+// at, the free ones (whose mount point is empty) too.
 static bool is_hidden(const exe_vollist_t &vols, int slot)
 {
-	const std::string_view mntpath = vols.item[slot].mntpath;
+	const char *mntpath = vols.item[slot].mntpath;
+	const size_t length = strlen(mntpath);
 	for (int later = slot + 1; later < vols.lmt; later++) {
-		const std::string_view other = vols.item[later].mntpath;
-		if (other == mntpath || lies_beneath(other, mntpath))
+		const char *other = vols.item[later].mntpath;
+		if (strncmp(other, mntpath, length) == 0 &&
+		    (other[length] == '\0' || other[length] == *PDCHAR))
 			return true;
 	}
 	return false;
@@ -287,43 +328,61 @@ static void join_volumes(exe_part_t *part, const exe_vollist_t &vols)
 	}
 }
 
-static void assemble_part(exe_part_t *part, const part_t &entry, const char *disk, const exe_vollist_t &vols)
+// Fills what the entry tells; the record holds the disk's path and what the partition before has left.
+static void assemble_part(exe_part_t *part, const part_t &entry, const exe_vollist_t &vols)
 {
-	b0(part, sizeof *part);
 	part->part_index = entry.part_index;
 	part->type = entry.type;
 	part->boot = entry.active;
 	part->start = entry.start;
 	part->size = entry.size;
-	str_copy(part->disk, disk);
-	snprintf(part->devpath, sizeof part->devpath, "%s%d", disk, entry.part_index + 1);
+	part->volid = {};
+	part->volspace = {};
+	part->sys = 0;
+	str_refill(part->mntpath, "");
+	str_refill(part->devpath, part->disk);
+	char number[12];
+	snprintf(number, sizeof number, "%d", entry.part_index + 1);
+	str_append(part->devpath, number);
 	join_volumes(part, vols);
 }
 
-static int list_partitions(const char *disk, exe_partlist_t *list, filter_func_t filter, void *arg,
-                           const exe_vollist_t &vols)
+int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
+                   int (*take)(const exe_part_t *part, void *context), void *context)
 {
 	partlist_t entries;
 	if (read_disk_partlist(disk, &entries) != 0)
 		return -1;
 
-	exe_part_t part;
+	exe_part_t part = {};
+	str_copy(part.disk, disk);
 	for (const part_t &entry : live_items(entries)) {
-		assemble_part(&part, entry, disk, vols);
-		if (keeps(filter, &part, arg) && list_add(list, LIST_FIRST_FREE, part) != 0)
+		assemble_part(&part, entry, vols);
+		if (take(&part, context) != 0)
 			return -1;
 	}
 	return 0;
+}
+
+struct collector_t {
+	exe_partlist_t *list;
+	filter_func_t filter;
+	const void *arg;
+};
+
+static int collect(const exe_part_t *part, void *context)
+{
+	const auto *to = static_cast<const collector_t *>(context);
+	return keeps(to->filter, part, to->arg) ? list_add(to->list, LIST_FIRST_FREE, *part) : 0;
 }
 
 int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func_t filter, void *arg,
                              const exe_vollist_t *vols)
 {
 	list_clear(list);
-	if (vols)
-		return list_partitions(disk, list, filter, arg, *vols);
 	exe_vollist_t own;
-	if (get_exe_vollist(&own, nullptr, nullptr) != 0)
+	if (!vols && get_exe_vollist(&own, nullptr, nullptr) != 0)
 		return -1;
-	return list_partitions(disk, list, filter, arg, own);
+	collector_t to = {list, filter, arg};
+	return walk_exe_parts(disk, vols ? *vols : own, collect, &to);
 }

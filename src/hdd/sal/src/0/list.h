@@ -41,10 +41,11 @@ template <class List> void list_renumber(List *list)
 
 template <class List> int list_first_free(const List *list)
 {
-	for (int slot = 0; slot < list->lmt; slot++)
-		if (list->item[slot].tag == 0)
-			return slot;
-	return -1;
+	// Without holes there is nothing to search; large items lie far apart.
+	int slot = list->num == list->num_real ? list->num : 0;
+	while (slot < list->lmt && list->item[slot].tag != 0)
+		slot++;
+	return slot;
 }
 
 // Copies the candidate into the slot. Returns 0, or -1 when the slot is taken or outside the list.
@@ -55,9 +56,15 @@ template <class List, class Item> int list_add(List *list, int slot, const Item 
 		slot = list_first_free(list);
 	if (slot < 0 || slot >= list->lmt || list->item[slot].tag != 0)
 		return -1;
-	list->item[slot] = candidate;
-	list->item[slot].tag = 1;
-	list_renumber(list);
+	Item &item = list->item[slot];
+	item = candidate;
+	// What renumbering once more would do.
+	item.tag = 1;
+	item.index = slot;
+	item.parent = list;
+	list->num_real++;
+	if (list->num <= slot)
+		list->num = slot + 1;
 	return 0;
 }
 

@@ -28,10 +28,15 @@ void b0_idlun(idlun_t *idlun)
 	b0(idlun, sizeof *idlun);
 }
 
+static bool ends_field(char c)
+{
+	return c == '\n' || c == '\0' || c == '\r' || c == '#';
+}
+
 std::string_view str_cut(std::string_view text)
 {
 	size_t length = 0;
-	while (length < text.size() && !memchr("\n\r#", text[length], sizeof "\n\r#"))
+	while (length < text.size() && !ends_field(text[length]))
 		length++;
 	return std::string_view(text.data(), length);
 }
@@ -142,15 +147,31 @@ bool str_begins(std::string_view text, std::string_view prefix)
 	return text.size() >= prefix.size() && memcmp(text.data(), prefix.data(), prefix.size()) == 0;
 }
 
-void str_copy(char *to, size_t size, std::string_view from)
+// Copies what fits beside a NUL; returns its length.
+static size_t copy_bounded(char *to, size_t size, std::string_view from)
 {
 	const size_t length = from.size() < size ? from.size() : size - 1;
 	memcpy(to, from.data(), length);
+	return length;
+}
+
+void str_copy(char *to, size_t size, std::string_view from)
+{
+	const size_t length = copy_bounded(to, size, from);
 	memset(to + length, 0, size - length);
+}
+
+void str_refill(char *to, size_t size, std::string_view from)
+{
+	const size_t old_length = strnlen(to, size);
+	const size_t length = copy_bounded(to, size, from);
+	if (length < old_length)
+		memset(to + length, 0, old_length - length);
 }
 
 void str_append(char *to, size_t size, std::string_view from)
 {
 	const size_t used = strnlen(to, size - 1);
-	str_copy(to + used, size - used, from);
+	const size_t length = copy_bounded(to + used, size - used, from);
+	to[used + length] = '\0';
 }

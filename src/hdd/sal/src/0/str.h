@@ -44,6 +44,13 @@ template <size_t size> void str_copy(char (&to)[size], std::string_view from)
 {
 	str_copy(to, size, from);
 }
+// The same for a field that is all zero behind the text it holds: only what the old text leaves is zeroed.
+// Path fields are long and their texts short; records that are filled in a loop are refilled so.
+void str_refill(char *to, size_t size, std::string_view from);
+template <size_t size> void str_refill(char (&to)[size], std::string_view from)
+{
+	str_refill(to, size, from);
+}
 // Appends as much of `from` as fits.
 void str_append(char *to, size_t size, std::string_view from);
 template <size_t size> void str_append(char (&to)[size], std::string_view from)

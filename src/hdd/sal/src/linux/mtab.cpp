@@ -12,34 +12,49 @@
 // Room for an entry whose source and mount point are both as long as a path may be.
 constexpr int ENTRY_SIZE = 4 * FNAME_SIZE;
 
-static int read_entries(FILE *table, mtab_mntlist_t *list, filter_func_t filter, void *arg)
+static int walk_entries(FILE *table, int (*take)(const mtab_mnt_t *mnt, void *context), void *context)
 {
 	// The reader's own buffer: the one behind getmntent is shared with whatever the host is reading.
 	char buffer[ENTRY_SIZE];
 	mntent entry;
 	mtab_mnt_t mnt = {};
-	while (getmntent_r(table, &entry, buffer, sizeof buffer)) {
-		str_copy(mnt.devpath, entry.mnt_fsname);
-		str_copy(mnt.mntpath, entry.mnt_dir);
-		str_copy(mnt.fsname, entry.mnt_type);
-		if (keeps(filter, &mnt, arg) && list_add(list, LIST_FIRST_FREE, mnt) != 0)
-			return -2;
+	int result = 0;
+	while (result == 0 && getmntent_r(table, &entry, buffer, sizeof buffer)) {
+		str_refill(mnt.devpath, entry.mnt_fsname);
+		str_refill(mnt.mntpath, entry.mnt_dir);
+		str_refill(mnt.fsname, entry.mnt_type);
+		result = take(&mnt, context);
 	}
-	return 0;
+	return result;
+}
+
+int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *context), void *context)
+{
+	if (source == MTAB_FILE) {
+		const Stream table(fsopen_ro(PMTAB_PATH));
+		return table ? walk_entries(table.get(), take, context) : -1;
+	}
+	const Pipe table("cat /etc/mtab");
+	return table ? walk_entries(table.get(), take, context) : -1;
+}
+
+struct collector_t {
+	mtab_mntlist_t *list;
+	filter_func_t filter;
+	const void *arg;
+};
+
+static int collect(const mtab_mnt_t *mnt, void *context)
+{
+	const auto *to = static_cast<const collector_t *>(context);
+	return keeps(to->filter, mnt, to->arg) && list_add(to->list, LIST_FIRST_FREE, *mnt) != 0 ? -2 : 0;
 }
 
 int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	const Pipe table("cat /etc/mtab");
-	return table ? read_entries(table.get(), list, filter, arg) : -1;
-}
-
-int read_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg)
-{
-	list_clear(list);
-	const Stream table(fsopen_ro(PMTAB_PATH));
-	return table ? read_entries(table.get(), list, filter, arg) : -1;
+	collector_t to = {list, filter, arg};
+	return walk_mtab(MTAB_PIPE, collect, &to);
 }
 
 int filter_mtab_mnt_in_dev(const void *item, const void *)

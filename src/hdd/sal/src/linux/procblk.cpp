@@ -16,8 +16,6 @@
 // Longest name that a line is taken to hold; what stands behind it is ignored.
 constexpr size_t NAME_LIMIT = 63;
 
-// Sets the fields that a line tells; of the name only the bytes that a name can reach, because clearing the
-// rest again for every line would cost more than the parsing.
 static int parse_procblk_line(const char *line, procblk_dev_t *dev)
 {
 	std::string_view text(line);
@@ -32,16 +30,15 @@ static int parse_procblk_line(const char *line, procblk_dev_t *dev)
 	if (word.size() > NAME_LIMIT)
 		word.remove_suffix(word.size() - NAME_LIMIT);
 	const devname_t name = split_devname(word);
-	str_copy(dev->name, NAME_LIMIT + 1, name.stem);
+	str_refill(dev->name, name.stem);
 	dev->part = name.number == -1 ? 0 : name.number;
 	dev->mami = make_mami(static_cast<unsigned>(major), static_cast<unsigned>(minor));
 	dev->size = static_cast<size32_t>(static_cast<uint32_t>(blocks)) * 2;
 	return 0;
 }
 
-int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg)
+int walk_procblk(int (*take)(const procblk_dev_t *dev, void *context), void *context)
 {
-	list_clear(list);
 	const Stream table(fsopen_ro(PPROCBLK_PATH));
 	if (!table)
 		return -1;
@@ -52,13 +49,29 @@ int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *a
 
 	int result = 0;
 	procblk_dev_t dev = {};
-	while (fsread_line(table.get(), line) == 0) {
-		if (parse_procblk_line(line, &dev) != 0)
+	while (fsread_line(table.get(), line) == 0)
+		if (parse_procblk_line(line, &dev) != 0 || take(&dev, context) != 0)
 			result = -1;
-		else if (keeps(filter, &dev, arg) && list_add(list, list->num, dev) != 0)
-			result = -1;
-	}
 	return result;
+}
+
+struct collector_t {
+	procblk_devlist_t *list;
+	filter_func_t filter;
+	const void *arg;
+};
+
+static int collect(const procblk_dev_t *dev, void *context)
+{
+	const auto *to = static_cast<const collector_t *>(context);
+	return keeps(to->filter, dev, to->arg) ? list_add(to->list, to->list->num, *dev) : 0;
+}
+
+int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg)
+{
+	list_clear(list);
+	collector_t to = {list, filter, arg};
+	return walk_procblk(collect, &to);
 }
 
 int filter_procblk_is_disk(const void *item, const void *)

@@ -24,6 +24,10 @@ struct procblk_devlist_t {
 };
 typedef procblk_devlist_t procblk_t;
 
+// Calls take for every block device of the table, in the table's order. 0, or -1 when the table cannot be
+// opened, when a line holds no device, or when take returned other than 0; the other lines are still taken.
+int walk_procblk(int (*take)(const procblk_dev_t *dev, void *context), void *context);
+
 // 0, or -1 when the table cannot be opened, or when a line was skipped or found no room: the list then
 // holds all the others.
 int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg);

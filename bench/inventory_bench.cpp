@@ -1,0 +1,88 @@
+// The three queries on a captured host with 16 disks and 32 mounts, each beside its floor.
+#include "diskscout.h"
+#include "floor.h"
+
+#include "replay/replay.h"
+
+#include <benchmark/benchmark.h>
+#include <stdio.h>
+#include <stdlib.h>
+
+static void query(UINT code)
+{
+	IPMICOMMAND cmd = {};
+	void *head = nullptr;
+	int count = 0;
+	cmd.nCommand = code;
+	if (GetItemInfo(&cmd, &head, &count) != 0 || count == 0)
+		abort();
+	cmd.nCommand = code + 1;
+	SetItemInfo(&cmd, &head);
+}
+
+static void query_disks()
+{
+	query(CMD_GET_DISKS);
+}
+
+static void query_partitions()
+{
+	query(CMD_GET_PARTITIONS);
+}
+
+static void query_cdroms()
+{
+	query(CMD_GET_CDROMS);
+}
+
+static const struct {
+	const char *name;
+	void (*query)();
+	void (*floor)();
+} ROWS[] = {
+	{"disks", query_disks, floor_disks},
+	{"partitions", query_partitions, floor_partitions},
+	{"cdroms", query_cdroms, floor_cdroms},
+};
+
+static long calls_of(void (*run)())
+{
+	replay_count_calls();
+	run();
+	return replay_calls();
+}
+
+static void repeat(benchmark::State &state, void (*run)())
+{
+	for (auto _ : state)
+		run();
+	state.counters["calls"] = static_cast<double>(calls_of(run));
+}
+
+int main(int argc, char **argv)
+{
+	replay_set_child_library(REPLAY_LIBRARY);
+	if (replay_use(BENCH_HOST) != 0)
+		return 2;
+	for (const auto &row : ROWS) {
+		// A floor that makes other calls than its query would measure nothing.
+		const long floor = calls_of(row.floor);
+		const long own = calls_of(row.query);
+		if (floor != own) {
+			fprintf(stderr, "%s: %ld outside calls, but %ld in the floor\n", row.name, own,
+			        floor);
+			return 1;
+		}
+		for (const bool is_floor : {false, true})
+			benchmark::RegisterBenchmark(
+				(std::string(row.name) + (is_floor ? "/floor" : "/query")).c_str(), repeat,
+				is_floor ? row.floor : row.query)
+				->Unit(benchmark::kMicrosecond);
+	}
+	benchmark::Initialize(&argc, argv);
+	if (benchmark::ReportUnrecognizedArguments(argc, argv))
+		return 2;
+	benchmark::RunSpecifiedBenchmarks();
+	benchmark::Shutdown();
+	return 0;
+}

@@ -1,0 +1,271 @@
+// Which paths come from the host, and by which calls.
+
+#include "host_dir.h"
+
+#include "replay/paths.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <mntent.h>
+#include <sys/stat.h>
+#include <sys/statfs.h>
+#include <sys/sysmacros.h>
+
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+TEST(ReplayPaths, CapturedTreesAndTheirExceptions)
+{
+	const std::string own = "/proc/" + std::to_string(getpid());
+	for (const char *path :
+	     {"/proc", "/proc/partitions", "/proc/ide/hda", "/proc/selfish", "/proc/1", "/dev", "/dev/hda",
+	      "/dev/cdrom", "/dev/fdisk", "/dev/nullx", "/etc/mtab", "/root", "/root/hardraid.cfg"})
+		EXPECT_TRUE(replay::is_replayed(path)) << path;
+	for (const char *path :
+	     {"/",          "/etc",      "/etc/mtab.old", "/etc/passwd",     "/procfs",
+	      "/device",    "/rootfs",   "/proc/self",    "/proc/self/maps", "/proc/thread-self/fd",
+	      "/dev/null",  "/dev/zero", "/dev/full",     "/dev/tty",        "/dev/ttyS0",
+	      "/dev/pts/3", "/dev/ptmx", "/dev/urandom",  "/dev/random",     "/dev/fd/1",
+	      "/dev/stdin", "/dev/shm/x"})
+		EXPECT_FALSE(replay::is_replayed(path)) << path;
+	EXPECT_FALSE(replay::is_replayed(own.c_str()));
+	EXPECT_FALSE(replay::is_replayed((own + "/maps").c_str()));
+	EXPECT_TRUE(replay::is_replayed((own + "0").c_str()));
+}
+
+TEST(ReplayPaths, PlainSpelling)
+{
+	const char *const rows[][2] = {{"/proc//ide/./hda", "/proc/ide/hda"},
+	                               {"/proc/ide/../partitions", "/proc/partitions"},
+	                               {"//dev/hda/", "/dev/hda"},
+	                               {"/..", "/"},
+	                               {"/", "/"}};
+	char out[PATH_MAX];
+	for (const auto &row : rows) {
+		EXPECT_TRUE(replay::plain_path(row[0], out));
+		EXPECT_STREQ(out, row[1]);
+	}
+	EXPECT_FALSE(replay::plain_path(nullptr, out));
+	EXPECT_FALSE(replay::plain_path("proc/partitions", out));
+	EXPECT_FALSE(replay::plain_path("", out));
+	EXPECT_TRUE(replay::plain_path(("/" + std::string(PATH_MAX - 3, 'x')).c_str(), out));
+	EXPECT_FALSE(replay::plain_path(("/" + std::string(PATH_MAX, 'x')).c_str(), out));
+}
+
+class ReplayPath : public HostDir
+{
+protected:
+	static std::string stream_text(FILE *stream)
+	{
+		char line[256];
+		std::string text;
+		while (stream != nullptr && fgets(line, sizeof(line), stream) != nullptr)
+			text += line;
+		if (stream != nullptr)
+			fclose(stream);
+		return text;
+	}
+
+	static std::string descriptor_text(int fd)
+	{
+		char text[256];
+		const ssize_t got = read(fd, text, sizeof(text));
+		close(fd);
+		return got > 0 ? std::string(text, static_cast<size_t>(got)) : std::string();
+	}
+};
+
+TEST_F(ReplayPath, FilesComeFromTheHost)
+{
+	put("proc/partitions", "captured\n");
+	put("etc/mtab", "/dev/hda1 / ext3 rw 0 0\n");
+	put("root/hardraid.cfg", "Cli Path: x\n");
+	ASSERT_EQ(show(""), 0);
+	EXPECT_EQ(stream_text(fopen("/proc/partitions", "r")), "captured\n");
+	EXPECT_EQ(stream_text(fopen64("/etc/mtab", "re")), "/dev/hda1 / ext3 rw 0 0\n");
+	EXPECT_EQ(descriptor_text(open("/root/hardraid.cfg", O_RDONLY)), "Cli Path: x\n");
+	EXPECT_EQ(fopen("/proc/mdstat", "r"), nullptr);
+	EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(ReplayPath, RunningHostIsBackAfterwards)
+{
+	put("proc/uptime", "captured\n");
+	ASSERT_EQ(show(""), 0);
+	EXPECT_EQ(stream_text(fopen("/proc/uptime", "r")), "captured\n");
+	ASSERT_EQ(replay_use(nullptr), 0);
+	const std::string running = stream_text(fopen("/proc/uptime", "r"));
+	EXPECT_NE(running, "captured\n");
+	EXPECT_NE(running, "");
+}
+
+TEST_F(ReplayPath, FailedSwitchKeepsTheHostShown)
+{
+	put("proc/uptime", "captured\n");
+	ASSERT_EQ(show(""), 0);
+	stderr_of([&] { EXPECT_EQ(replay_use((root / "nowhere").c_str()), -1); });
+	EXPECT_EQ(stream_text(fopen("/proc/uptime", "r")), "captured\n");
+}
+
+TEST_F(ReplayPath, ProgramsOwnFilesStayRunning)
+{
+	ASSERT_EQ(show(""), 0);
+	EXPECT_NE(descriptor_text(open("/proc/self/comm", O_RDONLY)), "");
+	EXPECT_EQ(access("/dev/null", W_OK), 0);
+	std::ofstream(root / "own") << "mine";
+	EXPECT_EQ(file_text(root / "own"), "mine");
+}
+
+TEST_F(ReplayPath, RelativeLinksWork)
+{
+	put("proc/ide/ide0/hda/media", "disk\n");
+	link("proc/ide/hda", "ide0/hda");
+	link("etc/mtab", "../proc/mounts");
+	put("proc/mounts", "mounts\n");
+	ASSERT_EQ(show(""), 0);
+	EXPECT_EQ(stream_text(fopen("/proc/ide/hda/media", "r")), "disk\n");
+	EXPECT_EQ(stream_text(fopen("/etc/mtab", "r")), "mounts\n");
+}
+
+TEST_F(ReplayPath, LinkToADeviceReachesIt)
+{
+	link("dev/cdrom", "hdc");
+	link("dev/dvd", "/dev/cdrom");
+	link("dev/loop", "loop");
+	ASSERT_EQ(show("device /dev/hdc\nBLKGETSIZE 1\nsector 0 5a\n"), 0);
+	EXPECT_EQ(descriptor_text(open("/dev/cdrom", O_RDONLY))[0], 'Z');
+	EXPECT_EQ(descriptor_text(open("/dev/dvd", O_RDONLY))[0], 'Z');
+	errno = 0;
+	EXPECT_EQ(open("/dev/loop", O_RDONLY), -1);
+	EXPECT_EQ(errno, ELOOP);
+}
+
+extern "C" ssize_t __readlink_chk(const char *path, char *buffer, size_t count, size_t room);
+extern "C" ssize_t __readlinkat_chk(int at, const char *path, char *buffer, size_t count, size_t room);
+
+TEST_F(ReplayPath, LinkIsReadAsItStands)
+{
+	link("dev/cdrom", "hdc");
+	ASSERT_EQ(show("device /dev/hdc\n"), 0);
+	char target[16] = "";
+	EXPECT_EQ(readlink("/dev/cdrom", target, sizeof(target)), 3);
+	EXPECT_STREQ(target, "hdc");
+	EXPECT_EQ(readlinkat(AT_FDCWD, "/dev/cdrom", target, 2), 2);
+	EXPECT_EQ(__readlink_chk("/dev/cdrom", target, sizeof(target), sizeof(target)), 3);
+	EXPECT_EQ(__readlinkat_chk(AT_FDCWD, "/dev/cdrom", target, sizeof(target), sizeof(target)), 3);
+	errno = 0;
+	EXPECT_EQ(readlink("/dev/hdc", target, sizeof(target)), -1);
+	EXPECT_EQ(errno, EINVAL);
+	EXPECT_EQ(readlink("/dev/dvd", target, sizeof(target)), -1);
+	EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(ReplayPath, DirectoryIsListedInOrder)
+{
+	for (const char *name : {"proc/ide/hdb", "proc/ide/hda", "proc/ide/drivers"})
+		put(name, "");
+	ASSERT_EQ(show("device /dev/hda\n"), 0);
+	struct dirent **names = nullptr;
+	const int count = scandir("/proc/ide", &names, nullptr, alphasort);
+	std::vector<std::string> got;
+	for (int i = 0; i < count; ++i) {
+		got.emplace_back(names[i]->d_name);
+		free(names[i]);
+	}
+	free(names);
+	EXPECT_EQ(got, (std::vector<std::string>{".", "..", "drivers", "hda", "hdb"}));
+	EXPECT_EQ(scandir("/proc/scsi", &names, nullptr, alphasort), -1);
+	EXPECT_EQ(errno, ENOENT);
+	struct dirent64 **wide = nullptr;
+	ASSERT_EQ(scandir64("/proc/ide", &wide, nullptr, alphasort64), 5);
+	EXPECT_STREQ(wide[2]->d_name, "drivers");
+	for (int i = 0; i < 5; ++i)
+		free(wide[i]);
+	free(wide);
+	EXPECT_EQ(scandir64("/dev/hda", &wide, nullptr, alphasort64), -1);
+	EXPECT_EQ(errno, ENOTDIR);
+	DIR *directory = opendir("/proc/ide");
+	EXPECT_NE(directory, nullptr);
+	closedir(directory);
+	EXPECT_EQ(opendir("/proc/scsi"), nullptr);
+	EXPECT_EQ(opendir("/dev/hda"), nullptr);
+	EXPECT_EQ(errno, ENOTDIR);
+}
+
+TEST_F(ReplayPath, StatusOfFilesLinksAndDevices)
+{
+	put("proc/scsi/scsi", "12345");
+	link("dev/cdrom", "hdc");
+	ASSERT_EQ(show("device /dev/hdc\n"), 0);
+	struct stat st = {};
+	struct stat64 wide = {};
+	EXPECT_EQ(stat("/proc/scsi", &st), 0);
+	EXPECT_TRUE(S_ISDIR(st.st_mode));
+	EXPECT_EQ(stat64("/proc/scsi/scsi", &wide), 0);
+	EXPECT_EQ(wide.st_size, 5);
+	EXPECT_EQ(stat("/dev/cdrom", &st), 0);
+	EXPECT_TRUE(S_ISBLK(st.st_mode));
+	EXPECT_EQ(lstat("/dev/cdrom", &st), 0);
+	EXPECT_TRUE(S_ISLNK(st.st_mode));
+	EXPECT_EQ(lstat64("/dev/hdc", &wide), 0);
+	EXPECT_TRUE(S_ISBLK(wide.st_mode));
+	EXPECT_EQ(fstatat(AT_FDCWD, "/dev/cdrom", &st, AT_SYMLINK_NOFOLLOW), 0);
+	EXPECT_TRUE(S_ISLNK(st.st_mode));
+	EXPECT_EQ(fstatat64(-1, "/dev/cdrom", &wide, 0), 0);
+	EXPECT_TRUE(S_ISBLK(wide.st_mode));
+	EXPECT_EQ(stat("/dev/hdd", &st), -1);
+	EXPECT_EQ(errno, ENOENT);
+	struct statx extended = {};
+	EXPECT_EQ(statx(AT_FDCWD, "/dev/cdrom", 0, STATX_TYPE, &extended), 0);
+	EXPECT_TRUE(S_ISBLK(extended.stx_mode));
+	EXPECT_EQ(statx(AT_FDCWD, "/proc/scsi/scsi", 0, STATX_SIZE, &extended), 0);
+	EXPECT_EQ(extended.stx_size, 5u);
+}
+
+TEST_F(ReplayPath, AccessOfADevice)
+{
+	ASSERT_EQ(show("device /dev/hda\n"), 0);
+	EXPECT_EQ(access("/dev/hda", R_OK | W_OK), 0);
+	EXPECT_EQ(access("/dev/hda", X_OK), -1);
+	EXPECT_EQ(errno, EACCES);
+	EXPECT_EQ(access("/dev/hdb", F_OK), -1);
+	EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(ReplayPath, SpaceOfMounts)
+{
+	ASSERT_EQ(
+		show("mount /boot 1024 15225 15188\nmount /a\\040b 2048 9 8 7\nmount /stale fails ESTALE\n"),
+		0);
+	struct statfs space = {};
+	EXPECT_EQ(statfs("/boot", &space), 0);
+	EXPECT_EQ(space.f_bsize, 1024);
+	EXPECT_EQ(space.f_blocks, 15225u);
+	EXPECT_EQ(space.f_bfree, 15188u);
+	EXPECT_EQ(space.f_bavail, 15188u);
+	struct statfs64 wide = {};
+	EXPECT_EQ(statfs64("/a b", &wide), 0);
+	EXPECT_EQ(wide.f_bsize, 2048);
+	EXPECT_EQ(wide.f_bavail, 7u);
+	EXPECT_EQ(statfs("/stale", &space), -1);
+	EXPECT_EQ(errno, ESTALE);
+	// The running host has a root, but this one lists none.
+	EXPECT_EQ(statfs("/", &space), -1);
+	EXPECT_EQ(errno, ENOENT);
+	ASSERT_EQ(replay_use(nullptr), 0);
+	EXPECT_EQ(statfs("/", &space), 0);
+}
+
+TEST_F(ReplayPath, MountTableIsReadWithItsOwnCalls)
+{
+	put("etc/mtab", "/dev/hda1 / ext3 rw 0 0\n");
+	ASSERT_EQ(show(""), 0);
+	FILE *stream = setmntent("/etc/mtab", "r");
+	ASSERT_NE(stream, nullptr);
+	const struct mntent *entry = getmntent(stream);
+	ASSERT_NE(entry, nullptr);
+	EXPECT_STREQ(entry->mnt_fsname, "/dev/hda1");
+	EXPECT_EQ(getmntent(stream), nullptr);
+	endmntent(stream);
+}
