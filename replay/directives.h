@@ -1,4 +1,4 @@
-// The lines of a host table; directives.cc knows what each of them says.
+// The lines of a host table; directives.cpp knows what each of them says.
 
 #ifndef DISKSCOUT_REPLAY_DIRECTIVES_H
 #define DISKSCOUT_REPLAY_DIRECTIVES_H
@@ -49,7 +49,7 @@ template <typename record> record *add(reading &in, record **head)
 	return made;
 }
 
-// The lines of directives_sector.cc.
+// The lines of directives_sector.cpp.
 bool read_table(reading &in, char *cursor);
 bool read_entry(reading &in, char *cursor);
 bool read_sector(reading &in, char *cursor);

@@ -37,7 +37,7 @@ inline const char *library_path(const place &at, const char *asked)
 	return at.kind == RUNNING ? asked : at.stored;
 }
 
-// The preload's start (preload.cc); absent where the objects are linked in.
+// The preload's start (preload.cpp); absent where the objects are linked in.
 void begin_preload() __attribute__((weak));
 
 } // namespace replay

@@ -175,7 +175,7 @@ private:
 int stdisk_all(void **result, int *length)
 {
 	Chain<tagStorageDiskList> chain(result, length);
-	exe_disklist_t disks;
+	CLEARED_BY_CALLEE exe_disklist_t disks;
 	// Deliberately not examined: what was found is the answer.
 	get_exe_disklist(&disks, nullptr, nullptr);
 	for (const exe_disk_t &disk : live_items(disks))
@@ -186,7 +186,7 @@ int stdisk_all(void **result, int *length)
 int stcdrom_all(void **result, int *length)
 {
 	Chain<tagStorageCdromList> chain(result, length);
-	exe_cdromlist_t cdroms;
+	CLEARED_BY_CALLEE exe_cdromlist_t cdroms;
 	get_exe_cdromlist(&cdroms, nullptr, nullptr);
 	for (const exe_cdrom_t &cdrom : live_items(cdroms))
 		chain.append(cdrom, exe2stcdrom);
@@ -202,8 +202,8 @@ static int append_part(const exe_part_t *part, void *context)
 int stpart_all(void **result, int *length)
 {
 	Chain<tagStoragePartList> chain(result, length);
-	exe_disklist_t disks;
-	exe_vollist_t vols;
+	CLEARED_BY_CALLEE exe_disklist_t disks;
+	CLEARED_BY_CALLEE exe_vollist_t vols;
 	if (get_exe_disklist(&disks, nullptr, nullptr) == -1 ||
 	    get_exe_vollist(&vols, nullptr, nullptr) == -1)
 		return -1;

@@ -168,8 +168,8 @@ static int count_partition(const procblk_dev_t *dev, void *context)
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	procblk_devlist_t devices;
-	disk_sources_t sources;
+	CLEARED_BY_CALLEE procblk_devlist_t devices;
+	CLEARED_BY_CALLEE disk_sources_t sources;
 	parse_procblk_devlist(&devices, filter_procblk_is_disk, nullptr);
 	read_disk_sources(&sources);
 	// One more look at the table counts for all disks: a look for each would cost more than all else.
@@ -177,7 +177,7 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 	walk_procblk(count_partition, &counts);
 
 	int result = 0;
-	exe_disk_t disk;
+	CLEARED_BY_CALLEE exe_disk_t disk;
 	for (const procblk_dev_t &dev : live_items(devices)) {
 		if (!assemble_disk(&disk, dev, sources))
 			continue;
@@ -243,14 +243,14 @@ static void assemble_cdrom(exe_cdrom_t *cdrom, const procide_dev_t &drive, const
 int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	procide_devlist_t drives;
-	mtab_mntlist_t mounts;
+	CLEARED_BY_CALLEE procide_devlist_t drives;
+	CLEARED_BY_CALLEE mtab_mntlist_t mounts;
 	fname_t target;
 	parse_procide_devlist(&drives, nullptr, nullptr);
 	parse_mtab_mntlist(&mounts, nullptr, nullptr);
 	const std::string_view linked = read_cdrom_link(target);
 
-	exe_cdrom_t cdrom;
+	CLEARED_BY_CALLEE exe_cdrom_t cdrom;
 	for (const procide_dev_t &drive : live_items(drives)) {
 		// Only IDE drives are listed: SCSI and USB ones are left out deliberately.
 		if (strcmp(drive.media, "cdrom") != 0)
@@ -350,7 +350,7 @@ static void assemble_part(exe_part_t *part, const part_t &entry, const exe_volli
 int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
                    int (*take)(const exe_part_t *part, void *context), void *context)
 {
-	partlist_t entries;
+	CLEARED_BY_CALLEE partlist_t entries;
 	if (read_disk_partlist(disk, &entries) != 0)
 		return -1;
 
@@ -380,7 +380,7 @@ int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func
                              const exe_vollist_t *vols)
 {
 	list_clear(list);
-	exe_vollist_t own;
+	CLEARED_BY_CALLEE exe_vollist_t own;
 	if (!vols && get_exe_vollist(&own, nullptr, nullptr) != 0)
 		return -1;
 	collector_t to = {list, filter, arg};

@@ -2,7 +2,7 @@
 
 #include "hdd/sal/src/0/str.h"
 
-#include <stdio.h>
+#include <string.h>
 
 devname_t split_devname(std::string_view path)
 {
@@ -54,8 +54,10 @@ bool is_scsi_name(const devname_t &name)
 
 int fn_join(fname_t out, const char *dir, const char *name)
 {
-	const int length = snprintf(out, FNAME_SIZE, "%s%s%s", dir, PDCHAR, name);
-	if (length >= 0 && length < FNAME_SIZE)
+	str_copy(out, FNAME_SIZE, dir);
+	str_append(out, FNAME_SIZE, PDCHAR);
+	str_append(out, FNAME_SIZE, name);
+	if (strlen(dir) + strlen(PDCHAR) + strlen(name) < FNAME_SIZE)
 		return 0;
 	b0_fname(out);
 	return -1;

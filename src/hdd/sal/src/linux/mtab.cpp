@@ -15,7 +15,7 @@ constexpr int ENTRY_SIZE = 4 * FNAME_SIZE;
 static int walk_entries(FILE *table, int (*take)(const mtab_mnt_t *mnt, void *context), void *context)
 {
 	// The reader's own buffer: the one behind getmntent is shared with whatever the host is reading.
-	char buffer[ENTRY_SIZE];
+	CLEARED_BY_CALLEE char buffer[ENTRY_SIZE];
 	mntent entry;
 	mtab_mnt_t mnt = {};
 	int result = 0;

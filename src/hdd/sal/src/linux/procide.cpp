@@ -116,7 +116,7 @@ int parse_procide_devlist(procide_devlist_t *list, filter_func_t filter, void *a
 		return -1;
 
 	int result = 0;
-	procide_dev_t dev;
+	CLEARED_BY_CALLEE procide_dev_t dev;
 	for (int i = 0; i < drives.count(); i++) {
 		if (parse_procide_dev(&dev, filter, arg, drives.name(i)) != 0)
 			result = -1;
