@@ -9,6 +9,7 @@
 #include "hdd/sal/src/0/def.h"
 
 #include <string.h>
+#include <type_traits>
 
 // Before a large local that the next call clears anyway: spares the compiler's own clearing of all locals.
 #define CLEARED_BY_CALLEE __attribute__((uninitialized))
@@ -18,7 +19,7 @@ constexpr int LIST_FIRST_FREE = -1;
 
 template <class List> constexpr int list_capacity()
 {
-	return static_cast<int>(sizeof(List::item) / sizeof(List::item[0]));
+	return static_cast<int>(std::extent<decltype(List::item)>::value);
 }
 
 template <class List> void list_clear(List *list)

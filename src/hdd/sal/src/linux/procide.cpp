@@ -31,8 +31,8 @@ static bool parse_identify_line(std::string_view line, char *row)
 		unsigned word;
 		if (!str_next_hex4(&line, &word))
 			return false;
-		row[2 * i] = static_cast<char>(word >> 8);
-		row[2 * i + 1] = static_cast<char>(word);
+		*row++ = static_cast<char>(word >> 8);
+		*row++ = static_cast<char>(word);
 	}
 	return true;
 }
@@ -118,9 +118,8 @@ int parse_procide_devlist(procide_devlist_t *list, filter_func_t filter, void *a
 	int result = 0;
 	CLEARED_BY_CALLEE procide_dev_t dev;
 	for (int i = 0; i < drives.count(); i++) {
-		if (parse_procide_dev(&dev, filter, arg, drives.name(i)) != 0)
-			result = -1;
-		else if (dev.tag != 0 && list_add(list, list->num, dev) != 0)
+		if (parse_procide_dev(&dev, filter, arg, drives.name(i)) != 0 ||
+		    (dev.tag != 0 && list_add(list, list->num, dev) != 0))
 			result = -1;
 	}
 	return result;

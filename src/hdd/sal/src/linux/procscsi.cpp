@@ -168,9 +168,8 @@ int parse_procscsi_devlist(procscsi_devlist_t *list, filter_func_t filter, void 
 		fsread_line(table.get(), lines[1]);
 		fsread_line(table.get(), lines[2]);
 		procscsi_dev_t dev;
-		if (parse_procscsi_dev(&dev, filter, arg, lines) != 0)
-			result = -1;
-		else if (dev.tag != 0 && list_add(list, list->num, dev) != 0)
+		if (parse_procscsi_dev(&dev, filter, arg, lines) != 0 ||
+		    (dev.tag != 0 && list_add(list, list->num, dev) != 0))
 			result = -1;
 	}
 	return result;

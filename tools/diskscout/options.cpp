@@ -1,0 +1,97 @@
+// The command line: diskscout list [disks|partitions|cdroms]... [--json] [--plugin PATH] [--sysroot DIR].
+#include "options.h"
+
+#include "usage_error.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <fmt/format.h>
+#include <sstream>
+
+static std::string known_words()
+{
+	std::string words;
+	for (const kind *k : all_kinds())
+		words.append(words.empty() ? "" : ", ").append(k->word);
+	return words;
+}
+
+static bool contains(const std::vector<std::string> &words, std::string_view word)
+{
+	return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+static std::vector<const kind *> kinds_named(const std::vector<std::string> &words)
+{
+	for (const std::string &word : words) {
+		const auto is_named = [&](const kind *k) { return k->word == word; };
+		if (std::none_of(all_kinds().begin(), all_kinds().end(), is_named))
+			throw usage_error(
+				fmt::format("unknown kind \"{}\", known are {}", word, known_words()));
+	}
+	std::vector<const kind *> kinds;
+	for (const kind *k : all_kinds()) {
+		if (words.empty() || contains(words, k->word))
+			kinds.push_back(k);
+	}
+	return kinds;
+}
+
+static std::string refuse_empty(const std::string &value)
+{
+	return value.empty() ? "a path must not be empty" : "";
+}
+
+// --help and --version reach us as exceptions as well, the only ones with status 0.
+static std::string answer_to(const CLI::App &app, const CLI::ParseError &error)
+{
+	if (error.get_exit_code() != 0)
+		throw usage_error(fmt::format("{} (see diskscout --help)", error.what()));
+	std::ostringstream answer;
+	app.exit(error, answer, answer);
+	return answer.str();
+}
+
+options parse_options(int argc, char **argv)
+{
+	options opts;
+	std::vector<std::string> words;
+	CLI::App app("Shows the disks, partitions and CD-ROM drives that the plug-in finds on this host.",
+	             "diskscout");
+	app.set_version_flag("--version", "diskscout " DISKSCOUT_VERSION);
+	app.add_flag("--json", opts.json, "print one JSON document instead of tables");
+	app.add_option("--plugin", opts.plugin, "load this plug-in")->type_name("PATH")->check(refuse_empty);
+	app.add_option("--sysroot", opts.sysroot, "show the host that is captured in this directory")
+		->type_name("DIR")
+		->check(refuse_empty);
+	// An empty group keeps an option out of the help: this one is between us and our second start.
+	app.add_flag("--replayed", opts.replayed)->group("");
+	app.require_subcommand(1);
+	app.footer("Exit status: 0, 1 when a query or the output failed, 2 for bad usage.");
+
+	CLI::App *const list = app.add_subcommand("list", "show what there is");
+	list->add_option("KIND", words, "what to show, of " + known_words() + "; without any: all")
+		->type_name("");
+	// Options of the program are taken behind the subcommand too.
+	list->fallthrough();
+	try {
+		app.parse(argc, argv);
+	} catch (const CLI::ParseError &error) {
+		opts.answer = answer_to(app, error);
+		return opts;
+	}
+	opts.kinds = kinds_named(words);
+	return opts;
+}
+
+std::vector<std::string> replayed_command_line(const options &opts, const std::string &program,
+                                               const std::string &plugin)
+{
+	std::vector<std::string> arguments = {program, "--replayed", "--plugin", plugin};
+	if (opts.json)
+		arguments.emplace_back("--json");
+	arguments.emplace_back("list");
+	for (const kind *k : opts.kinds)
+		arguments.emplace_back(k->word);
+	return arguments;
+}

@@ -1,0 +1,65 @@
+// Captured hosts. The plug-in makes plain calls of the C library and knows nothing of captured hosts; a
+// library that answers these calls instead can only be loaded before the program starts.
+#include "sysroot.h"
+
+#include "companion.h"
+#include "usage_error.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+static void set_variable(const char *name, const std::string &value)
+{
+	if (setenv(name, value.c_str(), 1) != 0)
+		throw std::bad_alloc();
+}
+
+static std::string get_variable(const char *name)
+{
+	const char *const value = getenv(name);
+	return value ? value : "";
+}
+
+static void preload(const fs::path &library)
+{
+	// The loader takes both for the end of a file name, and knows no way to quote them.
+	if (library.string().find_first_of(" :") != std::string::npos)
+		throw usage_error(fmt::format("{} cannot be preloaded: its path has a blank or a colon",
+		                              library.string()));
+	const std::string others = get_variable("LD_PRELOAD");
+	set_variable("LD_PRELOAD", others.empty() ? library.string() : library.string() + ":" + others);
+#ifdef __SANITIZE_ADDRESS__
+	// The sanitizer refuses to start behind a preload. Ours passes on every call that it does not answer.
+	const std::string options = get_variable("ASAN_OPTIONS");
+	set_variable("ASAN_OPTIONS", (options.empty() ? "" : options + ":") + "verify_asan_link_order=0");
+#endif
+}
+
+void restart_on_captured_host(const std::string &directory, std::vector<std::string> arguments)
+{
+	const fs::path host = absolute_path(directory);
+	std::error_code error;
+	if (!fs::is_regular_file(host / "host.txt", error))
+		throw usage_error(fmt::format("{} is no captured host: it has no host.txt", directory));
+	preload(find_companion("diskscout-replay.so"));
+	// The caller's environment may name another host; this one was asked for.
+	set_variable("REPLAY_SYSROOT", host.string());
+
+	std::vector<char *> argv;
+	for (std::string &argument : arguments)
+		argv.push_back(argument.data());
+	argv.push_back(nullptr);
+	execv("/proc/self/exe", argv.data());
+	throw usage_error(fmt::format("the program cannot be started anew: {}", strerror(errno)));
+}
+
+bool replay_is_loaded()
+{
+	return dlsym(RTLD_DEFAULT, "replay_use") != nullptr;
+}
