@@ -1,0 +1,58 @@
+"""What README.md shows is what happens: its program compiles, runs and prints what it says."""
+
+import os
+import re
+import subprocess
+
+import pytest
+
+
+@pytest.fixture(scope="module")
+def readme(source_dir):
+    return (source_dir / "README.md").read_text(encoding="utf-8")
+
+
+def blocks(readme, language=""):
+    return re.findall(rf"^```{language}\n(.*?)^```$", readme, re.MULTILINE | re.DOTALL)
+
+
+def replayed(build_dir, source_dir):
+    return dict(os.environ, LC_ALL="C", LD_PRELOAD=str(build_dir / "diskscout-replay.so"),
+                ASAN_OPTIONS="verify_asan_link_order=0",
+                REPLAY_SYSROOT=str(source_dir / "tests/hosts/real-kernel"))
+
+
+def test_the_agent_compiles_and_prints_what_the_page_says(readme, build_dir, source_dir, tmp_path):
+    (program,) = blocks(readme, "c")
+    (tmp_path / "agent.c").write_text(program)
+    # The library of a sanitizer build takes its runtime from the program.
+    sanitize = ["-fsanitize=address,undefined"] if "DISKSCOUT_SANITIZE:BOOL=ON" in (
+        build_dir / "CMakeCache.txt").read_text() else []
+    subprocess.run(["cc", "-std=c99", "-Wall", "-Wextra", "-Werror", *sanitize, f"-I{source_dir}/src",
+                    str(tmp_path / "agent.c"), "-o", str(tmp_path / "agent")], check=True)
+    done = subprocess.run([str(tmp_path / "agent"), str(build_dir / "diskscout.so")], check=False,
+                          env=replayed(build_dir, source_dir), capture_output=True, text=True)
+    assert done.stderr == ""
+    assert done.returncode == 0
+    assert done.stdout in blocks(readme)
+
+
+def test_the_tool_prints_what_the_page_says(readme, build_dir, source_dir):
+    (shown,) = [block for block in blocks(readme) if block.startswith("$ build/release/diskscout list")]
+    command, output = shown.split("\n", 1)
+    done = subprocess.run([str(build_dir / "diskscout"), *command.split()[2:]], cwd=source_dir, check=True,
+                          capture_output=True, text=True)
+    assert done.stdout == output
+
+
+def test_every_record_field_is_in_the_tables(readme, source_dir):
+    header = (source_dir / "src/diskscout.h").read_text(encoding="utf-8")
+    fields = re.findall(r"^\t(?:UINT|ULONGLONG|BOOLEAN|STORAGE_STRING) (\w+);", header, re.MULTILINE)
+    assert len(fields) == 23 + 13 + 13
+    assert [field for field in fields if f"`{field}`" not in readme] == []
+
+
+def test_the_pages_that_are_linked_exist(readme, source_dir):
+    links = re.findall(r"\]\(([^)#]+)\)", readme)
+    assert links
+    assert [link for link in links if not (source_dir / link).exists()] == []

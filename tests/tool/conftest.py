@@ -1,0 +1,97 @@
+"""Runs the built program as a user does, on hand-made plug-ins or on the real one."""
+
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+
+import pytest
+
+
+def pytest_addoption(parser):
+    parser.addoption("--build-dir", required=True, help="where diskscout and diskscout.so were built")
+    parser.addoption("--modules", help="where the plug-ins of these tests were built")
+
+
+class Tool:
+    """The program, with an environment of which nothing but the given variables steers it."""
+
+    def __init__(self, build_dir, modules, scratch):
+        self.program = build_dir / "diskscout"
+        self.plugin = build_dir / "diskscout.so"
+        self.replay = build_dir / "diskscout-replay.so"
+        self.fake_plugin = modules / "fake_plugin.so"
+        self.half_plugin = modules / "half_plugin.so"
+        self.scratch = scratch
+        self.report = {}
+
+    def run(self, *arguments, program=None, env=None, **settings):
+        environment = {
+            name: value
+            for name, value in os.environ.items()
+            if name != "LD_PRELOAD" and not name.startswith(("REPLAY_", "FAKE_PLUGIN_"))
+        }
+        environment.update(env or {})
+        settings.setdefault("stdout", subprocess.PIPE)
+        settings.setdefault("stderr", subprocess.PIPE)
+        command = [str(argument) for argument in (program or self.program, *arguments)]
+        return subprocess.run(
+            command,
+            env=environment,
+            timeout=60,
+            check=False,
+            encoding="utf-8",
+            **settings,
+        )
+
+    def read_report(self, path):
+        """What the made plug-in saw; every list must have come back, with its own code."""
+        lines = path.read_text().splitlines()
+        self.report = dict(line.split(" ", 1) for line in lines)
+        assert self.report["queries"] != "0"
+        assert self.report["releases"] == self.report["queries"]
+        assert self.report["live"] == "0"
+        assert self.report["wrong"] == "0"
+
+    def fake(self, case, *arguments, env=None, **settings):
+        """One run on the made plug-in, which must be asked."""
+        path = self.scratch / "report"
+        path.unlink(missing_ok=True)
+        environment = {"FAKE_PLUGIN_CASE": case, "FAKE_PLUGIN_REPORT": str(path), **(env or {})}
+        result = self.run(*arguments, "--plugin", self.fake_plugin, env=environment, **settings)
+        self.read_report(path)
+        return result
+
+    def fake_document(self, case, *arguments, status=0):
+        result = self.fake(case, "list", "--json", *arguments)
+        assert result.returncode == status
+        return json.loads(result.stdout)
+
+    def fake_table(self, case, *arguments):
+        result = self.fake(case, "list", *arguments)
+        assert (result.returncode, result.stderr) == (0, "")
+        return result.stdout
+
+    def copy_program(self, directory):
+        """The program alone in a directory of its own, without the libraries that come with it."""
+        directory.mkdir(parents=True)
+        return pathlib.Path(shutil.copy2(self.program, directory))
+
+
+@pytest.fixture
+def tool(request, tmp_path):
+    build_dir = pathlib.Path(request.config.getoption("--build-dir")).resolve()
+    modules = pathlib.Path(request.config.getoption("--modules") or build_dir / "tests" / "tool").resolve()
+    scratch = tmp_path / "tool"
+    scratch.mkdir()
+    return Tool(build_dir, modules, scratch)
+
+
+def complaint(result, status):
+    """The one line that a run of this status left on standard error, without the program's name."""
+    assert result.returncode == status
+    assert result.stderr.startswith("diskscout: ")
+    assert result.stderr.endswith("\n")
+    assert result.stderr.count("\n") == 1
+    return result.stderr[len("diskscout: ") : -1]

@@ -1,0 +1,328 @@
+/*
+ * A plug-in whose answers are made by hand. FAKE_PLUGIN_CASE names the answers; when it is unloaded it writes
+ * to FAKE_PLUGIN_REPORT what its caller did: one "word value" a line. What it counts as "wrong" is a list
+ * that came back with the code of another one, or that never went out; "live" counts the records that are
+ * still out.
+ */
+#define _POSIX_C_SOURCE 200809L
+#include "diskscout.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+enum { MAX_LISTS = 16 };
+
+static struct {
+	void *head;
+	UINT query;
+} out[MAX_LISTS];
+static int queries, releases, live, wrong, lowest_descriptor = 1000;
+
+/* No NUL is put behind a text of 64 bytes. */
+static void put(STORAGE_STRING field, const char *text)
+{
+	const size_t length = strlen(text);
+	memcpy(field, text, length < sizeof(STORAGE_STRING) ? length : sizeof(STORAGE_STRING));
+}
+
+static void repeat(STORAGE_STRING field, char letter, size_t times)
+{
+	memset(field, letter, times);
+}
+
+static void *make(size_t size)
+{
+	void *const record = calloc(1, size);
+	if (!record)
+		abort();
+	live++;
+	return record;
+}
+
+static STORAGE_DISK_LIST *add_disk(void **head, const char *device)
+{
+	STORAGE_DISK_LIST **end = (STORAGE_DISK_LIST **)head;
+	UINT id = 0;
+	for (; *end; end = &(*end)->next)
+		id++;
+	*end = make(sizeof **end);
+	(*end)->nDiskID = id;
+	put((*end)->szDeviceName, device);
+	return *end;
+}
+
+static STORAGE_PART_LIST *add_partition(void **head, const char *disk, UINT index)
+{
+	STORAGE_PART_LIST **end = (STORAGE_PART_LIST **)head;
+	while (*end)
+		end = &(*end)->next;
+	*end = make(sizeof **end);
+	put((*end)->szDiskDeviceName, disk);
+	(*end)->nPartIndex = index;
+	return *end;
+}
+
+static int plain_disks(void **head, int *length)
+{
+	STORAGE_DISK_LIST *disk = add_disk(head, "/dev/hda");
+	put(disk->szDescription, "Disk Device");
+	put(disk->szInterface, "IDE");
+	put(disk->szMedia, "Disk");
+	put(disk->szModel, "FAST DISK");
+	put(disk->szSerialNumber, "S-1");
+	put(disk->szFirmwareVersion, "1.0");
+	disk->nSize = 268435456;
+	disk->nTotalCylinders = 11;
+	disk->nTracksPerCylinder = 12;
+	disk->nSectorsPerTrack = 13;
+	disk->nTotalHeads = 14;
+	disk->nTotalTracks = 15;
+	disk->nTotalBlocks = 16;
+	disk->nTotalSectors = 17;
+	disk->nBytesPerBlock = 1024;
+	disk->nBytesPerSector = 512;
+	disk->nPartNumber = 2;
+	disk->bUsedBySystem = 1;
+	disk->nExPartNumber = 1;
+
+	disk = add_disk(head, "/dev/sdb");
+	put(disk->szInterface, "SCSI");
+	disk->nPosition = 0xff020304;
+	put(disk->szVendor, "ACME");
+	put(disk->szFirmwareVersion, "B2");
+	*length = 2;
+	return 0;
+}
+
+static int plain_partitions(void **head, int *length)
+{
+	STORAGE_PART_LIST *part = add_partition(head, "/dev/hda", 0);
+	part->nStart = 32256;
+	part->nSize = 134217728;
+	part->nTotalSectors = 4294967295u;
+	put(part->szType, "Primary Partition");
+	put(part->szFileSystem, "ext3");
+	put(part->szMountPoint, "/;/boot");
+	part->nTotalSpace = 104857600;
+	part->bUsedBySystem = 1;
+	part->bActive = (BOOLEAN)0x80;
+
+	part = add_partition(head, "/dev/hda", 4);
+	part->nStart = 64512;
+	part->nSize = 1023;
+	put(part->szType, "Logical Drive");
+	*length = 2;
+	return 0;
+}
+
+static int plain_cdroms(void **head, int *length)
+{
+	STORAGE_CDROM_LIST *const cdrom = make(sizeof *cdrom);
+	*head = cdrom;
+	cdrom->nCdromID = 7;
+	put(cdrom->szDeviceName, "/dev/hdc");
+	put(cdrom->szDiscription, "DVD/CD-ROM Device");
+	put(cdrom->szInterface, "IDE");
+	cdrom->nPosition = 0x01020304;
+	put(cdrom->szMedia, "CDROM");
+	put(cdrom->szModel, "DVD");
+	put(cdrom->szFirmwareVersion, "0.9");
+	put(cdrom->szMountPoint, "/media/disc");
+	cdrom->nTotalSpace = 734003200;
+	*length = 1;
+	return 0;
+}
+
+static int no_items(void **head, int *length)
+{
+	(void)head;
+	*length = 0;
+	return 0;
+}
+
+static int failure(void **head, int *length)
+{
+	(void)head, (void)length;
+	return -1;
+}
+
+static int partitions_then_failure(void **head, int *length)
+{
+	plain_partitions(head, length);
+	return -1;
+}
+
+static int hostile_disks(void **head, int *length)
+{
+	STORAGE_DISK_LIST *disk = add_disk(head, "/dev/sda");
+	put(disk->szInterface, "SCSI");
+	disk->nSize = 18446744073709551615u;
+	repeat(disk->szVendor, 'V', 63);
+	put(disk->szModel, "A\tB\x1b[31m\n\x7f");
+	repeat(disk->szSerialNumber, 'S', 64);
+	put(disk->szFirmwareVersion, "caf\xe9");
+	disk->nPartNumber = 4294967295u;
+
+	disk = add_disk(head, "/dev/sdb");
+	put(disk->szInterface, "SCSI");
+	put(disk->szVendor, "gr\xc3\xb6\xc3\x9f"
+	                    "e");
+	put(disk->szModel, "\xc2\x9b"
+	                   "31m");
+	put(disk->szSerialNumber, "\xe2\x82");
+	put(disk->szFirmwareVersion, "\xe2\x82\xac 1");
+	*length = 2;
+	return 0;
+}
+
+static int hostile_partitions(void **head, int *length)
+{
+	STORAGE_PART_LIST *const part = add_partition(head, "", 0);
+	put(part->szType, "\xc3(\xc0\x80\xf5");
+	put(part->szMountPoint, "/\xe2\x82/\xf0\x9f\x92\xbe");
+	part->nTotalSpace = 1;
+	part->nUsedSpace = 18446744073709551615u;
+	part->bActive = 1;
+	add_partition(head, "/dev/sda", 4294967295u);
+	*length = 2;
+	return 0;
+}
+
+static int links_beyond_length(void **head, int *length)
+{
+	add_disk(head, "/dev/sda");
+	add_disk(head, "/dev/sdb");
+	add_disk(head, "/dev/sdc");
+	*length = 1;
+	return 0;
+}
+
+static int length_beyond_links(void **head, int *length)
+{
+	add_disk(head, "/dev/sda");
+	add_disk(head, "/dev/sdb");
+	*length = 5;
+	return 0;
+}
+
+static int negative_length(void **head, int *length)
+{
+	add_disk(head, "/dev/sda");
+	*length = -1;
+	return 0;
+}
+
+/* A disk for every number in FAKE_PLUGIN_SIZES. */
+static int sized_disks(void **head, int *length)
+{
+	const char *text = getenv("FAKE_PLUGIN_SIZES");
+	char *end;
+	for (; text && *text; text = end) {
+		add_disk(head, "/dev/sda")->nSize = strtoull(text, &end, 10);
+		++*length;
+	}
+	return 0;
+}
+
+typedef int answer(void **head, int *length);
+
+static const struct {
+	const char *name;
+	answer *disks, *partitions, *cdroms;
+} cases[] = {
+	{"plain", plain_disks, plain_partitions, plain_cdroms},
+	{"empty", no_items, no_items, no_items},
+	{"failing", failure, failure, failure},
+	{"partial", plain_disks, partitions_then_failure, plain_cdroms},
+	{"hostile", hostile_disks, hostile_partitions, no_items},
+	{"links-beyond-length", links_beyond_length, no_items, no_items},
+	{"length-beyond-links", length_beyond_links, no_items, no_items},
+	{"negative-length", negative_length, no_items, no_items},
+	{"sizes", sized_disks, no_items, no_items},
+};
+
+/* A descriptor opened now gets the number that a device would get. */
+static void look_at_descriptors(void)
+{
+	const int descriptor = open("/dev/null", O_RDONLY);
+	if (descriptor < lowest_descriptor)
+		lowest_descriptor = descriptor;
+	close(descriptor);
+}
+
+int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
+{
+	const char *const name = getenv("FAKE_PLUGIN_CASE");
+	size_t i = 0;
+	answer *make_answer;
+	int status;
+
+	look_at_descriptors();
+	while (i < sizeof cases / sizeof *cases && strcmp(cases[i].name, name ? name : "plain") != 0)
+		i++;
+	if (i == sizeof cases / sizeof *cases || queries == MAX_LISTS || *result || *length)
+		abort();
+	make_answer = cmd->nCommand == CMD_GET_DISKS        ? cases[i].disks
+	              : cmd->nCommand == CMD_GET_PARTITIONS ? cases[i].partitions
+	              : cmd->nCommand == CMD_GET_CDROMS     ? cases[i].cdroms
+	                                                    : failure;
+	status = make_answer(result, length);
+	out[queries].head = *result;
+	out[queries++].query = cmd->nCommand;
+	return status;
+}
+
+static void *next_of(void *record, UINT query)
+{
+	switch (query) {
+	case CMD_GET_DISKS:
+		return ((STORAGE_DISK_LIST *)record)->next;
+	case CMD_GET_PARTITIONS:
+		return ((STORAGE_PART_LIST *)record)->next;
+	default:
+		return ((STORAGE_CDROM_LIST *)record)->next;
+	}
+}
+
+int SetItemInfo(const IPMICOMMAND *cmd, void **result)
+{
+	int i = 0;
+
+	releases++;
+	while (i < queries && !(out[i].query + 1 == cmd->nCommand && out[i].head == *result))
+		i++;
+	if (i == queries) {
+		wrong++;
+		return -1;
+	}
+	while (*result) {
+		void *const record = *result;
+		*result = next_of(record, out[i].query);
+		free(record);
+		live--;
+	}
+	out[i].head = NULL;
+	return 0;
+}
+
+static const char *variable(const char *name)
+{
+	const char *const value = getenv(name);
+	return value ? value : "";
+}
+
+__attribute__((destructor)) static void report(void)
+{
+	const char *const name = getenv("FAKE_PLUGIN_REPORT");
+	FILE *const file = name ? fopen(name, "w") : NULL;
+	if (!file)
+		return;
+	fprintf(file, "queries %d\nreleases %d\nlive %d\nwrong %d\n", queries, releases, live, wrong);
+	fprintf(file, "lowest_descriptor %d\n", lowest_descriptor);
+	fprintf(file, "LD_PRELOAD %s\nREPLAY_SYSROOT %s\n", variable("LD_PRELOAD"),
+	        variable("REPLAY_SYSROOT"));
+	fclose(file);
+}

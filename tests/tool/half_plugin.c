@@ -1,0 +1,8 @@
+/* A library that can be asked but takes nothing back: no plug-in. */
+#include "diskscout.h"
+
+int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
+{
+	(void)cmd, (void)result, (void)length;
+	return -1;
+}

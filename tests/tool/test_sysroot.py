@@ -1,0 +1,140 @@
+"""Captured hosts."""
+
+import json
+import shutil
+
+import pytest
+from conftest import complaint
+
+HOST = """\
+device /dev/sda
+	BLKGETSIZE 65536
+	HDIO_GETGEO 2 32 1024
+	SCSI_IOCTL_GET_IDLUN 0x00000001
+	SCSI_IOCTL_SEND_COMMAND fails EINVAL
+	table 0
+		entry 80 83 64 1024
+device /dev/sda1
+	BLKGETSIZE 1024
+	HDIO_GETGEO 2 32 1024 64
+	SCSI_IOCTL_GET_IDLUN 0x00000001
+	SCSI_IOCTL_SEND_COMMAND fails EINVAL
+mount /data 1024 500 400
+"""
+SCSI = """\
+Attached devices:
+Host: scsi0 Channel: 00 Id: 01 Lun: 00
+  Vendor: ACME     Model: TINY DISK        Rev: 1.02
+  Type:   Direct-Access                    ANSI  SCSI revision: 02
+"""
+PARTITIONS = """\
+major minor  #blocks  name
+
+   8        0      32768 sda
+   8        1        512 sda1
+"""
+
+
+@pytest.fixture
+def host(tmp_path):
+    directory = tmp_path / "host"
+    (directory / "proc" / "scsi").mkdir(parents=True)
+    (directory / "etc").mkdir()
+    (directory / "host.txt").write_text(HOST)
+    (directory / "proc" / "scsi" / "scsi").write_text(SCSI)
+    (directory / "proc" / "partitions").write_text(PARTITIONS)
+    (directory / "etc" / "mtab").write_text("/dev/sda1 /data ext3 rw 0 0\n")
+    return directory
+
+
+def test_captured_host_as_tables(tool, host):
+    result = tool.run("list", "--sysroot", host)
+    assert (result.returncode, result.stderr) == (0, "")
+    assert result.stdout == (
+        "DISKS\n"
+        "DEVICE    BUS   ADDRESS      SIZE  VENDOR  MODEL      SERIAL  FIRMWARE  PARTITIONS  EXTENDED  SYSTEM\n"
+        "/dev/sda  SCSI  0:0:1:0  32.0 MiB  ACME    TINY DISK  -       1.02               1         0\n"
+        "\n"
+        "PARTITIONS\n"
+        "DEVICE     TYPE               BOOT  FIRST SECTOR       SIZE  FILE SYSTEM  MOUNT POINTS      TOTAL"
+        "       USED  SYSTEM\n"
+        "/dev/sda1  Primary Partition  yes             64  512.0 KiB  ext3         /data         500.0 KiB"
+        "  100.0 KiB\n"
+        "\n"
+        "CD-ROMS\n"
+        "No CD-ROM drive was found.\n"
+    )
+
+
+def test_options_reach_the_second_start(tool, host):
+    result = tool.run("--sysroot", host, "list", "cdroms", "--json", "disks")
+    assert (result.returncode, result.stderr) == (0, "")
+    document = json.loads(result.stdout)
+    assert list(document) == ["format", "disks", "cdroms", "failed"]
+    assert [disk["model"] for disk in document["disks"]] == ["TINY DISK"]
+
+
+def test_status_of_the_second_start_is_ours(tool, host):
+    # The extended partition begins where the disk can no longer be read.
+    chained = HOST.replace("entry 80 83 64 1024", "entry 00 05 100 1024")
+    (host / "host.txt").write_text(chained.replace("\ttable 0", "\tends 100\n\ttable 0"))
+    result = tool.run("list", "partitions", "--sysroot", host)
+    assert complaint(result, 1) == "the partition query failed; it found nothing before"
+
+
+def test_environment_of_the_second_start(tool, host, tmp_path):
+    env = {
+        "LD_PRELOAD": str(tool.half_plugin),
+        "REPLAY_SYSROOT": str(tmp_path / "stale"),
+        # A sanitized program does not start behind the caller's own preload otherwise.
+        "ASAN_OPTIONS": "verify_asan_link_order=0",
+    }
+    result = tool.fake("plain", "list", "--sysroot", "host", env=env, cwd=tmp_path)
+    assert (result.returncode, result.stderr) == (0, "")
+    assert tool.report["LD_PRELOAD"] == f"{tool.replay}:{tool.half_plugin}"
+    assert tool.report["REPLAY_SYSROOT"] == str(host)
+
+
+def test_without_sysroot_the_environment_stays(tool, tmp_path):
+    tool.fake("plain", "list", env={"REPLAY_SYSROOT": "stale"}, cwd=tmp_path)
+    assert tool.report["LD_PRELOAD"] == ""
+    assert tool.report["REPLAY_SYSROOT"] == "stale"
+
+
+def test_directory_without_a_table(tool, tmp_path):
+    message = complaint(tool.run("list", "--sysroot", tmp_path), 2)
+    assert message == f"{tmp_path} is no captured host: it has no host.txt"
+
+
+def test_malformed_table_names_its_line(tool, host):
+    (host / "host.txt").write_text("device /dev/sda\n\tfrobnicate 1\n")
+    result = tool.run("list", "--sysroot", host)
+    assert (result.returncode, result.stdout) == (2, "")
+    assert f"{host}/host.txt:2: " in result.stderr
+
+
+def test_missing_replay_library(tool, host, tmp_path):
+    program = tool.copy_program(tmp_path / "bin")
+    result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
+    assert "diskscout-replay.so" in complaint(result, 2)
+
+
+def test_replay_library_that_cannot_be_loaded(tool, host, tmp_path):
+    # The running host must not be shown in place of the captured one.
+    program = tool.copy_program(tmp_path / "bin")
+    (tmp_path / "bin" / "diskscout-replay.so").write_text("no library\n")
+    result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
+    assert (result.returncode, result.stdout) == (2, "")
+    assert result.stderr.endswith(
+        "diskscout: the replay library was not loaded, so the captured host cannot be shown\n"
+    )
+
+
+@pytest.mark.parametrize("name", ["my programs", "my:programs"])
+def test_replay_library_that_the_loader_cannot_name(tool, host, tmp_path, name):
+    program = tool.copy_program(tmp_path / name)
+    shutil.copy2(tool.replay, tmp_path / name)
+    result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
+    message = complaint(result, 2)
+    assert "its path has a blank or a colon" in message
+    assert str(tmp_path / name / "diskscout-replay.so") in message
