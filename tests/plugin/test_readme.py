@@ -13,7 +13,8 @@ def readme(source_dir):
 
 
 def blocks(readme, language=""):
-    return re.findall(rf"^```{language}\n(.*?)^```$", readme, re.MULTILINE | re.DOTALL)
+    fenced = re.findall(r"^```(\w*)\n(.*?)^```$", readme, re.MULTILINE | re.DOTALL)
+    return [text for name, text in fenced if name == language]
 
 
 def replayed(build_dir, source_dir):

@@ -182,7 +182,7 @@ static int hostile_partitions(void **head, int *length)
 {
 	STORAGE_PART_LIST *const part = add_partition(head, "", 0);
 	put(part->szType, "\xc3(\xc0\x80\xf5");
-	put(part->szMountPoint, "/\xe2\x82/\xf0\x9f\x92\xbe");
+	put(part->szMountPoint, "/\xe2\x82/\xf0\x90\x8d\x88");
 	part->nTotalSpace = 1;
 	part->nUsedSpace = 18446744073709551615u;
 	part->bActive = 1;

@@ -88,7 +88,7 @@ def test_bytes_that_are_no_text_do_not_take_their_neighbours_along(tool):
     assert tool.fake_table("hostile", "partitions").splitlines() == [
         "PARTITIONS",
         "DEVICE              TYPE   BOOT  FIRST SECTOR  SIZE  FILE SYSTEM  MOUNT POINTS  TOTAL      USED  SYSTEM",
-        "-                   ?(???  yes              0     -  -            /??/💾          1 B  16.0 EiB",
+        "-                   ?(???  yes              0     -  -            /??/𐍈           1 B  16.0 EiB",
         "/dev/sda4294967296  -                       0     -  -            -                 -         -",
     ]
 
