@@ -10,7 +10,8 @@
 #include <malloc.h>
 #include <sys/wait.h>
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// Of the sanitizer's allocator; not every compiler brings the header that declares it.
+extern "C" size_t __sanitizer_get_current_allocated_bytes(void);
 #endif
 
 namespace

@@ -23,10 +23,8 @@ void occupy_standard_descriptors()
 
 bool write_output(std::string_view text)
 {
-	// Some file systems tell only at the close that there was no room.
-	const bool written =
-		fwrite(text.data(), 1, text.size(), stdout) == text.size() && fflush(stdout) == 0;
-	if (written && fclose(stdout) == 0)
+	// The last of it leaves at the close, and some file systems tell only then that there was no room.
+	if (fwrite(text.data(), 1, text.size(), stdout) == text.size() && fclose(stdout) == 0)
 		return true;
 	complain(fmt::format("the output cannot be written: {}", strerror(errno)));
 	return false;

@@ -19,7 +19,7 @@ template <std::size_t Size> std::string text_of(const char (&field)[Size])
  */
 std::string printable(std::string_view text);
 
-/* Columns that a printable text takes, one a character. */
+/* Columns that a printable text takes: one a character; only a locale would know the wide ones. */
 std::size_t width_of(std::string_view printable_text);
 
 /*
