@@ -141,10 +141,12 @@ static bool assemble_disk(exe_disk_t *disk, const procblk_dev_t &dev, const disk
 	return true;
 }
 
-// How many partitions the kernel lists of every disk of one query.
+// How many partitions the kernel lists of every disk of one query, by the disk's slot. The names stand close
+// together here, because every line of the table is compared with all of them.
 struct partition_counts_t {
-	const procblk_devlist_t *disks;
+	int disks;
 	struct {
+		str_t name;
 		int all;
 		int extended;
 	} of[list_capacity<procblk_devlist_t>()];
@@ -153,16 +155,25 @@ struct partition_counts_t {
 static int count_partition(const procblk_dev_t *dev, void *context)
 {
 	auto *counts = static_cast<partition_counts_t *>(context);
-	for (const procblk_dev_t &disk : live_items(*counts->disks)) {
-		auto &of = counts->of[disk.index];
+	for (int i = 0; dev->part != 0 && i < counts->disks; i++) {
+		auto &of = counts->of[i];
 		// A list of one disk's partitions would hold no more.
-		if (dev->part == 0 || strcmp(dev->name, disk.name) != 0 ||
-		    of.all == list_capacity<procblk_devlist_t>())
+		if (strcmp(dev->name, of.name) != 0 || of.all == list_capacity<procblk_devlist_t>())
 			continue;
 		of.all++;
 		of.extended += dev->size == EXTENDED_LISTED_SIZE;
 	}
 	return 0;
+}
+
+// One more look at the table counts for all disks: a look for each would cost more than all else.
+static void count_partitions(partition_counts_t *counts, const procblk_devlist_t &disks)
+{
+	b0(counts, sizeof *counts);
+	counts->disks = disks.num;
+	for (const procblk_dev_t &disk : live_items(disks))
+		str_copy(counts->of[disk.index].name, disk.name);
+	walk_procblk(count_partition, counts);
 }
 
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
@@ -172,9 +183,8 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 	CLEARED_BY_CALLEE disk_sources_t sources;
 	parse_procblk_devlist(&devices, filter_procblk_is_disk, nullptr);
 	read_disk_sources(&sources);
-	// One more look at the table counts for all disks: a look for each would cost more than all else.
-	partition_counts_t counts = {&devices, {}};
-	walk_procblk(count_partition, &counts);
+	CLEARED_BY_CALLEE partition_counts_t counts;
+	count_partitions(&counts, devices);
 
 	int result = 0;
 	CLEARED_BY_CALLEE exe_disk_t disk;
@@ -311,9 +321,26 @@ static bool is_hidden(const exe_vollist_t &vols, int slot)
 	return false;
 }
 
-static void join_volumes(exe_part_t *part, const exe_vollist_t &vols)
+// The volumes that can belong to partitions of one disk, in list order.
+struct disk_volumes_t {
+	const exe_vollist_t *all;
+	const exe_vol_t *on_disk[list_capacity<exe_vollist_t>()];
+	int num;
+};
+
+static disk_volumes_t select_volumes(const exe_vollist_t &vols, std::string_view disk)
 {
-	for (const exe_vol_t &vol : live_items(vols)) {
+	disk_volumes_t selected = {&vols, {}, 0};
+	for (const exe_vol_t &vol : live_items(vols))
+		if (strncmp(vol.devpath, disk.data(), disk.size()) == 0)
+			selected.on_disk[selected.num++] = &vol;
+	return selected;
+}
+
+static void join_volumes(exe_part_t *part, const disk_volumes_t &vols)
+{
+	for (int i = 0; i < vols.num; i++) {
+		const exe_vol_t &vol = *vols.on_disk[i];
 		if (strcmp(vol.devpath, part->devpath) != 0)
 			continue;
 		if (vol.sys)
@@ -321,7 +348,7 @@ static void join_volumes(exe_part_t *part, const exe_vollist_t &vols)
 		if (part->mntpath[0] != '\0')
 			str_append(part->mntpath, ";");
 		str_append(part->mntpath, vol.mntpath);
-		if (is_hidden(vols, vol.index))
+		if (is_hidden(*vols.all, vol.index))
 			continue;
 		part->volid = vol.volid;
 		part->volspace = vol.volspace;
@@ -329,7 +356,7 @@ static void join_volumes(exe_part_t *part, const exe_vollist_t &vols)
 }
 
 // Fills what the entry tells; the record holds the disk's path and what the partition before has left.
-static void assemble_part(exe_part_t *part, const part_t &entry, const exe_vollist_t &vols)
+static void assemble_part(exe_part_t *part, const part_t &entry, const disk_volumes_t &vols)
 {
 	part->part_index = entry.part_index;
 	part->type = entry.type;
@@ -354,17 +381,18 @@ int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
 	if (read_disk_partlist(disk, &entries) != 0)
 		return -1;
 
+	const disk_volumes_t on_disk = select_volumes(vols, disk);
 	exe_part_t part = {};
 	str_copy(part.disk, disk);
 	for (const part_t &entry : live_items(entries)) {
-		assemble_part(&part, entry, vols);
+		assemble_part(&part, entry, on_disk);
 		if (take(&part, context) != 0)
 			return -1;
 	}
 	return 0;
 }
 
-struct collector_t {
+struct part_collector_t {
 	exe_partlist_t *list;
 	filter_func_t filter;
 	const void *arg;
@@ -372,7 +400,7 @@ struct collector_t {
 
 static int collect(const exe_part_t *part, void *context)
 {
-	const auto *to = static_cast<const collector_t *>(context);
+	const auto *to = static_cast<const part_collector_t *>(context);
 	return keeps(to->filter, part, to->arg) ? list_add(to->list, LIST_FIRST_FREE, *part) : 0;
 }
 
@@ -383,6 +411,6 @@ int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func
 	CLEARED_BY_CALLEE exe_vollist_t own;
 	if (!vols && get_exe_vollist(&own, nullptr, nullptr) != 0)
 		return -1;
-	collector_t to = {list, filter, arg};
+	part_collector_t to = {list, filter, arg};
 	return walk_exe_parts(disk, vols ? *vols : own, collect, &to);
 }

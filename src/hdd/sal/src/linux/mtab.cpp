@@ -38,7 +38,7 @@ int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *con
 	return table ? walk_entries(table.get(), take, context) : -1;
 }
 
-struct collector_t {
+struct mtab_collector_t {
 	mtab_mntlist_t *list;
 	filter_func_t filter;
 	const void *arg;
@@ -46,14 +46,14 @@ struct collector_t {
 
 static int collect(const mtab_mnt_t *mnt, void *context)
 {
-	const auto *to = static_cast<const collector_t *>(context);
+	const auto *to = static_cast<const mtab_collector_t *>(context);
 	return keeps(to->filter, mnt, to->arg) && list_add(to->list, LIST_FIRST_FREE, *mnt) != 0 ? -2 : 0;
 }
 
 int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	collector_t to = {list, filter, arg};
+	mtab_collector_t to = {list, filter, arg};
 	return walk_mtab(MTAB_PIPE, collect, &to);
 }
 

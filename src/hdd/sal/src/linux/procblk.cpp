@@ -55,7 +55,7 @@ int walk_procblk(int (*take)(const procblk_dev_t *dev, void *context), void *con
 	return result;
 }
 
-struct collector_t {
+struct procblk_collector_t {
 	procblk_devlist_t *list;
 	filter_func_t filter;
 	const void *arg;
@@ -63,14 +63,14 @@ struct collector_t {
 
 static int collect(const procblk_dev_t *dev, void *context)
 {
-	const auto *to = static_cast<const collector_t *>(context);
+	const auto *to = static_cast<const procblk_collector_t *>(context);
 	return keeps(to->filter, dev, to->arg) ? list_add(to->list, to->list->num, *dev) : 0;
 }
 
 int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	collector_t to = {list, filter, arg};
+	procblk_collector_t to = {list, filter, arg};
 	return walk_procblk(collect, &to);
 }
 
