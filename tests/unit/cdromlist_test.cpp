@@ -30,8 +30,9 @@ using ::testing::ElementsAre;
 
 TEST_F(CdromlistTest, MountedDrive)
 {
-	host.ide_drive("hdc", "cdrom", "QEMU DVD-ROM", "QM00003", "2.5+");
-	host.file("/etc/mtab", "/dev/hda1 / ext3 rw 0 0\n/dev/hdc /cdrom iso9660 ro 0 0\n/dev/hdc /other udf ro 0 0\n");
+	host.ide_drive("hdc", "cdrom", "EXAMPLE DVD", "SN00003", "2.5+");
+	host.file("/etc/mtab",
+	          "/dev/hda1 / ext3 rw 0 0\n/dev/hdc /cdrom iso9660 ro 0 0\n/dev/hdc /other udf ro 0 0\n");
 	host.table("mount /cdrom 2048 194 100 50\n");
 	EXPECT_EQ(get(), 0);
 	expect_shape(*list, 1, 1, 16);
@@ -40,8 +41,8 @@ TEST_F(CdromlistTest, MountedDrive)
 	EXPECT_TRUE(is_zero(cdrom.idlun));
 	EXPECT_EQ(cdrom.devid.bus, 'i');
 	EXPECT_EQ(text_of(cdrom.devid.vendor), "");
-	EXPECT_EQ(text_of(cdrom.devid.model), "QEMU DVD-ROM");
-	EXPECT_EQ(text_of(cdrom.devid.sn), "QM00003");
+	EXPECT_EQ(text_of(cdrom.devid.model), "EXAMPLE DVD");
+	EXPECT_EQ(text_of(cdrom.devid.sn), "SN00003");
 	EXPECT_EQ(text_of(cdrom.devid.rev), "2.5+");
 	EXPECT_EQ(text_of(cdrom.mntpath), "/cdrom");
 	EXPECT_EQ(text_of(cdrom.volid.fsname), "iso9660");
@@ -86,7 +87,10 @@ TEST_F(CdromlistTest, NoDirectoryOfDrives)
 
 TEST_F(CdromlistTest, OnlyIdeDrivesOfThatMedia)
 {
-	host.ide_drive("hda", "disk").ide_drive("hdb", "cdrom").ide_drive("hdc", "cdroms").ide_drive("hdd", "CDROM");
+	host.ide_drive("hda", "disk")
+		.ide_drive("hdb", "cdrom")
+		.ide_drive("hdc", "cdroms")
+		.ide_drive("hdd", "CDROM");
 	host.ide_drive("hdt16", "cdrom").ide_drive("hdu", "cdrom").ide_drive("hda17", "cdrom");
 	host.ide_drive("hde", "cdrom").remove("/proc/ide/ide0/hde/model");
 	host.file("/proc/scsi/scsi", SCSI_HEADING + scsi_block(1, "A", "B", "1", "CD-ROM"));
@@ -99,7 +103,8 @@ TEST_F(CdromlistTest, IdeTableHolds8Drives)
 	for (char letter = 'a'; letter <= 'j'; letter++)
 		host.ide_drive(std::string("hd") + letter, letter < 'c' ? "disk" : "cdrom");
 	EXPECT_EQ(get(), 0);
-	EXPECT_THAT(paths(), ElementsAre("/dev/hdc", "/dev/hdd", "/dev/hde", "/dev/hdf", "/dev/hdg", "/dev/hdh"));
+	EXPECT_THAT(paths(),
+	            ElementsAre("/dev/hdc", "/dev/hdd", "/dev/hde", "/dev/hdf", "/dev/hdg", "/dev/hdh"));
 }
 
 struct link_row_t {
@@ -116,7 +121,10 @@ class CdromLink : public CdromlistTest, public ::testing::WithParamInterface<lin
 TEST_P(CdromLink, LeadsToTheMount)
 {
 	const link_row_t &row = GetParam();
-	host.ide_drive("hdc", "cdrom").ide_drive("hdd", "cdrom").file("/etc/mtab", row.mtab).directory("/dev");
+	host.ide_drive("hdc", "cdrom")
+		.ide_drive("hdd", "cdrom")
+		.file("/etc/mtab", row.mtab)
+		.directory("/dev");
 	if (row.target)
 		host.link("/dev/cdrom", row.target);
 	EXPECT_EQ(get(), 0);
@@ -129,14 +137,17 @@ const char *const LINK_MOUNTED = "/dev/cdrom /cdrom iso9660 ro 0 0\n/dev/cdrom /
 
 INSTANTIATE_TEST_SUITE_P(
 	Links, CdromLink,
-	::testing::Values(link_row_t{"hdc", LINK_MOUNTED, "/cdrom", ""}, link_row_t{"hdd", LINK_MOUNTED, "", "/cdrom"},
-			  link_row_t{"/dev/hdc", LINK_MOUNTED, "/cdrom", ""},
-			  link_row_t{"../x/hdd", LINK_MOUNTED, "", "/cdrom"}, link_row_t{"hde", LINK_MOUNTED, "", ""},
-			  link_row_t{"hdc1", LINK_MOUNTED, "", ""}, link_row_t{"hdc/", LINK_MOUNTED, "", ""},
-			  link_row_t{nullptr, LINK_MOUNTED, "", ""},
-			  // The drive's own name goes before the link.
-			  link_row_t{"hdc", "/dev/cdrom /cdrom iso9660 ro 0 0\n/dev/hdc /own iso9660 ro 0 0\n", "/own", ""},
-			  link_row_t{"hdc", "/dev/dvd /cdrom iso9660 ro 0 0\n", "", ""}));
+	::testing::Values(link_row_t{"hdc", LINK_MOUNTED, "/cdrom", ""},
+                          link_row_t{"hdd", LINK_MOUNTED, "", "/cdrom"},
+                          link_row_t{"/dev/hdc", LINK_MOUNTED, "/cdrom", ""},
+                          link_row_t{"../x/hdd", LINK_MOUNTED, "", "/cdrom"},
+                          link_row_t{"hde", LINK_MOUNTED, "", ""}, link_row_t{"hdc1", LINK_MOUNTED, "", ""},
+                          link_row_t{"hdc/", LINK_MOUNTED, "", ""}, link_row_t{nullptr, LINK_MOUNTED, "", ""},
+                          // The drive's own name goes before the link.
+                          link_row_t{"hdc",
+                                     "/dev/cdrom /cdrom iso9660 ro 0 0\n/dev/hdc /own iso9660 ro 0 0\n",
+                                     "/own", ""},
+                          link_row_t{"hdc", "/dev/dvd /cdrom iso9660 ro 0 0\n", "", ""}));
 
 TEST_F(CdromlistTest, MountsBehindThe32ndAreNotSeen)
 {

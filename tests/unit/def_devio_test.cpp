@@ -65,21 +65,22 @@ TEST_P(Maminame, Converts)
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, Maminame,
-			 ::testing::Values(name_row_t{"08:11", 0, 0x811}, name_row_t{"00:00", 0, 0},
-					   name_row_t{"ff:ff", 0, 0xffff}, name_row_t{"FF:fF", 0, 0xffff},
-					   name_row_t{"9a:Bc", 0, 0x9abc}, name_row_t{"/dev/xx/0A:fF", 0, 0xaff},
-					   name_row_t{"/08:11", 0, 0x811}));
+                         ::testing::Values(name_row_t{"08:11", 0, 0x811}, name_row_t{"00:00", 0, 0},
+                                           name_row_t{"ff:ff", 0, 0xffff}, name_row_t{"FF:fF", 0, 0xffff},
+                                           name_row_t{"9a:Bc", 0, 0x9abc},
+                                           name_row_t{"/dev/xx/0A:fF", 0, 0xaff},
+                                           name_row_t{"/08:11", 0, 0x811}));
 
 INSTANTIATE_TEST_SUITE_P(NoNames, Maminame,
-			 ::testing::Values(name_row_t{"8:11", -1, 0}, name_row_t{"08-11", -1, 0},
-					   name_row_t{"0g:11", -1, 0}, name_row_t{"g0:11", -1, 0},
-					   name_row_t{"08:1g", -1, 0}, name_row_t{"08:g1", -1, 0},
-					   name_row_t{"08:111", -1, 0}, name_row_t{"008:11", -1, 0},
-					   name_row_t{" 8:11", -1, 0}, name_row_t{"08:1", -1, 0},
-					   name_row_t{"08:1 ", -1, 0}, name_row_t{"08:11/", -1, 0},
-					   name_row_t{"08:11\n", -1, 0}, name_row_t{"0::11", -1, 0},
-					   name_row_t{"@8:11", -1, 0}, name_row_t{"G8:11", -1, 0},
-					   name_row_t{"", -1, 0}, name_row_t{"/", -1, 0}));
+                         ::testing::Values(name_row_t{"8:11", -1, 0}, name_row_t{"08-11", -1, 0},
+                                           name_row_t{"0g:11", -1, 0}, name_row_t{"g0:11", -1, 0},
+                                           name_row_t{"08:1g", -1, 0}, name_row_t{"08:g1", -1, 0},
+                                           name_row_t{"08:111", -1, 0}, name_row_t{"008:11", -1, 0},
+                                           name_row_t{" 8:11", -1, 0}, name_row_t{"08:1", -1, 0},
+                                           name_row_t{"08:1 ", -1, 0}, name_row_t{"08:11/", -1, 0},
+                                           name_row_t{"08:11\n", -1, 0}, name_row_t{"0::11", -1, 0},
+                                           name_row_t{"@8:11", -1, 0}, name_row_t{"G8:11", -1, 0},
+                                           name_row_t{"", -1, 0}, name_row_t{"/", -1, 0}));
 
 TEST(DefDevio, PartitionTableEntryIsAsOnDisk)
 {

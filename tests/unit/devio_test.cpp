@@ -36,57 +36,62 @@ TEST_P(OkDevname, Names)
 INSTANTIATE_TEST_SUITE_P(
 	Ide, OkDevname,
 	::testing::Values(ok_row_t{"hda", "hda"}, ok_row_t{"hda1", "hda1"}, ok_row_t{"hda16", "hda16"},
-			  ok_row_t{"hda17", nullptr}, ok_row_t{"hda0", nullptr}, ok_row_t{"hda016", "hda16"},
-			  ok_row_t{"/dev/hdb3", "hdb3"}, ok_row_t{"hdt", "hdt"}, ok_row_t{"hdt5", "hdt5"},
-			  ok_row_t{"hdt16", "hdt16"}, ok_row_t{"hdu", nullptr}, ok_row_t{"hdu1", nullptr},
-			  ok_row_t{"hd", nullptr}, ok_row_t{"hdA", nullptr}, ok_row_t{"HDA", nullptr},
-			  ok_row_t{"hda4294967297", nullptr}, ok_row_t{"hda18446744073709551617", nullptr}));
+                          ok_row_t{"hda17", nullptr}, ok_row_t{"hda0", nullptr}, ok_row_t{"hda016", "hda16"},
+                          ok_row_t{"/dev/hdb3", "hdb3"}, ok_row_t{"hdt", "hdt"}, ok_row_t{"hdt5", "hdt5"},
+                          ok_row_t{"hdt16", "hdt16"}, ok_row_t{"hdu", nullptr}, ok_row_t{"hdu1", nullptr},
+                          ok_row_t{"hd", nullptr}, ok_row_t{"hdA", nullptr}, ok_row_t{"HDA", nullptr},
+                          ok_row_t{"hda4294967297", nullptr}, ok_row_t{"hda18446744073709551617", nullptr}));
 
 INSTANTIATE_TEST_SUITE_P(
 	Scsi, OkDevname,
 	::testing::Values(ok_row_t{"sda", "sda"}, ok_row_t{"sda15", "sda15"}, ok_row_t{"sda16", nullptr},
-			  ok_row_t{"sda0", nullptr}, ok_row_t{"sdp15", "sdp15"}, ok_row_t{"sdq", "sdq"},
-			  ok_row_t{"sdz", "sdz"}, ok_row_t{"sdz15", "sdz15"}, ok_row_t{"sdaa", "sdaa"},
-			  ok_row_t{"sdaa1", "sdaa1"}, ok_row_t{"sdaz", "sdaz"}, ok_row_t{"sdba", "sdba"},
-			  ok_row_t{"sddx", "sddx"}, ok_row_t{"sddx15", "sddx15"}, ok_row_t{"sddx16", nullptr},
-			  ok_row_t{"sddy", nullptr}, ok_row_t{"sddz", nullptr}, ok_row_t{"sdea", nullptr},
-			  ok_row_t{"sd", nullptr}, ok_row_t{"sd{", nullptr}, ok_row_t{"sda4294967297", nullptr},
-			  // The first two of four letters do not count.
-			  ok_row_t{"hdaa", "sdaa"}, ok_row_t{"xxdx3", "sddx3"}, ok_row_t{"1:ab", "sdab"},
-			  ok_row_t{"/dev/disk/scab", "sdab"}));
+                          ok_row_t{"sda0", nullptr}, ok_row_t{"sdp15", "sdp15"}, ok_row_t{"sdq", "sdq"},
+                          ok_row_t{"sdz", "sdz"}, ok_row_t{"sdz15", "sdz15"}, ok_row_t{"sdaa", "sdaa"},
+                          ok_row_t{"sdaa1", "sdaa1"}, ok_row_t{"sdaz", "sdaz"}, ok_row_t{"sdba", "sdba"},
+                          ok_row_t{"sddx", "sddx"}, ok_row_t{"sddx15", "sddx15"}, ok_row_t{"sddx16", nullptr},
+                          ok_row_t{"sddy", nullptr}, ok_row_t{"sddz", nullptr}, ok_row_t{"sdea", nullptr},
+                          ok_row_t{"sd", nullptr}, ok_row_t{"sd{", nullptr},
+                          ok_row_t{"sda4294967297", nullptr},
+                          // The first two of four letters do not count.
+                          ok_row_t{"hdaa", "sdaa"}, ok_row_t{"xxdx3", "sddx3"}, ok_row_t{"1:ab", "sdab"},
+                          ok_row_t{"/dev/disk/scab", "sdab"}));
 
-INSTANTIATE_TEST_SUITE_P(
-	Raid, OkDevname,
-	::testing::Values(ok_row_t{"md0", "md0"}, ok_row_t{"/dev/md/md3", "md3"}, ok_row_t{"md255", "md255"},
-			  ok_row_t{"md256", nullptr}, ok_row_t{"md", nullptr}, ok_row_t{"md007", "md7"},
-			  ok_row_t{"md4294967296", nullptr}, ok_row_t{"md18446744073709551616", nullptr},
-			  ok_row_t{"/dev/md/3", nullptr}, ok_row_t{"mdx1", nullptr}));
+INSTANTIATE_TEST_SUITE_P(Raid, OkDevname,
+                         ::testing::Values(ok_row_t{"md0", "md0"}, ok_row_t{"/dev/md/md3", "md3"},
+                                           ok_row_t{"md255", "md255"}, ok_row_t{"md256", nullptr},
+                                           ok_row_t{"md", nullptr}, ok_row_t{"md007", "md7"},
+                                           ok_row_t{"md4294967296", nullptr},
+                                           ok_row_t{"md18446744073709551616", nullptr},
+                                           ok_row_t{"/dev/md/3", nullptr}, ok_row_t{"mdx1", nullptr}));
 
 INSTANTIATE_TEST_SUITE_P(
 	Numbers, OkDevname,
 	::testing::Values(ok_row_t{"08:11", "sdb1"}, ok_row_t{"03:41", "hdb1"}, ok_row_t{"0B:00", "0B:00"},
-			  ok_row_t{"0b:0a", "0B:0A"}, ok_row_t{"80:00", "80:00"}, ok_row_t{"87:ff", "87:FF"},
-			  ok_row_t{"/dev/xx/08:11", "sdb1"}, ok_row_t{"5b:45", "hdt5"}, ok_row_t{"5B:40", "hdt"},
-			  ok_row_t{"16:00", "hdc"}, ok_row_t{"16:50", "hdd16"}, ok_row_t{"03:10", "hda16"},
-			  ok_row_t{"03:11", "03:11"}, ok_row_t{"03:3f", "03:3F"}, ok_row_t{"03:7f", "03:7F"},
-			  ok_row_t{"03:80", "03:80"}, ok_row_t{"03:c0", "03:C0"}, ok_row_t{"08:0f", "sda15"},
-			  ok_row_t{"08:f0", "sdp"}, ok_row_t{"41:00", "sdq"}, ok_row_t{"41:90", "sdz"},
-			  ok_row_t{"41:a0", "sdaa"}, ok_row_t{"41:a1", "sdaa1"}, ok_row_t{"47:f0", "sddx"},
-			  ok_row_t{"47:ff", "sddx15"}, ok_row_t{"48:00", "48:00"}, ok_row_t{"09:00", "md0"},
-			  ok_row_t{"09:ff", "md255"}, ok_row_t{"00:00", "00:00"}, ok_row_t{"ff:ff", "FF:FF"}));
+                          ok_row_t{"0b:0a", "0B:0A"}, ok_row_t{"80:00", "80:00"}, ok_row_t{"87:ff", "87:FF"},
+                          ok_row_t{"/dev/xx/08:11", "sdb1"}, ok_row_t{"5b:45", "hdt5"},
+                          ok_row_t{"5B:40", "hdt"}, ok_row_t{"16:00", "hdc"}, ok_row_t{"16:50", "hdd16"},
+                          ok_row_t{"03:10", "hda16"}, ok_row_t{"03:11", "03:11"}, ok_row_t{"03:3f", "03:3F"},
+                          ok_row_t{"03:7f", "03:7F"}, ok_row_t{"03:80", "03:80"}, ok_row_t{"03:c0", "03:C0"},
+                          ok_row_t{"08:0f", "sda15"}, ok_row_t{"08:f0", "sdp"}, ok_row_t{"41:00", "sdq"},
+                          ok_row_t{"41:90", "sdz"}, ok_row_t{"41:a0", "sdaa"}, ok_row_t{"41:a1", "sdaa1"},
+                          ok_row_t{"47:f0", "sddx"}, ok_row_t{"47:ff", "sddx15"}, ok_row_t{"48:00", "48:00"},
+                          ok_row_t{"09:00", "md0"}, ok_row_t{"09:ff", "md255"}, ok_row_t{"00:00", "00:00"},
+                          ok_row_t{"ff:ff", "FF:FF"}));
 
-INSTANTIATE_TEST_SUITE_P(
-	Others, OkDevname,
-	::testing::Values(ok_row_t{"", nullptr}, ok_row_t{"/dev/", nullptr}, ok_row_t{"8:11", nullptr},
-			  ok_row_t{"08-11", nullptr}, ok_row_t{"0g:11", nullptr}, ok_row_t{"08:111", nullptr},
-			  ok_row_t{"c0d0p1", nullptr}, ok_row_t{"loop0", nullptr}, ok_row_t{"ram1", nullptr},
-			  ok_row_t{"sr0", nullptr}, ok_row_t{"hda1/", nullptr}));
+INSTANTIATE_TEST_SUITE_P(Others, OkDevname,
+                         ::testing::Values(ok_row_t{"", nullptr}, ok_row_t{"/dev/", nullptr},
+                                           ok_row_t{"8:11", nullptr}, ok_row_t{"08-11", nullptr},
+                                           ok_row_t{"0g:11", nullptr}, ok_row_t{"08:111", nullptr},
+                                           ok_row_t{"c0d0p1", nullptr}, ok_row_t{"loop0", nullptr},
+                                           ok_row_t{"ram1", nullptr}, ok_row_t{"sr0", nullptr},
+                                           ok_row_t{"hda1/", nullptr}));
 
 // Each name comes back from itself and from its number, so that the way to the number is seen as well.
 void expect_round_trip(const std::string &name, int major, int minor)
 {
 	expect_name(name, name.c_str());
-	expect_name(printed("%02x:%02x", static_cast<unsigned>(major), static_cast<unsigned>(minor)), name.c_str());
+	expect_name(printed("%02x:%02x", static_cast<unsigned>(major), static_cast<unsigned>(minor)),
+	            name.c_str());
 }
 
 TEST(OkDevnameRoundTrip, EveryIdeDrive)
@@ -135,9 +140,8 @@ TEST_F(DevioTest, NodeNumberIsTheLow16Bits)
 {
 	EXPECT_EQ(create_dev("/dev/node", 0xabcdffffU), 0);
 	EXPECT_EQ(create_dev("/dev/node", 0x70000U), 0);
-	EXPECT_THAT(host.log(),
-		    ::testing::ElementsAre("unlink /dev/node", "mknod /dev/node 060777 255:255",
-					   "unlink /dev/node", "mknod /dev/node 060777 0:0"));
+	EXPECT_THAT(host.log(), ::testing::ElementsAre("unlink /dev/node", "mknod /dev/node 060777 255:255",
+	                                               "unlink /dev/node", "mknod /dev/node 060777 0:0"));
 }
 
 TEST_F(DevioTest, NodeIsMadeWhenNothingWasThere)
@@ -267,9 +271,10 @@ TEST_P(Uptime, InWholeSeconds)
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, Uptime,
-			 ::testing::Values(uptime_row_t{"350.99 1200.00\n", 350}, uptime_row_t{"0.00 0.00\n", 0},
-					   uptime_row_t{"12", 12}, uptime_row_t{"123456789 5\n", 123456789},
-					   uptime_row_t{"7.1 0\n8.1 0\n", 7}, uptime_row_t{"", -1}));
+                         ::testing::Values(uptime_row_t{"350.99 1200.00\n", 350},
+                                           uptime_row_t{"0.00 0.00\n", 0}, uptime_row_t{"12", 12},
+                                           uptime_row_t{"123456789 5\n", 123456789},
+                                           uptime_row_t{"7.1 0\n8.1 0\n", 7}, uptime_row_t{"", -1}));
 
 TEST_F(DevioTest, NoUptimeFile)
 {

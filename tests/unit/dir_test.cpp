@@ -31,7 +31,8 @@ TEST_F(DirTest, ListsOnlyWhatIsSelected)
 {
 	for (const char *name : {"hdc", "ide0", "hda"})
 		host.directory(std::string("/proc/ide/") + name);
-	const Listing listing("/proc/ide", [](const dirent *entry) { return entry->d_name[0] == 'h' ? 1 : 0; });
+	const Listing listing("/proc/ide",
+	                      [](const dirent *entry) { return entry->d_name[0] == 'h' ? 1 : 0; });
 	EXPECT_TRUE(listing.is_read());
 	EXPECT_THAT(names_of(listing), ::testing::ElementsAre("hda", "hdc"));
 }

@@ -25,7 +25,7 @@ protected:
 	void node(const std::string &name, int id)
 	{
 		host.table(printed("device /dev/%s\n\tSCSI_IOCTL_GET_IDLUN 0x%08x\n", name.c_str(),
-				   static_cast<unsigned>(id)));
+		                   static_cast<unsigned>(id)));
 	}
 	std::vector<std::string> paths() const
 	{
@@ -45,9 +45,9 @@ using ::testing::IsEmpty;
 TEST_F(DisklistTest, IdeDisk)
 {
 	host.partitions("3 0 262144 hda\n3 1 131008 hda1\n3 2 1 hda2\n3 5 32768 hda5\n");
-	host.ide_drive("hda", "disk", "QEMU HARDDISK", "QM00001", "2.5+");
+	host.ide_drive("hda", "disk", "EXAMPLE DRIVE", "SN00001", "2.5+");
 	host.table("device /dev/hda\n\tBLKGETSIZE 524288\n\tHDIO_GETGEO 255 63 520\n"
-		   "\tSCSI_IOCTL_GET_IDLUN 0x01020304\n");
+	           "\tSCSI_IOCTL_GET_IDLUN 0x01020304\n");
 	EXPECT_EQ(get(), 0);
 	expect_shape(*list, 1, 1, 16);
 	const exe_disk_t &disk = list->item[0];
@@ -59,8 +59,8 @@ TEST_F(DisklistTest, IdeDisk)
 	EXPECT_TRUE(is_zero(disk.idlun));
 	EXPECT_EQ(disk.devid.bus, 'i');
 	EXPECT_EQ(text_of(disk.devid.vendor), "");
-	EXPECT_EQ(text_of(disk.devid.model), "QEMU HARDDISK");
-	EXPECT_EQ(text_of(disk.devid.sn), "QM00001");
+	EXPECT_EQ(text_of(disk.devid.model), "EXAMPLE DRIVE");
+	EXPECT_EQ(text_of(disk.devid.sn), "SN00001");
 	EXPECT_EQ(text_of(disk.devid.rev), "2.5+");
 	EXPECT_EQ(disk.partnum, 3);
 	EXPECT_EQ(disk.partnum_extended, 1);
@@ -71,10 +71,10 @@ TEST_F(DisklistTest, ScsiDisk)
 {
 	host.partitions("8 16 65536 sdb\n8 17 1 sdb1\n8 18 2 sdb2\n");
 	scsi_ = "Host: scsi1 Channel: 02 Id: 04 Lun: 03\n"
-		"  Vendor: SEAGATE  Model: ST32155N         Rev: 0528\n"
+		"  Vendor: EXAMPLE  Model: DISK2155         Rev: 0528\n"
 		"  Type:   Direct-Access                    ANSI  SCSI revision: 02\n";
 	host.table("device /dev/sdb\n\tBLKGETSIZE 131072\n\tHDIO_GETGEO 64 32 5\n"
-		   "\tSCSI_IOCTL_GET_IDLUN 0x01020304 0x99\n\tSCSI_IOCTL_SEND_COMMAND 00800004 41423132\n");
+	           "\tSCSI_IOCTL_GET_IDLUN 0x01020304 0x99\n\tSCSI_IOCTL_SEND_COMMAND 00800004 41423132\n");
 	EXPECT_EQ(get(), 0);
 	expect_shape(*list, 1, 1, 16);
 	const exe_disk_t &disk = list->item[0];
@@ -84,8 +84,8 @@ TEST_F(DisklistTest, ScsiDisk)
 	EXPECT_EQ(disk.idlun.lun, 3);
 	EXPECT_EQ(disk.idlun.id, 4);
 	EXPECT_EQ(disk.devid.bus, 's');
-	EXPECT_EQ(text_of(disk.devid.vendor), "SEAGATE");
-	EXPECT_EQ(text_of(disk.devid.model), "ST32155N");
+	EXPECT_EQ(text_of(disk.devid.vendor), "EXAMPLE");
+	EXPECT_EQ(text_of(disk.devid.model), "DISK2155");
 	EXPECT_EQ(text_of(disk.devid.rev), "0528");
 	EXPECT_EQ(text_of(disk.devid.sn), "");
 	EXPECT_EQ(disk.hdgeo.cylinders, 64U);
@@ -115,7 +115,7 @@ TEST_F(DisklistTest, OrderIsTheBlockDevices)
 TEST_F(DisklistTest, NamesAtTheBorders)
 {
 	host.partitions("91 64 9 hdt\n3 0 9 hdu\n65 144 9 sdz\n65 160 9 sdaa\n71 240 9 sddx\n72 0 9 sddy\n"
-			"9 0 9 md0\n7 0 9 loop0\n65 176 9 xxab\n");
+	                "9 0 9 md0\n7 0 9 loop0\n65 176 9 xxab\n");
 	host.ide_drive("hdt", "disk").ide_drive("hdu", "disk");
 	int id = 0;
 	for (const char *name : {"hdu", "sdz", "sdaa", "sddx", "sddy", "md0", "loop0", "xxab"})
@@ -136,7 +136,10 @@ TEST_F(DisklistTest, PartitionsAreNoDisks)
 TEST_F(DisklistTest, IdeDriveMustBeAReadableDisk)
 {
 	host.partitions("3 0 9 hda\n3 64 9 hdb\n22 0 9 hdc\n22 64 9 hdd\n33 0 9 hde\n");
-	host.ide_drive("hda", "cdrom").ide_drive("hdb", "disks").ide_drive("hdc", "Disk").ide_drive("hdd", "disk");
+	host.ide_drive("hda", "cdrom")
+		.ide_drive("hdb", "disks")
+		.ide_drive("hdc", "Disk")
+		.ide_drive("hdd", "disk");
 	host.ide_drive("hde", "disk").remove("/proc/ide/ide0/hde/media");
 	EXPECT_EQ(get(), 0);
 	EXPECT_THAT(paths(), ElementsAre("/dev/hdd"));
@@ -170,9 +173,9 @@ TEST_F(DisklistTest, ScsiDiskMustAnswerWithAKnownAddress)
 	host.partitions("8 0 9 sda\n8 16 9 sdb\n8 32 9 sdc\n8 48 9 sdd\n8 64 9 sde\n");
 	scsi_ += scsi_block(1) + scsi_block(5);
 	host.table("device /dev/sda\n\topen fails ENXIO\n\tSCSI_IOCTL_GET_IDLUN 1\n"
-		   "device /dev/sdb\n\tSCSI_IOCTL_GET_IDLUN fails EINVAL\n"
-		   "device /dev/sdc\n\tSCSI_IOCTL_GET_IDLUN 2\n"
-		   "device /dev/sde\n\tSCSI_IOCTL_GET_IDLUN 5\n");
+	           "device /dev/sdb\n\tSCSI_IOCTL_GET_IDLUN fails EINVAL\n"
+	           "device /dev/sdc\n\tSCSI_IOCTL_GET_IDLUN 2\n"
+	           "device /dev/sde\n\tSCSI_IOCTL_GET_IDLUN 5\n");
 	EXPECT_EQ(get(), 0);
 	EXPECT_THAT(paths(), ElementsAre("/dev/sde"));
 }
@@ -230,14 +233,14 @@ TEST_P(DiskGeometry, FromTheDevice)
 
 INSTANTIATE_TEST_SUITE_P(
 	Answers, DiskGeometry,
-	::testing::Values(
-		geo_row_t{"device /dev/hda\nBLKGETSIZE 8589934592\nHDIO_GETGEO 16 63 65535\n", {8521760, 16, 63, 512}},
-		geo_row_t{"device /dev/hda\nBLKGETSIZE 524288\nHDIO_GETGEO fails ENOTTY\n", {}},
-		geo_row_t{"device /dev/hda\nBLKGETSIZE fails EIO\nHDIO_GETGEO 16 63 1\n", {}},
-		geo_row_t{"device /dev/hda\nBLKGETSIZE 0\nHDIO_GETGEO 16 63 1\n", {}},
-		geo_row_t{"device /dev/hda\nBLKGETSIZE 524288\nHDIO_GETGEO 0 63 1\n", {}},
-		geo_row_t{"device /dev/hda\nBLKGETSIZE 524288\nHDIO_GETGEO 16 0 1\n", {}},
-		geo_row_t{"device /dev/hda\nopen fails ENOMEDIUM\n", {}}, geo_row_t{"", {}}));
+	::testing::Values(geo_row_t{"device /dev/hda\nBLKGETSIZE 8589934592\nHDIO_GETGEO 16 63 65535\n",
+                                    {8521760, 16, 63, 512}},
+                          geo_row_t{"device /dev/hda\nBLKGETSIZE 524288\nHDIO_GETGEO fails ENOTTY\n", {}},
+                          geo_row_t{"device /dev/hda\nBLKGETSIZE fails EIO\nHDIO_GETGEO 16 63 1\n", {}},
+                          geo_row_t{"device /dev/hda\nBLKGETSIZE 0\nHDIO_GETGEO 16 63 1\n", {}},
+                          geo_row_t{"device /dev/hda\nBLKGETSIZE 524288\nHDIO_GETGEO 0 63 1\n", {}},
+                          geo_row_t{"device /dev/hda\nBLKGETSIZE 524288\nHDIO_GETGEO 16 0 1\n", {}},
+                          geo_row_t{"device /dev/hda\nopen fails ENOMEDIUM\n", {}}, geo_row_t{"", {}}));
 
 struct system_row_t {
 	const char *mtab;
@@ -263,19 +266,20 @@ TEST_P(SystemDisk, HoldsRootOrBoot)
 INSTANTIATE_TEST_SUITE_P(
 	Mounts, SystemDisk,
 	::testing::Values(system_row_t{"", 0, 0}, system_row_t{"/dev/sda3 / ext3 rw 0 0\n", 0, 1},
-			  system_row_t{"/dev/hda1 / ext3 rw 0 0\n/dev/sda1 /boot ext2 rw 0 0\n", 1, 1},
-			  system_row_t{"/dev/sda1 /boot ext2 rw 0 0\n", 0, 1},
-			  system_row_t{"/dev/sda1 /boot/efi vfat rw 0 0\n/dev/hda1 /home ext3 rw 0 0\n", 0, 0},
-			  system_row_t{"/dev/hda / ext3 rw 0 0\n", 1, 0},
-			  system_row_t{"/dev/disk/hda9 / ext3 rw 0 0\n", 1, 0},
-			  system_row_t{"/dev/md0 / ext3 rw 0 0\n", 0, 0},
-			  system_row_t{"/dev/mapper/vg-root / ext3 rw 0 0\n", 0, 0},
-			  system_row_t{"/dev/sdaa1 / ext3 rw 0 0\n", 0, 0},
-			  // Only sources below /dev count, and of those the first.
-			  system_row_t{"sda1 / ext3 rw 0 0\n", 0, 0},
-			  system_row_t{"rootfs / rootfs rw 0 0\n/dev/hda1 / ext3 rw 0 0\n", 1, 0},
-			  system_row_t{"/dev/root / ext3 rw 0 0\n/dev/hda1 / ext3 rw 0 0\n", 0, 0},
-			  system_row_t{"/dev/hda1 / ext3 rw 0 0\n/dev/sda1 / ext3 rw 0 0\n", 1, 0}));
+                          system_row_t{"/dev/hda1 / ext3 rw 0 0\n/dev/sda1 /boot ext2 rw 0 0\n", 1, 1},
+                          system_row_t{"/dev/sda1 /boot ext2 rw 0 0\n", 0, 1},
+                          system_row_t{"/dev/sda1 /boot/efi vfat rw 0 0\n/dev/hda1 /home ext3 rw 0 0\n", 0,
+                                       0},
+                          system_row_t{"/dev/hda / ext3 rw 0 0\n", 1, 0},
+                          system_row_t{"/dev/disk/hda9 / ext3 rw 0 0\n", 1, 0},
+                          system_row_t{"/dev/md0 / ext3 rw 0 0\n", 0, 0},
+                          system_row_t{"/dev/mapper/vg-root / ext3 rw 0 0\n", 0, 0},
+                          system_row_t{"/dev/sdaa1 / ext3 rw 0 0\n", 0, 0},
+                          // Only sources below /dev count, and of those the first.
+                          system_row_t{"sda1 / ext3 rw 0 0\n", 0, 0},
+                          system_row_t{"rootfs / rootfs rw 0 0\n/dev/hda1 / ext3 rw 0 0\n", 1, 0},
+                          system_row_t{"/dev/root / ext3 rw 0 0\n/dev/hda1 / ext3 rw 0 0\n", 0, 0},
+                          system_row_t{"/dev/hda1 / ext3 rw 0 0\n/dev/sda1 / ext3 rw 0 0\n", 1, 0}));
 
 TEST_F(DisklistTest, MountsBehindThe32ndAreNotSeen)
 {
@@ -341,8 +345,11 @@ TEST_F(DisklistTest, BlockDeviceListHolds32Disks)
 
 TEST_F(DisklistTest, FilterSeesTheFinishedDisk)
 {
-	host.partitions("3 0 9 hda\n3 1 1 hda1\n3 64 9 hdb\n").ide_drive("hda", "disk").ide_drive("hdb", "disk");
-	host.table("device /dev/hda\nBLKGETSIZE 100\nHDIO_GETGEO 2 5 1\n").file("/etc/mtab", "/dev/hda1 / x rw 0 0\n");
+	host.partitions("3 0 9 hda\n3 1 1 hda1\n3 64 9 hdb\n")
+		.ide_drive("hda", "disk")
+		.ide_drive("hdb", "disk");
+	host.table("device /dev/hda\nBLKGETSIZE 100\nHDIO_GETGEO 2 5 1\n")
+		.file("/etc/mtab", "/dev/hda1 / x rw 0 0\n");
 	char wanted[] = "/dev/hda";
 	const filter_func_t other = [](const void *item, const void *arg) {
 		const auto *disk = static_cast<const exe_disk_t *>(item);

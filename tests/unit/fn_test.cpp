@@ -30,16 +30,16 @@ TEST_P(Split, IntoBaseStemAndNumber)
 
 INSTANTIATE_TEST_SUITE_P(
 	Names, Split,
-	::testing::Values(split_row_t{"/dev/sda12", "sda12", "sda", 12}, split_row_t{"sda", "sda", "sda", -1},
-			  split_row_t{"sda0", "sda0", "sda", 0}, split_row_t{"sda007", "sda007", "sda", 7},
-			  split_row_t{"c0d0p1", "c0d0p1", "c0d0p", 1},
-			  split_row_t{"/dev/cciss/c0d0", "c0d0", "c0d", 0}, split_row_t{"123", "123", "", 123},
-			  split_row_t{"", "", "", -1}, split_row_t{"/", "", "", -1},
-			  split_row_t{"/dev/", "", "", -1}, split_row_t{"a1/b", "b", "b", -1},
-			  split_row_t{"sda2147483647", "sda2147483647", "sda", INT_MAX},
-			  split_row_t{"sda2147483646", "sda2147483646", "sda", INT_MAX - 1},
-			  split_row_t{"sda4294967297", "sda4294967297", "sda", INT_MAX},
-			  split_row_t{"sda99999999999999999999999", "sda99999999999999999999999", "sda", INT_MAX}));
+	::testing::Values(
+		split_row_t{"/dev/sda12", "sda12", "sda", 12}, split_row_t{"sda", "sda", "sda", -1},
+		split_row_t{"sda0", "sda0", "sda", 0}, split_row_t{"sda007", "sda007", "sda", 7},
+		split_row_t{"c0d0p1", "c0d0p1", "c0d0p", 1}, split_row_t{"/dev/cciss/c0d0", "c0d0", "c0d", 0},
+		split_row_t{"123", "123", "", 123}, split_row_t{"", "", "", -1}, split_row_t{"/", "", "", -1},
+		split_row_t{"/dev/", "", "", -1}, split_row_t{"a1/b", "b", "b", -1},
+		split_row_t{"sda2147483647", "sda2147483647", "sda", INT_MAX},
+		split_row_t{"sda2147483646", "sda2147483646", "sda", INT_MAX - 1},
+		split_row_t{"sda4294967297", "sda4294967297", "sda", INT_MAX},
+		split_row_t{"sda99999999999999999999999", "sda99999999999999999999999", "sda", INT_MAX}));
 
 TEST(DeviceNames, IdeStems)
 {
@@ -55,7 +55,8 @@ TEST(DeviceNames, ScsiStemsOfThreeLetters)
 {
 	for (char letter = 'a'; letter <= 'z'; letter++)
 		EXPECT_TRUE(is_scsi_stem(std::string("sd") + letter)) << letter;
-	for (const char *stem : {"", "sd", "sd`", "sd{", "sdA", "hda", "hdu", "sea", "sca", "ram", "SDA", "fd"})
+	for (const char *stem :
+	     {"", "sd", "sd`", "sd{", "sdA", "hda", "hdu", "sea", "sca", "ram", "SDA", "fd"})
 		EXPECT_FALSE(is_scsi_stem(stem)) << stem;
 }
 
@@ -93,18 +94,18 @@ TEST_P(Shape, OfTheName)
 INSTANTIATE_TEST_SUITE_P(
 	Borders, Shape,
 	::testing::Values(shape_row_t{"hda", true, false}, shape_row_t{"hda1", true, false},
-			  shape_row_t{"hda16", true, false}, shape_row_t{"hda17", false, false},
-			  shape_row_t{"hda0", false, false}, shape_row_t{"hdt16", true, false},
-			  shape_row_t{"hdu", false, false}, shape_row_t{"sda", false, true},
-			  shape_row_t{"sda1", false, true}, shape_row_t{"sda15", false, true},
-			  shape_row_t{"sda16", false, false}, shape_row_t{"sda0", false, false},
-			  shape_row_t{"sdz15", false, true}, shape_row_t{"sdaa", false, true},
-			  shape_row_t{"hdaa15", false, true}, shape_row_t{"sddx15", false, true},
-			  shape_row_t{"sddx16", false, false}, shape_row_t{"sddy", false, false},
-			  shape_row_t{"sddz1", false, false}, shape_row_t{"/dev/hdc3", true, false},
-			  shape_row_t{"/dev/sdb3", false, true}, shape_row_t{"md1", false, false},
-			  shape_row_t{"hda4294967297", false, false},
-			  shape_row_t{"sda4294967297", false, false}));
+                          shape_row_t{"hda16", true, false}, shape_row_t{"hda17", false, false},
+                          shape_row_t{"hda0", false, false}, shape_row_t{"hdt16", true, false},
+                          shape_row_t{"hdu", false, false}, shape_row_t{"sda", false, true},
+                          shape_row_t{"sda1", false, true}, shape_row_t{"sda15", false, true},
+                          shape_row_t{"sda16", false, false}, shape_row_t{"sda0", false, false},
+                          shape_row_t{"sdz15", false, true}, shape_row_t{"sdaa", false, true},
+                          shape_row_t{"hdaa15", false, true}, shape_row_t{"sddx15", false, true},
+                          shape_row_t{"sddx16", false, false}, shape_row_t{"sddy", false, false},
+                          shape_row_t{"sddz1", false, false}, shape_row_t{"/dev/hdc3", true, false},
+                          shape_row_t{"/dev/sdb3", false, true}, shape_row_t{"md1", false, false},
+                          shape_row_t{"hda4294967297", false, false},
+                          shape_row_t{"sda4294967297", false, false}));
 
 TEST(FnJoin, PutsTheSeparatorBetween)
 {

@@ -24,7 +24,7 @@ static fs::path made_parent(const std::string &path)
 
 Host::Host()
 {
-	std::string name = (fs::temp_directory_path() / "diskscout-unit-XXXXXX").string();
+	std::string name = (fs::temp_directory_path() / "diskscout-unit-").string() + std::string(6, 'X');
 	if (!mkdtemp(name.data()))
 		abort();
 	top_ = name;
@@ -88,7 +88,7 @@ Host &Host::partitions(std::string_view lines)
 }
 
 Host &Host::ide_drive(const std::string &name, const std::string &media, const std::string &model,
-		      const std::string &sn, const std::string &rev)
+                      const std::string &sn, const std::string &rev)
 {
 	const std::string at = "/proc/ide/ide0/" + name;
 	file(at + "/identify", identify(sn, rev));
@@ -129,7 +129,7 @@ std::string identify(const std::string &sn, const std::string &rev)
 	std::string text;
 	for (size_t word = 0; word < 256; word++)
 		text += printed("%02x%02x%s", static_cast<unsigned char>(image[2 * word]),
-				static_cast<unsigned char>(image[2 * word + 1]), word % 8 == 7 ? "\n" : " ");
+		                static_cast<unsigned char>(image[2 * word + 1]), word % 8 == 7 ? "\n" : " ");
 	return text;
 }
 
@@ -139,12 +139,12 @@ std::string identify_lines(int lines)
 }
 
 std::string scsi_block(int id, const std::string &vendor, const std::string &model, const std::string &rev,
-		       const std::string &type)
+                       const std::string &type)
 {
 	return printed("Host: scsi0 Channel: 00 Id: %02d Lun: 00\n"
-		       "  Vendor: %-8s Model: %-16s Rev: %-4s\n"
-		       "  Type:   %-33sANSI  SCSI revision: 02\n",
-		       id, vendor.c_str(), model.c_str(), rev.c_str(), type.c_str());
+	               "  Vendor: %-8s Model: %-16s Rev: %-4s\n"
+	               "  Type:   %-33sANSI  SCSI revision: 02\n",
+	               id, vendor.c_str(), model.c_str(), rev.c_str(), type.c_str());
 }
 
 std::string repeat(std::string_view text, int times)

@@ -1,4 +1,5 @@
-// A captured host that a test builds for itself in a temporary directory, and what tests of the readers share.
+// A captured host that a test builds for itself in a temporary directory, and what tests of the readers
+// share.
 //
 //   host.file("/proc/uptime", "350.25 1200.00\n");
 //   host.table("device /dev/hda\n\tBLKGETSIZE 524288\n");
@@ -12,8 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 #include <string.h>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,7 +39,7 @@ public:
 	Host &partitions(std::string_view lines);
 	// The four files of one drive, entered in /proc/ide as the kernel does: as a link.
 	Host &ide_drive(const std::string &name, const std::string &media, const std::string &model = "MODEL",
-			const std::string &sn = "SN", const std::string &rev = "REV");
+	                const std::string &sn = "SN", const std::string &rev = "REV");
 
 	// What the program would have changed since show().
 	std::vector<std::string> log() const;
@@ -68,7 +69,7 @@ std::string identify(const std::string &sn, const std::string &rev);
 std::string identify_lines(int lines);
 // One device of /proc/scsi/scsi in the kernel's columns.
 std::string scsi_block(int id, const std::string &vendor = "ACME", const std::string &model = "DISK",
-		       const std::string &rev = "1.0", const std::string &type = "Direct-Access");
+                       const std::string &rev = "1.0", const std::string &type = "Direct-Access");
 extern const char *const SCSI_HEADING;
 
 std::string repeat(std::string_view text, int times);
@@ -137,9 +138,9 @@ unsigned low32(const void *address);
 // The line of asterisks that every dump begins with, and the line below it.
 template <class List> std::string dump_head(const List &list)
 {
-	return std::string(58, '*') +
-	       printed("\nnum=%d, num_real=%d, lmt=%d, parent=%08x, this=%08x\n", list.num, list.num_real,
-		       list.lmt, low32(list.parent), low32(&list));
+	return std::string(58, '*') + printed("\nnum=%d, num_real=%d, lmt=%d, parent=%08x, this=%08x\n",
+	                                      list.num, list.num_real, list.lmt, low32(list.parent),
+	                                      low32(&list));
 }
 
 // What the action writes to standard error.

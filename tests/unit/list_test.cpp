@@ -181,7 +181,7 @@ TEST(ListDump, ShowsTheLow32BitsOfAddresses)
 	const auto *parent = reinterpret_cast<const void *>(0x7fff00000abcUL);
 	const auto *self = reinterpret_cast<const void *>(0x1280000001UL);
 	EXPECT_EQ(stderr_of([&] { dump_list_head(3, 2, 32, parent, self); }),
-		  std::string(58, '*') + "\nnum=3, num_real=2, lmt=32, parent=00000abc, this=80000001\n");
+	          std::string(58, '*') + "\nnum=3, num_real=2, lmt=32, parent=00000abc, this=80000001\n");
 }
 
 } // namespace

@@ -33,7 +33,8 @@ protected:
 
 TEST_F(MtabTest, CopiesSourceDirectoryAndType)
 {
-	mtab("/dev/hda1 / ext3 rw,errors=remount-ro 0 1\nproc /proc proc rw 0 0\n/dev/hdc /cdrom iso9660 ro 0 0\n");
+	mtab("/dev/hda1 / ext3 rw,errors=remount-ro 0 1\nproc /proc proc rw 0 0\n/dev/hdc /cdrom iso9660 ro "
+	     "0 0\n");
 	EXPECT_EQ(parse(), 0);
 	expect_shape(*list, 3, 3, 32);
 	EXPECT_EQ(text_of(list->item[0].devpath), "/dev/hda1");
@@ -178,13 +179,14 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Sources, MtabWalk, ::testing::Values(MTAB_PIPE, MTAB_FILE),
-			 [](const auto &source) { return source.param == MTAB_PIPE ? "Pipe" : "File"; });
+                         [](const auto &source) { return source.param == MTAB_PIPE ? "Pipe" : "File"; });
 
 TEST_P(MtabWalk, TakesEveryEntryInOrder)
 {
 	mtab("/dev/hda1 / ext3 rw 0 0\n# none\n/dev/hda2 /my\\040disk xfs rw 0 0\nn /n p rw 0 0\n");
 	EXPECT_EQ(walk(), 0);
-	EXPECT_THAT(walked.seen, ::testing::ElementsAre("/dev/hda1 / ext3", "/dev/hda2 /my disk xfs", "n /n p"));
+	EXPECT_THAT(walked.seen,
+	            ::testing::ElementsAre("/dev/hda1 / ext3", "/dev/hda2 /my disk xfs", "n /n p"));
 }
 
 TEST_P(MtabWalk, HasNoBound)
@@ -238,10 +240,11 @@ TEST(MtabFilter, SourceInDev)
 		bool in_dev;
 		bool in_mnt;
 	} rows[] = {
-		{"/dev/sda1", "/mnt/disk", true, true}, {"/dev/", "/mnt/", true, true}, {"/dev", "/mnt", false, false},
-		{"/device/x", "/mntx/y", false, false}, {"proc", "/proc", false, false}, {"", "", false, false},
+		{"/dev/sda1", "/mnt/disk", true, true},   {"/dev/", "/mnt/", true, true},
+		{"/dev", "/mnt", false, false},           {"/device/x", "/mntx/y", false, false},
+		{"proc", "/proc", false, false},          {"", "", false, false},
 		{"x/dev/sda1", "/x/mnt/y", false, false}, {"/mnt/x", "/dev/x", false, false},
-		{"/dev/sda1", "/", true, false}, {"none", "/mnt/x", false, true},
+		{"/dev/sda1", "/", true, false},          {"none", "/mnt/x", false, true},
 	};
 	auto entry = std::make_unique<mtab_mnt_t>();
 	for (const auto &row : rows) {
@@ -261,8 +264,8 @@ TEST_F(MtabTest, DisplaySkipsFreeSlots)
 	list->item[1].tag = 0;
 	const unsigned self = low32(list.get());
 	EXPECT_EQ(stderr_of([&] { display_mtab_mntlist(list.get()); }),
-		  dump_head(*list) + printed("[*0 1  %08x*] dev=/dev/hda1 mnt=/ fs=ext3\n", self) +
-			  printed("[*2 1  %08x*] dev=/dev/hda2 mnt=/a b fs=vfat\n", self));
+	          dump_head(*list) + printed("[*0 1  %08x*] dev=/dev/hda1 mnt=/ fs=ext3\n", self) +
+	                  printed("[*2 1  %08x*] dev=/dev/hda2 mnt=/a b fs=vfat\n", self));
 }
 
 } // namespace

@@ -185,7 +185,8 @@ TEST_P(Choice, OfTheVolume)
 	EXPECT_EQ(get(), 0);
 	EXPECT_EQ(first().volspace.total, GetParam().chosen);
 	EXPECT_EQ(text_of(first().mntpath), GetParam().joined);
-	EXPECT_EQ(text_of(first().volid.fsname), GetParam().chosen ? "fs" + number(static_cast<long>(GetParam().chosen) - 1) : "");
+	EXPECT_EQ(text_of(first().volid.fsname),
+	          GetParam().chosen ? "fs" + number(static_cast<long>(GetParam().chosen) - 1) : "");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -263,18 +264,21 @@ TEST_F(PartlistTest, OwnVolumesThatCannotBeListed)
 {
 	disk(ONE);
 	host.file("/etc/mtab", "");
-	bool failed = false;
-	for (long nth = 1; nth <= 6 && !failed; nth++) {
+	int without_shell = 0;
+	for (long nth = 1; nth <= 8; nth++) {
 		list = soiled<exe_partlist_t>();
-		host.show();
 		replay_fail_call(nth, 0);
-		const int result = get_exe_partlist_on_disk("/dev/hda", list.get(), nullptr, nullptr, nullptr);
+		const int result =
+			get_exe_partlist_on_disk("/dev/hda", list.get(), nullptr, nullptr, nullptr);
 		replay_fail_call(0, 0);
-		// Without its line in the log the shell is what failed.
-		failed = host.log().empty() && result == -1 && replay_shells() == 0;
-		EXPECT_EQ(list->lmt, 32);
+		if (replay_shells() > 0)
+			continue;
+		// Whether it is the shell that failed or a call before it: nothing may come of it.
+		without_shell++;
+		EXPECT_EQ(result, -1) << nth;
+		expect_shape(*list, 0, 0, 32);
 	}
-	EXPECT_TRUE(failed);
+	EXPECT_GE(without_shell, 1);
 }
 
 TEST_F(PartlistTest, FilterSeesTheFinishedPartition)
@@ -303,7 +307,8 @@ TEST_F(PartlistTest, MoreThan32AreCut)
 {
 	std::string tables = "table 0\nentry 00 05 100 9999\n";
 	for (int i = 0; i < 40; i++)
-		tables += printed("table %d\nentry 00 83 1 5\nentry 00 05 %d 10\n", 100 + 10 * i, 10 * (i + 1));
+		tables +=
+			printed("table %d\nentry 00 83 1 5\nentry 00 05 %d 10\n", 100 + 10 * i, 10 * (i + 1));
 	disk(tables);
 	EXPECT_EQ(get(), 0);
 	expect_shape(*list, 32, 32, 32);
@@ -319,7 +324,8 @@ struct walk_t {
 int take(const exe_part_t *part, void *context)
 {
 	auto *walk = static_cast<walk_t *>(context);
-	walk->seen.push_back(printed("%s %s %lu %d", part->devpath, part->mntpath, part->volspace.total, part->sys));
+	walk->seen.push_back(
+		printed("%s %s %lu %d", part->devpath, part->mntpath, part->volspace.total, part->sys));
 	return part->part_index == walk->last ? 1 : 0;
 }
 
@@ -330,7 +336,8 @@ TEST_F(PartlistTest, WalkTakesEveryPartition)
 	mounted("/dev/hda3", "/long/path", 6);
 	walk_t walk = {-1, {}};
 	EXPECT_EQ(walk_exe_parts("/dev/hda", *vols, take, &walk), 0);
-	EXPECT_THAT(walk.seen, ::testing::ElementsAre("/dev/hda1 / 8 1", "/dev/hda2  0 0", "/dev/hda3 /long/path 6 0"));
+	EXPECT_THAT(walk.seen,
+	            ::testing::ElementsAre("/dev/hda1 / 8 1", "/dev/hda2  0 0", "/dev/hda3 /long/path 6 0"));
 	walk = {1, {}};
 	EXPECT_EQ(walk_exe_parts("/dev/hda", *vols, take, &walk), -1);
 	EXPECT_THAT(walk.seen, ::testing::SizeIs(2));

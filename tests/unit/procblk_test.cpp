@@ -32,7 +32,8 @@ protected:
 
 TEST_F(ProcblkTest, ReadsOneItemPerLine)
 {
-	host.partitions("   8        0   10485760 sda\n   8        1      10240 sda1\n  22        0 388 hdc\n");
+	host.partitions(
+		"   8        0   10485760 sda\n   8        1      10240 sda1\n  22        0 388 hdc\n");
 	EXPECT_EQ(parse(), 0);
 	expect_shape(*list, 3, 3, 32);
 	EXPECT_THAT(names(), ::testing::ElementsAre("sda+0", "sda+1", "hdc+0"));
@@ -67,29 +68,30 @@ TEST_P(Line, OfTheTable)
 	EXPECT_EQ(list->item[0].size, GetParam().size);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-	Names, Line,
-	::testing::Values(line_row_t{"8 1 10240 sda1", "sda", 1, 0x801, 20480},
-			  line_row_t{"9 0 1 md0", "md", 0, 0x900, 2}, line_row_t{"9 1 1 md1", "md", 1, 0x901, 2},
-			  line_row_t{"104 1 5 cciss/c0d0p1", "c0d0p", 1, 0x6801, 10},
-			  line_row_t{"104 0 5 cciss/c0d0", "c0d", 0, 0x6800, 10},
-			  line_row_t{"8 1 1 sda007", "sda", 7, 0x801, 2}, line_row_t{"8 1 1 12", "", 12, 0x801, 2},
-			  line_row_t{"7 0 1 loop10", "loop", 10, 0x700, 2}));
+INSTANTIATE_TEST_SUITE_P(Names, Line,
+                         ::testing::Values(line_row_t{"8 1 10240 sda1", "sda", 1, 0x801, 20480},
+                                           line_row_t{"9 0 1 md0", "md", 0, 0x900, 2},
+                                           line_row_t{"9 1 1 md1", "md", 1, 0x901, 2},
+                                           line_row_t{"104 1 5 cciss/c0d0p1", "c0d0p", 1, 0x6801, 10},
+                                           line_row_t{"104 0 5 cciss/c0d0", "c0d", 0, 0x6800, 10},
+                                           line_row_t{"8 1 1 sda007", "sda", 7, 0x801, 2},
+                                           line_row_t{"8 1 1 12", "", 12, 0x801, 2},
+                                           line_row_t{"7 0 1 loop10", "loop", 10, 0x700, 2}));
 
-INSTANTIATE_TEST_SUITE_P(
-	Numbers, Line,
-	::testing::Values(line_row_t{"259 256 1 sda", "sda", 0, 0x0300, 2},
-			  line_row_t{"8 511 1 sda", "sda", 0, 0x08ff, 2},
-			  line_row_t{"256 0 1 sda", "sda", 0, 0, 2}, line_row_t{"8 0 0 sda", "sda", 0, 0x800, 0},
-			  line_row_t{"8 0 2147483648 sda", "sda", 0, 0x800, 4294967296},
-			  line_row_t{"8 0 4294967295 sda", "sda", 0, 0x800, 8589934590},
-			  line_row_t{"8 0 4294967297 sda", "sda", 0, 0x800, 2}));
+INSTANTIATE_TEST_SUITE_P(Numbers, Line,
+                         ::testing::Values(line_row_t{"259 256 1 sda", "sda", 0, 0x0300, 2},
+                                           line_row_t{"8 511 1 sda", "sda", 0, 0x08ff, 2},
+                                           line_row_t{"256 0 1 sda", "sda", 0, 0, 2},
+                                           line_row_t{"8 0 0 sda", "sda", 0, 0x800, 0},
+                                           line_row_t{"8 0 2147483648 sda", "sda", 0, 0x800, 4294967296},
+                                           line_row_t{"8 0 4294967295 sda", "sda", 0, 0x800, 8589934590},
+                                           line_row_t{"8 0 4294967297 sda", "sda", 0, 0x800, 2}));
 
-INSTANTIATE_TEST_SUITE_P(
-	Blanks, Line,
-	::testing::Values(line_row_t{"8\t1\t10240\tsda1", "sda", 1, 0x801, 20480},
-			  line_row_t{"\t 8 1 10240 sda1  ", "sda", 1, 0x801, 20480},
-			  line_row_t{"8 1 10240 sda1 5 6 7 8 9 10 11 12 13 14 15", "sda", 1, 0x801, 20480}));
+INSTANTIATE_TEST_SUITE_P(Blanks, Line,
+                         ::testing::Values(line_row_t{"8\t1\t10240\tsda1", "sda", 1, 0x801, 20480},
+                                           line_row_t{"\t 8 1 10240 sda1  ", "sda", 1, 0x801, 20480},
+                                           line_row_t{"8 1 10240 sda1 5 6 7 8 9 10 11 12 13 14 15", "sda", 1,
+                                                      0x801, 20480}));
 
 TEST_F(ProcblkTest, NameIsCutAt63Characters)
 {
@@ -126,7 +128,8 @@ TEST_F(ProcblkTest, MissingTable)
 
 TEST_F(ProcblkTest, BadLinesAreSkippedAndTold)
 {
-	for (const char *line : {"8 1 1", "", "x 1 1 sda1", "8 x 1 sda1", "8 1 x sda1", "   ", "8,1,1,sda1"}) {
+	for (const char *line :
+	     {"8 1 1", "", "x 1 1 sda1", "8 x 1 sda1", "8 1 x sda1", "   ", "8,1,1,sda1"}) {
 		list = soiled<procblk_devlist_t>();
 		host.partitions("8 0 1 sda\n" + std::string(line) + "\n8 2 1 sda2\n");
 		EXPECT_EQ(parse(), -1) << line;
@@ -270,18 +273,20 @@ procblk_dev_t item_of(const char *name, int part)
 TEST(ProcblkIsDisk, DecidesByStrippedNameAndPart)
 {
 	static const disk_row_t rows[] = {
-		{"hda", 0, true},   {"hda", 1, false},   {"hda", 16, false}, {"hda", 17, false}, {"hdc", 0, true},
-		{"hdt", 0, true},   {"hdt", 1, false},   {"hdu", 0, false},  {"hd", 0, false},   {"hdA", 0, false},
-		{"sda", 0, true},   {"sda", 1, false},   {"sda", 15, false}, {"sda", 16, false}, {"sdz", 0, true},
-		{"sd{", 0, false},  {"sd`", 0, false},   {"sdaa", 0, true},  {"sdaa", 1, false}, {"hdaa", 0, true},
-		{"sddx", 0, true},  {"sddx", 3, false},  {"sddy", 0, false}, {"sddz", 0, false}, {"sdea", 0, false},
-		{"sdaaa", 0, false}, {"xxaz", 0, true},  {"loop", 0, false}, {"ram", 0, false},  {"md", 0, false},
-		{"md", 1, false},   {"c0d", 0, false},   {"sr", 0, false},   {"fd", 0, false},   {"", 0, false},
-		{"dm-", 0, false},
+		{"hda", 0, true},   {"hda", 1, false},   {"hda", 16, false}, {"hda", 17, false},
+		{"hdc", 0, true},   {"hdt", 0, true},    {"hdt", 1, false},  {"hdu", 0, false},
+		{"hd", 0, false},   {"hdA", 0, false},   {"sda", 0, true},   {"sda", 1, false},
+		{"sda", 15, false}, {"sda", 16, false},  {"sdz", 0, true},   {"sd{", 0, false},
+		{"sd`", 0, false},  {"sdaa", 0, true},   {"sdaa", 1, false}, {"hdaa", 0, true},
+		{"sddx", 0, true},  {"sddx", 3, false},  {"sddy", 0, false}, {"sddz", 0, false},
+		{"sdea", 0, false}, {"sdaaa", 0, false}, {"xxaz", 0, true},  {"loop", 0, false},
+		{"ram", 0, false},  {"md", 0, false},    {"md", 1, false},   {"c0d", 0, false},
+		{"sr", 0, false},   {"fd", 0, false},    {"", 0, false},     {"dm-", 0, false},
 	};
 	for (const disk_row_t &row : rows) {
 		const procblk_dev_t item = item_of(row.name, row.part);
-		EXPECT_EQ(filter_procblk_is_disk(&item, nullptr) != 0, row.kept) << row.name << " " << row.part;
+		EXPECT_EQ(filter_procblk_is_disk(&item, nullptr) != 0, row.kept)
+			<< row.name << " " << row.part;
 		EXPECT_EQ(filter_procblk_is_disk(&item, "other") != 0, row.kept) << row.name;
 	}
 }
@@ -289,7 +294,7 @@ TEST(ProcblkIsDisk, DecidesByStrippedNameAndPart)
 TEST_F(ProcblkTest, WholeDisksOfATable)
 {
 	host.partitions("3 0 9 hda\n3 1 9 hda1\n8 0 9 sda\n8 1 9 sda1\n9 0 9 md0\n9 1 9 md1\n7 0 9 loop0\n"
-			"22 0 9 hdc\n65 160 9 sdaa\n71 240 9 sddx\n3 0 9 hdu\n8 0 9 sda16\n3 17 9 hda17\n");
+	                "22 0 9 hdc\n65 160 9 sdaa\n71 240 9 sddx\n3 0 9 hdu\n8 0 9 sda16\n3 17 9 hda17\n");
 	EXPECT_EQ(parse(filter_procblk_is_disk), 0);
 	EXPECT_THAT(names(), ::testing::ElementsAre("hda+0", "sda+0", "hdc+0", "sdaa+0", "sddx+0"));
 }
@@ -302,10 +307,18 @@ TEST(ProcblkIsPart, OfTheNamedDisk)
 		const char *disk;
 		bool kept;
 	} rows[] = {
-		{"sda", 1, "sda", true},       {"sda", 1, "/dev/sda", true},   {"sda", 16, "/dev/sda3", true},
-		{"sda", 0, "sda", false},      {"sdb", 1, "sda", false},       {"sda", 1, "/dev/sdaa", false},
-		{"sdaa", 1, "/dev/sda", false}, {"c0d", 1, "c0d0", true},      {"c0d0p", 1, "/dev/cciss/c0d0", false},
-		{"", 1, "12", true},           {"md", 1, "/dev/md0", true},    {"sda", 1, "", false},
+		{"sda", 1, "sda", true},
+		{"sda", 1, "/dev/sda", true},
+		{"sda", 16, "/dev/sda3", true},
+		{"sda", 0, "sda", false},
+		{"sdb", 1, "sda", false},
+		{"sda", 1, "/dev/sdaa", false},
+		{"sdaa", 1, "/dev/sda", false},
+		{"c0d", 1, "c0d0", true},
+		{"c0d0p", 1, "/dev/cciss/c0d0", false},
+		{"", 1, "12", true},
+		{"md", 1, "/dev/md0", true},
+		{"sda", 1, "", false},
 	};
 	for (const auto &row : rows) {
 		const procblk_dev_t item = item_of(row.name, row.part);
@@ -331,8 +344,10 @@ TEST_F(ProcblkTest, DisplaySkipsFreeSlots)
 	for (unsigned i = 0; i < 11; i++)
 		list->item[2].io[i] = i + 1;
 	const std::string expected =
-		dump_head(*list) + printed("[*1 1  %08x*] sda 1 (8:1)\t    20480  0 0 0 0 0 0 0 0 0 0 0\n", low32(list.get())) +
-		printed("[*2 1  %08x*] sdb 1 (8:17)\t       -2  1 2 3 4 5 6 7 8 9 10 11\n", low32(list.get()));
+		dump_head(*list) +
+		printed("[*1 1  %08x*] sda 1 (8:1)\t    20480  0 0 0 0 0 0 0 0 0 0 0\n", low32(list.get())) +
+		printed("[*2 1  %08x*] sdb 1 (8:17)\t       -2  1 2 3 4 5 6 7 8 9 10 11\n",
+	                low32(list.get()));
 	EXPECT_EQ(stderr_of([&] { display_procblk_devlist(list.get()); }), expected);
 }
 

@@ -43,15 +43,15 @@ protected:
 
 TEST_F(ProcideTest, ReadsADrive)
 {
-	host.ide_drive("hda", "disk", "QUANTUM DISK", "QM00001", "2.5+");
+	host.ide_drive("hda", "disk", "EXAMPLE DRIVE", "SN00001", "2.5+");
 	EXPECT_EQ(parse("hda"), 0);
 	EXPECT_EQ(dev->tag, 1);
 	EXPECT_EQ(dev->index, 0);
 	EXPECT_EQ(dev->parent, nullptr);
 	EXPECT_EQ(text_of(dev->name), "hda");
 	EXPECT_EQ(text_of(dev->media), "disk");
-	EXPECT_EQ(text_of(dev->model), "QUANTUM DISK");
-	EXPECT_EQ(text_of(dev->sn), "QM00001");
+	EXPECT_EQ(text_of(dev->model), "EXAMPLE DRIVE");
+	EXPECT_EQ(text_of(dev->sn), "SN00001");
 	EXPECT_EQ(text_of(dev->rev), "2.5+");
 }
 
@@ -63,7 +63,7 @@ TEST_F(ProcideTest, WordsAreCutOutHighByteFirst)
 	std::string text;
 	for (size_t i = 0; i < 64; i += 2)
 		text += printed("%02X%02x%s", static_cast<unsigned>(letters[i]),
-				static_cast<unsigned>(letters[i + 1]), i % 16 == 14 ? "\n" : " ");
+		                static_cast<unsigned>(letters[i + 1]), i % 16 == 14 ? "\n" : " ");
 	host.ide_drive("hda", "disk").file("/proc/ide/ide0/hda/identify", text + identify_lines(28));
 	EXPECT_EQ(parse("hda"), 0);
 	EXPECT_EQ(text_of(dev->sn), "KLMNOPQRSTUVWXYZabcd");
@@ -89,10 +89,10 @@ TEST_P(Field, IsTrimmed)
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, Field,
-			 ::testing::Values(field_row_t{"AB12", "AB12"}, field_row_t{"  AB12  ", "AB12"},
-					   field_row_t{" \tA B\t ", "A B"}, field_row_t{"A#B", "A"},
-					   field_row_t{"A\rB", "A"}, field_row_t{"A\nB", "A"},
-					   field_row_t{"#AB", ""}, field_row_t{"     ", ""}));
+                         ::testing::Values(field_row_t{"AB12", "AB12"}, field_row_t{"  AB12  ", "AB12"},
+                                           field_row_t{" \tA B\t ", "A B"}, field_row_t{"A#B", "A"},
+                                           field_row_t{"A\rB", "A"}, field_row_t{"A\nB", "A"},
+                                           field_row_t{"#AB", ""}, field_row_t{"     ", ""}));
 
 TEST_F(ProcideTest, SerialNumberFillsItsField)
 {
@@ -104,7 +104,10 @@ TEST_F(ProcideTest, SerialNumberFillsItsField)
 
 TEST_F(ProcideTest, SerialNumberEndsAtANul)
 {
-	host.ide_drive("hda", "disk", "MODEL", std::string("AB\0CD", 5), std::string("12\0" "34", 5));
+	host.ide_drive("hda", "disk", "MODEL", std::string("AB\0CD", 5),
+	               std::string("12\0"
+	                           "34",
+	                           5));
 	EXPECT_EQ(parse("hda"), 0);
 	EXPECT_EQ(text_of(dev->sn), "AB");
 	EXPECT_EQ(text_of(dev->rev), "12");
@@ -149,20 +152,20 @@ TEST_P(Identify, File)
 INSTANTIATE_TEST_SUITE_P(
 	Files, Identify,
 	::testing::Values(identify_row_t{"32 lines", identify_lines(32), 0},
-			  identify_row_t{"33 lines", identify_lines(33), -1},
-			  identify_row_t{"40 lines", identify_lines(40), -1},
-			  identify_row_t{"33rd line empty", identify_lines(32) + "\n\n", 0},
-			  identify_row_t{"33rd line short", identify_lines(32) + "4142\n", -1},
-			  identify_row_t{"fewer lines", identify_lines(3), 0}, identify_row_t{"empty", "", 0},
-			  identify_row_t{"empty lines between",
-					 identify_lines(16) + "\n \t\n# words\n" + identify_lines(16), 0},
-			  identify_row_t{"seven words",
-					 identify_lines(2) + "0 1 2 3 4 5 6\n" + identify_lines(29), -1},
-			  identify_row_t{"no words", identify_lines(2) + "none\n", -1},
-			  identify_row_t{"bad eighth word", "0 1 2 3 4 5 6 x\n", -1},
-			  identify_row_t{"nine words", "0 1 2 3 4 5 6 7 8\n", 0},
-			  identify_row_t{"words cut by a comment", "0 1 2 3 4 5 6 # 7\n", -1},
-			  identify_row_t{"indented", "\t0 1 2 3 4 5 6 7 \n", 0}));
+                          identify_row_t{"33 lines", identify_lines(33), -1},
+                          identify_row_t{"40 lines", identify_lines(40), -1},
+                          identify_row_t{"33rd line empty", identify_lines(32) + "\n\n", 0},
+                          identify_row_t{"33rd line short", identify_lines(32) + "4142\n", -1},
+                          identify_row_t{"fewer lines", identify_lines(3), 0}, identify_row_t{"empty", "", 0},
+                          identify_row_t{"empty lines between",
+                                         identify_lines(16) + "\n \t\n# words\n" + identify_lines(16), 0},
+                          identify_row_t{"seven words",
+                                         identify_lines(2) + "0 1 2 3 4 5 6\n" + identify_lines(29), -1},
+                          identify_row_t{"no words", identify_lines(2) + "none\n", -1},
+                          identify_row_t{"bad eighth word", "0 1 2 3 4 5 6 x\n", -1},
+                          identify_row_t{"nine words", "0 1 2 3 4 5 6 7 8\n", 0},
+                          identify_row_t{"words cut by a comment", "0 1 2 3 4 5 6 # 7\n", -1},
+                          identify_row_t{"indented", "\t0 1 2 3 4 5 6 7 \n", 0}));
 
 TEST_F(ProcideTest, MissingIdentifyLinesAreZero)
 {
@@ -175,8 +178,8 @@ TEST_F(ProcideTest, MissingIdentifyLinesAreZero)
 
 TEST_F(ProcideTest, EmptyLinesTakeNoRow)
 {
-	host.ide_drive("hda", "disk").file("/proc/ide/ide0/hda/identify", "\n" + identify_lines(1) + "\n" +
-										   identify_lines(1));
+	host.ide_drive("hda", "disk")
+		.file("/proc/ide/ide0/hda/identify", "\n" + identify_lines(1) + "\n" + identify_lines(1));
 	EXPECT_EQ(parse("hda"), 0);
 	EXPECT_EQ(text_of(dev->sn), "EFGHIJKLMNOP");
 }
@@ -303,7 +306,8 @@ TEST_F(ProcideTest, DroppedDrivesAreNoError)
 		host.ide_drive(std::string("hd") + letter, letter < 'c' ? "cdrom" : "disk");
 	char media[] = "disk";
 	const filter_func_t same_media = [](const void *item, const void *arg) -> int {
-		return strcmp(static_cast<const procide_dev_t *>(item)->media, static_cast<const char *>(arg)) == 0;
+		return strcmp(static_cast<const procide_dev_t *>(item)->media,
+		              static_cast<const char *>(arg)) == 0;
 	};
 	EXPECT_EQ(parse_all(same_media, media), 0);
 	expect_shape(*list, 8, 8, 8);
@@ -316,9 +320,9 @@ TEST_F(ProcideTest, DisplaySkipsFreeSlots)
 	host.ide_drive("hdc", "cdrom", "THREE", "", "R3");
 	ASSERT_EQ(parse_all(), 0);
 	list->item[1].tag = 0;
-	const std::string expected =
-		dump_head(*list) + printed("[*0 1  %08x*] hda disk ONE\n\t\tS1 R1\n", low32(list.get())) +
-		printed("[*2 1  %08x*] hdc cdrom THREE\n\t\t R3\n", low32(list.get()));
+	const std::string expected = dump_head(*list) +
+	                             printed("[*0 1  %08x*] hda disk ONE\n\t\tS1 R1\n", low32(list.get())) +
+	                             printed("[*2 1  %08x*] hdc cdrom THREE\n\t\t R3\n", low32(list.get()));
 	EXPECT_EQ(stderr_of([&] { display_procide_devlist(list.get()); }), expected);
 }
 

@@ -32,11 +32,11 @@ protected:
 
 TEST_F(ScsiHostTest, SitsInTheSlotOfItsNumber)
 {
-	adapters({"sym53c8xx/2", "aha152x/0"});
+	adapters({"sym53c8xx/2", "driver/0"});
 	host.file("/proc/scsi/scsi", SCSI_HEADING).file("/proc/scsi/3", "");
 	EXPECT_EQ(parse(), 0);
 	expect_shape(*list, 3, 2, 4);
-	EXPECT_EQ(text_of(list->item[0].hostname), "aha152x");
+	EXPECT_EQ(text_of(list->item[0].hostname), "driver");
 	EXPECT_EQ(list->item[0].hostindex, 0);
 	EXPECT_EQ(text_of(list->item[2].hostname), "sym53c8xx");
 	EXPECT_EQ(list->item[2].hostindex, 2);
@@ -132,10 +132,10 @@ TEST_F(ScsiHostTest, DisplayStopsAtTheFirstFreeSlot)
 	ASSERT_EQ(parse(), 0);
 	const unsigned self = low32(list.get());
 	EXPECT_EQ(stderr_of([&] { display_procscsi_hostlist(list.get()); }),
-		  dump_head(*list) + printed("[*0 1  %08x*] 0 driver\n[*1 1  %08x*] 1 driver\n", self, self));
+	          dump_head(*list) + printed("[*0 1  %08x*] 0 driver\n[*1 1  %08x*] 1 driver\n", self, self));
 	list->item[1].tag = 0;
 	EXPECT_EQ(stderr_of([&] { display_procscsi_hostlist(list.get()); }),
-		  dump_head(*list) + printed("[*0 1  %08x*] 0 driver\n", self));
+	          dump_head(*list) + printed("[*0 1  %08x*] 0 driver\n", self));
 }
 
 TEST_F(ScsiHostTest, DisplayOfAFullList)
@@ -173,7 +173,8 @@ TEST_F(RegistryTest, AttachAndDetachOneDevice)
 	const idlun_t idlun = {1, 2, 3, 255};
 	EXPECT_EQ(procscsi_dev_add(&idlun), 0);
 	EXPECT_EQ(procscsi_dev_remove(&idlun), 0);
-	EXPECT_THAT(host.log(), ::testing::ElementsAre(logged("add", "1 2 3 255"), logged("remove", "1 2 3 255")));
+	EXPECT_THAT(host.log(),
+	            ::testing::ElementsAre(logged("add", "1 2 3 255"), logged("remove", "1 2 3 255")));
 }
 
 TEST_F(RegistryTest, OpenOrWriteFails)
@@ -264,8 +265,8 @@ TEST_F(RegistryTest, ShuffleGoesOnAfterAFailure)
 	EXPECT_EQ(log[0], logged("remove", "0 1 1 2"));
 	EXPECT_EQ(log[1], logged("remove", "0 1 2 2"));
 	EXPECT_EQ(std::count_if(log.begin(), log.end(),
-				[](const std::string &line) { return line.find("add") != line.npos; }),
-		  3);
+	                        [](const std::string &line) { return line.find("add") != line.npos; }),
+	          3);
 }
 
 } // namespace

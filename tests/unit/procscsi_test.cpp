@@ -14,7 +14,7 @@ class BlockTest : public ::testing::Test
 {
 protected:
 	int parse(const std::string &first, const std::string &second, const std::string &third,
-		  filter_func_t filter = nullptr, void *arg = nullptr)
+	          filter_func_t filter = nullptr, void *arg = nullptr)
 	{
 		char lines[3][LINE_SIZE] = {};
 		int i = 0;
@@ -66,34 +66,34 @@ TEST_P(Address, OfTheFirstLine)
 
 INSTANTIATE_TEST_SUITE_P(
 	Good, Address,
-	::testing::Values(address_row_t{"Host: scsi1 Channel: 02 Id: 03 Lun: 04\n", 0, 1, {1, 2, 3, 4}},
-			  address_row_t{"Host: scsi12 Channel: 0 Id: 15 Lun: 007", 0, 1, {12, 0, 15, 7}},
-			  address_row_t{"\tHost:\tscsi3\tChannel:\t1 Id:  2 Lun: 5 \n", 0, 1, {3, 1, 2, 5}},
-			  address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun: 00 more\n", 0, 1, {0, 0, 1, 0}},
-			  address_row_t{"Host: scsi255 Channel: 255 Id: 255 Lun: 255\n", 0, 1, {255, 255, 255, 255}},
-			  address_row_t{"Host: scsi257 Channel: 256 Id: 258 Lun: 511\n", 0, 1, {1, 0, 2, 255}}));
+	::testing::Values(
+		address_row_t{"Host: scsi1 Channel: 02 Id: 03 Lun: 04\n", 0, 1, {1, 2, 3, 4}},
+		address_row_t{"Host: scsi12 Channel: 0 Id: 15 Lun: 007", 0, 1, {12, 0, 15, 7}},
+		address_row_t{"\tHost:\tscsi3\tChannel:\t1 Id:  2 Lun: 5 \n", 0, 1, {3, 1, 2, 5}},
+		address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun: 00 more\n", 0, 1, {0, 0, 1, 0}},
+		address_row_t{"Host: scsi255 Channel: 255 Id: 255 Lun: 255\n", 0, 1, {255, 255, 255, 255}},
+		address_row_t{"Host: scsi257 Channel: 256 Id: 258 Lun: 511\n", 0, 1, {1, 0, 2, 255}}));
 
-INSTANTIATE_TEST_SUITE_P(
-	NoDevice, Address,
-	::testing::Values(address_row_t{"", 0, 0, {}}, address_row_t{"\n", 0, 0, {}},
-			  address_row_t{"Attached devices:\n", 0, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun:\n", 0, 0, {}}));
+INSTANTIATE_TEST_SUITE_P(NoDevice, Address,
+                         ::testing::Values(address_row_t{"", 0, 0, {}}, address_row_t{"\n", 0, 0, {}},
+                                           address_row_t{"Attached devices:\n", 0, 0, {}},
+                                           address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun:\n", 0, 0, {}}));
 
 INSTANTIATE_TEST_SUITE_P(
 	Malformed, Address,
 	::testing::Values(address_row_t{"Most: scsi0 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: ide0 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0x Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi-1 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Chanel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 0x Id: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 00 ID: 01 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 00 Id: -1 Lun: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lan: 00\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun: +1\n", -1, 0, {}},
-			  address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun: 99999999999\n", -1, 0, {}},
-			  address_row_t{"Host: scsi4294967296 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}}));
+                          address_row_t{"Host: ide0 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0x Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi-1 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Chanel: 00 Id: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Channel: 0x Id: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Channel: 00 ID: 01 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Channel: 00 Id: -1 Lun: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lan: 00\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun: +1\n", -1, 0, {}},
+                          address_row_t{"Host: scsi0 Channel: 00 Id: 01 Lun: 99999999999\n", -1, 0, {}},
+                          address_row_t{"Host: scsi4294967296 Channel: 00 Id: 01 Lun: 00\n", -1, 0, {}}));
 
 struct vendor_row_t {
 	const char *line;
@@ -125,31 +125,35 @@ INSTANTIATE_TEST_SUITE_P(
 	::testing::Values(
 		//            0123456789012345678901234567890123456789012345678901234567890
 		vendor_row_t{"  Vendor: ABCDEFGH Model: ABCDEFGHIJKLMNOP Rev: 1234\n", 0, "ABCDEFGH",
-			     "ABCDEFGHIJKLMNOP", "1234"},
+                             "ABCDEFGHIJKLMNOP", "1234"},
 		vendor_row_t{"  Vendor: ABCDEFGHxModel: ABCDEFGHIJKLMNOPxRev: 1234\n", 0, "ABCDEFGH",
-			     "ABCDEFGHIJKLMNOP", "1234"},
-		vendor_row_t{"  Vendor:   A B    Model: \t A  B           Rev: 1234\n", 0, "A B", "A  B", "1234"},
+                             "ABCDEFGHIJKLMNOP", "1234"},
+		vendor_row_t{"  Vendor:   A B    Model: \t A  B           Rev: 1234\n", 0, "A B", "A  B",
+                             "1234"},
 		vendor_row_t{"  Vendor:          Model:                  Rev:     \n", 0, "", "", ""},
 		vendor_row_t{"  Vendor:          Model:                  Rev: ", 0, "", "", ""},
 		vendor_row_t{"  Vendor: AB#DEFGH Model: AB\rDEFGHIJKLMNOP Rev: 12#4\n", 0, "AB", "AB", "12"},
-		vendor_row_t{"  Vendor: A        Model: B                Rev: 1234567890123\n", 0, "A", "B", "1234567890"},
+		vendor_row_t{"  Vendor: A        Model: B                Rev: 1234567890123\n", 0, "A", "B",
+                             "1234567890"},
 		// Blanks before the revision stay.
-		vendor_row_t{"  Vendor: A        Model: B                Rev:  1.0\t \n", 0, "A", "B", " 1.0"},
+		vendor_row_t{"  Vendor: A        Model: B                Rev:  1.0\t \n", 0, "A", "B",
+                             " 1.0"},
 		vendor_row_t{"  Vendor: A        Model: B                Rev: 12", 0, "A", "B", "12"}));
 
 INSTANTIATE_TEST_SUITE_P(
 	Malformed, Vendor,
-	::testing::Values(vendor_row_t{"", -1, "", "", ""}, vendor_row_t{"\n", -1, "", "", ""},
-			  vendor_row_t{" Vendor: ACME     Model: DISK             Rev: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"   Vendor: ACME    Model: DISK             Rev: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"  vendor: ACME     Model: DISK             Rev: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: ACME    Model: DISK             Rev: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: ACME     Modem: DISK             Rev: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: ACME     Model: DISK            Rev: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: ACME     Model: DISK             Ref: 1.0\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: ACME     Model: DISK\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: ACME     Model: DISK             Rev:\n", -1, "", "", ""},
-			  vendor_row_t{"  Vendor: \n", -1, "", "", ""}));
+	::testing::Values(
+		vendor_row_t{"", -1, "", "", ""}, vendor_row_t{"\n", -1, "", "", ""},
+		vendor_row_t{" Vendor: ACME     Model: DISK             Rev: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"   Vendor: ACME    Model: DISK             Rev: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"  vendor: ACME     Model: DISK             Rev: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: ACME    Model: DISK             Rev: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: ACME     Modem: DISK             Rev: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: ACME     Model: DISK            Rev: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: ACME     Model: DISK             Ref: 1.0\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: ACME     Model: DISK\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: ACME     Model: DISK             Rev:\n", -1, "", "", ""},
+		vendor_row_t{"  Vendor: \n", -1, "", "", ""}));
 
 struct type_row_t {
 	const char *line;
@@ -174,15 +178,16 @@ TEST_P(Type, OfTheThirdLine)
 INSTANTIATE_TEST_SUITE_P(
 	Lines, Type,
 	::testing::Values(type_row_t{"  Type:   Direct-Access\n", 0, "Direct-Access"},
-			  type_row_t{"  Type:   CD-ROM    \t \n", 0, "CD-ROM"},
-			  type_row_t{"  Type:   Direct-Access                    ANSI SCSI\n", 0, "Direct-Access"},
-			  type_row_t{"  Type:   ABCDEFGHIJKLMNOPQRSTUVWXYZ012345678\n", 0,
-				     "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},
-			  type_row_t{"  Type:    Blank\n", 0, " Blank"}, type_row_t{"  Type:   AB#CD\n", 0, "AB"},
-			  type_row_t{"  Type:   \n", 0, ""}, type_row_t{"  Type:   ", 0, ""},
-			  type_row_t{"  Type:  Direct-Access\n", -1, ""}, type_row_t{"  Type:\n", -1, ""},
-			  type_row_t{" Type:   Direct-Access\n", -1, ""}, type_row_t{"", -1, ""},
-			  type_row_t{"  type:   Direct-Access\n", -1, ""}));
+                          type_row_t{"  Type:   CD-ROM    \t \n", 0, "CD-ROM"},
+                          type_row_t{"  Type:   Direct-Access                    ANSI SCSI\n", 0,
+                                     "Direct-Access"},
+                          type_row_t{"  Type:   ABCDEFGHIJKLMNOPQRSTUVWXYZ012345678\n", 0,
+                                     "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},
+                          type_row_t{"  Type:    Blank\n", 0, " Blank"},
+                          type_row_t{"  Type:   AB#CD\n", 0, "AB"}, type_row_t{"  Type:   \n", 0, ""},
+                          type_row_t{"  Type:   ", 0, ""}, type_row_t{"  Type:  Direct-Access\n", -1, ""},
+                          type_row_t{"  Type:\n", -1, ""}, type_row_t{" Type:   Direct-Access\n", -1, ""},
+                          type_row_t{"", -1, ""}, type_row_t{"  type:   Direct-Access\n", -1, ""}));
 
 TEST_F(BlockTest, FilterSeesTheFinishedDevice)
 {
@@ -250,7 +255,7 @@ TEST_F(ProcscsiTest, ListsTheDevices)
 TEST_F(ProcscsiTest, TablesWithoutDevices)
 {
 	for (const char *text : {"", "Attached devices:\n", "Attached devices: none\n", "\n\n",
-				 "Hosts: scsi0 Channel: 00 Id: 01 Lun: 00\n", "Host: scsi0\n"}) {
+	                         "Hosts: scsi0 Channel: 00 Id: 01 Lun: 00\n", "Host: scsi0\n"}) {
 		table(text);
 		list = soiled<procscsi_devlist_t>();
 		EXPECT_EQ(parse(), 0) << text;
@@ -326,13 +331,15 @@ TEST_F(ProcscsiTest, DroppedDevicesAreNoError)
 
 TEST_F(ProcscsiTest, DisplaySkipsFreeSlots)
 {
-	table(scsi_block(1) + scsi_block(2) + "Host: scsi1 Channel: 02 Id: 03 Lun: 04\n" + VENDOR_LINE + TYPE_LINE);
+	table(scsi_block(1) + scsi_block(2) + "Host: scsi1 Channel: 02 Id: 03 Lun: 04\n" + VENDOR_LINE +
+	      TYPE_LINE);
 	ASSERT_EQ(parse(), 0);
 	list->item[1].tag = 0;
 	const unsigned self = low32(list.get());
 	EXPECT_EQ(stderr_of([&] { display_procscsi_devlist(list.get()); }),
-		  dump_head(*list) + printed("[*0 1  %08x*] (0, 0, 1, 0) ACME DISK 1.0 Direct-Access\n", self) +
-			  printed("[*2 1  %08x*] (1, 2, 3, 4) ACME EXAMPLE DISK 1.02 Direct-Access\n", self));
+	          dump_head(*list) +
+	                  printed("[*0 1  %08x*] (0, 0, 1, 0) ACME DISK 1.0 Direct-Access\n", self) +
+	                  printed("[*2 1  %08x*] (1, 2, 3, 4) ACME EXAMPLE DISK 1.02 Direct-Access\n", self));
 }
 
 } // namespace

@@ -25,22 +25,22 @@ protected:
 };
 
 const char *const EXAMPLE = "# two arrays\n"
-				   "raiddev /dev/md0\n"
-				   "\traid-level\t5\n"
-				   "\tnr-raid-disks\t4\n"
-				   "\tnr-spare-disks\t1\n"
-				   "\tchunk-size\t32\n"
-				   "\tdevice\t/dev/sda1\n"
-				   "\traid-disk\t0\n"
-				   "\tdevice /dev/sdb1\n"
-				   "\traid-disk 1   # the second\n"
-				   "\tdevice /dev/sdc1\n"
-				   "\tfailed-disk 3\n"
-				   "\tdevice /dev/sdd1\n"
-				   "\tspare-disk 0\n"
-				   "\n"
-				   "raiddev /dev/md/md7\n"
-				   "raid-level linear\n";
+			    "raiddev /dev/md0\n"
+			    "\traid-level\t5\n"
+			    "\tnr-raid-disks\t4\n"
+			    "\tnr-spare-disks\t1\n"
+			    "\tchunk-size\t32\n"
+			    "\tdevice\t/dev/sda1\n"
+			    "\traid-disk\t0\n"
+			    "\tdevice /dev/sdb1\n"
+			    "\traid-disk 1   # the second\n"
+			    "\tdevice /dev/sdc1\n"
+			    "\tfailed-disk 3\n"
+			    "\tdevice /dev/sdd1\n"
+			    "\tspare-disk 0\n"
+			    "\n"
+			    "raiddev /dev/md/md7\n"
+			    "raid-level linear\n";
 
 TEST_F(RaidtabTest, ReadsArraysAndDisks)
 {
@@ -99,8 +99,8 @@ TEST_F(RaidtabTest, SparesHaveTheirOwnSlots)
 TEST_F(RaidtabTest, DeclaredCountMayDifferFromTheDisks)
 {
 	EXPECT_EQ(read("raiddev /dev/md0\nnr-raid-disks 4\ndevice a\nraid-disk 0\ndevice b\nraid-disk 1\n"
-		       "device c\nraid-disk 2\n"),
-		  0);
+	               "device c\nraid-disk 2\n"),
+	          0);
 	EXPECT_EQ(array().subdevlist_member.num, 4);
 	EXPECT_EQ(array().subdevlist_member.num_real, 3);
 	EXPECT_EQ(read("raiddev /dev/md0\ndevice a\nraid-disk 7\n"), 0);
@@ -112,7 +112,8 @@ TEST_F(RaidtabTest, DeclaredCountMayDifferFromTheDisks)
 TEST_F(RaidtabTest, PendingPathIsUsedUpByItsDisk)
 {
 	for (const char *keyword : {"raid-disk", "failed-disk", "spare-disk"}) {
-		EXPECT_EQ(read(printed("raiddev /dev/md0\ndevice /dev/sda1\n%s 0\n%s 1\n", keyword, keyword)), 0);
+		EXPECT_EQ(read(printed("raiddev /dev/md0\ndevice /dev/sda1\n%s 0\n%s 1\n", keyword, keyword)),
+		          0);
 		const auto &disks = keyword[0] == 's' ? array().subdevlist_spare : array().subdevlist_member;
 		EXPECT_EQ(text_of(disks.item[0].name), "/dev/sda1") << keyword;
 		EXPECT_EQ(text_of(disks.item[1].name), "") << keyword;
@@ -130,8 +131,8 @@ TEST_F(RaidtabTest, LastDeviceLineCounts)
 TEST_F(RaidtabTest, MemberAndSpareSlotsAreApart)
 {
 	EXPECT_EQ(read("raiddev /dev/md0\ndevice a\nraid-disk 2\ndevice b\nspare-disk 2\nraiddev /dev/md1\n"
-		       "device c\nraid-disk 2\n"),
-		  0);
+	               "device c\nraid-disk 2\n"),
+	          0);
 	EXPECT_STREQ(array().subdevlist_member.item[2].name, "a");
 	EXPECT_STREQ(array().subdevlist_spare.item[2].name, "b");
 	EXPECT_STREQ(list->item[1].subdevlist_member.item[2].name, "c");
@@ -140,8 +141,8 @@ TEST_F(RaidtabTest, MemberAndSpareSlotsAreApart)
 TEST_F(RaidtabTest, LinesBeforeTheFirstArrayAreIgnored)
 {
 	EXPECT_EQ(read("raid-level 5\nnr-raid-disks 3\nnr-spare-disks 2\ndevice /dev/sdz\nraid-disk 0\n"
-		       "failed-disk 0\nspare-disk 9\nraiddev /dev/md1\nraid-disk 1\n"),
-		  0);
+	               "failed-disk 0\nspare-disk 9\nraiddev /dev/md1\nraid-disk 1\n"),
+	          0);
 	EXPECT_EQ(list->num, 1);
 	EXPECT_EQ(array().mdlevel, 0);
 	EXPECT_EQ(array().subdevlist_member.num, 0);
@@ -156,9 +157,9 @@ struct level_row_t {
 
 TEST_F(RaidtabTest, Levels)
 {
-	static const level_row_t rows[] = {{"0", '0'},       {"1", '1'},  {"5", '5'},  {"linear", 'l'},
-					   {"linearly", 'l'}, {"10", '1'}, {"50", '5'}, {"4", 0},
-					   {"lin", 0},       {"-1", 0},   {"6", 0},    {"multipath", 0}};
+	static const level_row_t rows[] = {{"0", '0'},        {"1", '1'},  {"5", '5'},  {"linear", 'l'},
+	                                   {"linearly", 'l'}, {"10", '1'}, {"50", '5'}, {"4", 0},
+	                                   {"lin", 0},        {"-1", 0},   {"6", 0},    {"multipath", 0}};
 	for (const level_row_t &row : rows) {
 		EXPECT_EQ(read(printed("raiddev /dev/md0\nraid-level %s\n", row.value)), 0);
 		EXPECT_EQ(array().mdlevel, row.level) << row.value;
@@ -172,8 +173,8 @@ TEST_F(RaidtabTest, ArrayNumbers)
 	static const struct {
 		const char *value;
 		int number;
-	} rows[] = {{"/dev/md0", 0},   {"/dev/md15", 15}, {"md3", 3},      {"/dev/md/4", 4},
-		    {"/dev/md", -1},   {"/dev/md5/x", -1}, {"/dev/md007", 7}};
+	} rows[] = {{"/dev/md0", 0}, {"/dev/md15", 15},  {"md3", 3},       {"/dev/md/4", 4},
+	            {"/dev/md", -1}, {"/dev/md5/x", -1}, {"/dev/md007", 7}};
 	for (const auto &row : rows) {
 		EXPECT_EQ(read(printed("raiddev %s\n", row.value)), 0);
 		EXPECT_EQ(array().mdminor, row.number) << row.value;
@@ -182,7 +183,9 @@ TEST_F(RaidtabTest, ArrayNumbers)
 
 TEST_F(RaidtabTest, LinesAreTrimmedAndKeywordsArePrefixes)
 {
-	EXPECT_EQ(read(" \t raiddev \t /dev/md2 \t \r\n#raiddev /dev/md3\nraiddevice /dev/md4\nother 1\nRAIDDEV x\n"), 0);
+	EXPECT_EQ(read(" \t raiddev \t /dev/md2 \t \r\n#raiddev /dev/md3\nraiddevice /dev/md4\nother "
+	               "1\nRAIDDEV x\n"),
+	          0);
 	EXPECT_EQ(list->num, 2);
 	EXPECT_EQ(array().mdminor, 2);
 	EXPECT_EQ(read("raiddev /dev/md2 # /dev/md3\nnr-raid-disks 3#4\nnr-spare-disks 2 5\n"), 0);
@@ -194,8 +197,8 @@ TEST_F(RaidtabTest, LinesAreTrimmedAndKeywordsArePrefixes)
 TEST_F(RaidtabTest, ValuesThatAreNoNumbersChangeNothing)
 {
 	EXPECT_EQ(read("raiddev /dev/md0\nnr-raid-disks 3\nnr-raid-disks x\nnr-raid-disks\nnr-spare-disks 2\n"
-		       "nr-spare-disks x\nraid-disk x\nfailed-disk x\nspare-disk\n"),
-		  0);
+	               "nr-spare-disks x\nraid-disk x\nfailed-disk x\nspare-disk\n"),
+	          0);
 	EXPECT_EQ(array().subdevlist_member.num, 3);
 	EXPECT_EQ(array().subdevlist_member.num_real, 0);
 	EXPECT_EQ(array().subdevlist_spare.num, 2);
@@ -266,19 +269,22 @@ class RaidtabFatal : public RaidtabTest, public ::testing::WithParamInterface<fa
 
 TEST_P(RaidtabFatal, SlotEndsTheProcess)
 {
-	EXPECT_EXIT(read(std::string("raiddev /dev/md0\n") + GetParam().lines), ::testing::ExitedWithCode(255),
-		    ::testing::StrEq(printed("error: |hdd/exe/../sal/src/1/../linux/raidtab %d|\n", GetParam().line)));
+	EXPECT_EXIT(read(std::string("raiddev /dev/md0\n") + GetParam().lines),
+	            ::testing::ExitedWithCode(255),
+	            ::testing::StrEq(
+			    printed("error: |hdd/exe/../sal/src/1/../linux/raidtab %d|\n", GetParam().line)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
 	Slots, RaidtabFatal,
 	::testing::Values(fatal_row_t{"raid-disk 8\n", 128}, fatal_row_t{"raid-disk 2147483647\n", 128},
-			  fatal_row_t{"raid-disk -1\n", 128}, fatal_row_t{"raid-disk 4294967296\n", 128},
-			  fatal_row_t{"raid-disk 0\nraid-disk 0\n", 131},
-			  fatal_row_t{"failed-disk 0\nraid-disk 0\n", 131}, fatal_row_t{"failed-disk 8\n", 144},
-			  fatal_row_t{"failed-disk -1\n", 144}, fatal_row_t{"raid-disk 7\nfailed-disk 7\n", 147},
-			  fatal_row_t{"spare-disk 8\n", 160}, fatal_row_t{"spare-disk -1\n", 160},
-			  fatal_row_t{"spare-disk 3\nspare-disk 3\n", 163}));
+                          fatal_row_t{"raid-disk -1\n", 128}, fatal_row_t{"raid-disk 4294967296\n", 128},
+                          fatal_row_t{"raid-disk 0\nraid-disk 0\n", 131},
+                          fatal_row_t{"failed-disk 0\nraid-disk 0\n", 131},
+                          fatal_row_t{"failed-disk 8\n", 144}, fatal_row_t{"failed-disk -1\n", 144},
+                          fatal_row_t{"raid-disk 7\nfailed-disk 7\n", 147},
+                          fatal_row_t{"spare-disk 8\n", 160}, fatal_row_t{"spare-disk -1\n", 160},
+                          fatal_row_t{"spare-disk 3\nspare-disk 3\n", 163}));
 
 TEST_F(RaidtabTest, Display)
 {
@@ -286,13 +292,13 @@ TEST_F(RaidtabTest, Display)
 	list->item[1].with_faulty = 1;
 	list->item[1].nr_original = 3;
 	const unsigned self = low32(list.get());
-	const std::string expected = dump_head(*list) +
-				     printed("[*0 1  %08x*] (md0) level=5 original=0 (F without)\n", self) +
-				     "    member(num=4,num_real=3): /dev/sda1[0] /dev/sdb1[1] /dev/sdc1[3](F)\n"
-				     "    spare (num=1,num_real=1): /dev/sdd1[0]\n" +
-				     printed("[*1 1  %08x*] (md7) level=l original=3 (F with)\n", self) +
-				     "    member(num=0,num_real=0):\n"
-				     "    spare (num=0,num_real=0):\n";
+	const std::string expected =
+		dump_head(*list) + printed("[*0 1  %08x*] (md0) level=5 original=0 (F without)\n", self) +
+		"    member(num=4,num_real=3): /dev/sda1[0] /dev/sdb1[1] /dev/sdc1[3](F)\n"
+		"    spare (num=1,num_real=1): /dev/sdd1[0]\n" +
+		printed("[*1 1  %08x*] (md7) level=l original=3 (F with)\n", self) +
+		"    member(num=0,num_real=0):\n"
+		"    spare (num=0,num_real=0):\n";
 	EXPECT_EQ(stderr_of([&] { display_raidtab_devlist(list.get()); }), expected);
 }
 
@@ -302,8 +308,9 @@ TEST_F(RaidtabTest, DisplaySkipsFreeSlotsAndShowsFaultySpares)
 	list->item[0].tag = 0;
 	list->item[1].subdevlist_spare.item[2].faulty = 1;
 	EXPECT_EQ(stderr_of([&] { display_raidtab_devlist(list.get()); }),
-		  dump_head(*list) + printed("[*1 1  %08x*] (md1) level=0 original=0 (F without)\n", low32(list.get())) +
-			  "    member(num=0,num_real=1): [5]\n    spare (num=0,num_real=1): [2](F)\n");
+	          dump_head(*list) +
+	                  printed("[*1 1  %08x*] (md1) level=0 original=0 (F without)\n", low32(list.get())) +
+	                  "    member(num=0,num_real=1): [5]\n    spare (num=0,num_real=1): [2](F)\n");
 }
 
 } // namespace

@@ -51,16 +51,22 @@ TEST_P(Serial, OfThePage)
 INSTANTIATE_TEST_SUITE_P(
 	Pages, Serial,
 	::testing::Values(serial_row_t{4, "AB12", "AB12"}, serial_row_t{9, "  AB12  \n", "AB12"},
-			  serial_row_t{10, "\t AB 12\t ", "AB 12"}, serial_row_t{2, "AB12", "AB"},
-			  serial_row_t{0, "AB12", ""}, serial_row_t{4, "    ", ""}, serial_row_t{5, "AB#12", "AB"},
-			  serial_row_t{5, "AB\r12", "AB"}, serial_row_t{5, "AB\n12", "AB"},
-			  serial_row_t{5, std::string("AB\0" "12", 5), "AB"}, serial_row_t{200, "AB12", "AB12"},
-			  serial_row_t{255, std::string(255, 'S'), std::string(63, 'S')},
-			  serial_row_t{63, std::string(63, 'S'), std::string(63, 'S')},
-			  serial_row_t{64, std::string(64, 'S'), std::string(63, 'S')},
-			  // Trimmed before it is bounded.
-			  serial_row_t{74, std::string(70, ' ') + "AB12", "AB12"},
-			  serial_row_t{67, "  " + std::string(60, 'S') + "     ", std::string(60, 'S')}));
+                          serial_row_t{10, "\t AB 12\t ", "AB 12"}, serial_row_t{2, "AB12", "AB"},
+                          serial_row_t{0, "AB12", ""}, serial_row_t{4, "    ", ""},
+                          serial_row_t{5, "AB#12", "AB"}, serial_row_t{5, "AB\r12", "AB"},
+                          serial_row_t{5, "AB\n12", "AB"},
+                          serial_row_t{5,
+                                       std::string("AB\0"
+                                                   "12",
+                                                   5),
+                                       "AB"},
+                          serial_row_t{200, "AB12", "AB12"},
+                          serial_row_t{255, std::string(255, 'S'), std::string(63, 'S')},
+                          serial_row_t{63, std::string(63, 'S'), std::string(63, 'S')},
+                          serial_row_t{64, std::string(64, 'S'), std::string(63, 'S')},
+                          // Trimmed before it is bounded.
+                          serial_row_t{74, std::string(70, ' ') + "AB12", "AB12"},
+                          serial_row_t{67, "  " + std::string(60, 'S') + "     ", std::string(60, 'S')}));
 
 TEST_F(ScsisnTest, MissingDevice)
 {

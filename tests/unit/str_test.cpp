@@ -58,13 +58,13 @@ TEST_P(Trim, CutStripAndTrim)
 INSTANTIATE_TEST_SUITE_P(
 	Texts, Trim,
 	::testing::Values(trim_row_t{"", "", "", ""}, trim_row_t{"abc", "abc", "abc", "abc"},
-			  trim_row_t{"a\nb", "a", "a", "a"}, trim_row_t{"a\rb", "a", "a", "a"},
-			  trim_row_t{"a#b", "a", "a", "a"}, trim_row_t{"a\0b"sv, "a", "a", "a"},
-			  trim_row_t{" \ta b\t \n", " \ta b\t ", " \ta b", "a b"},
-			  trim_row_t{"a # b", "a ", "a", "a"}, trim_row_t{"# b", "", "", ""},
-			  trim_row_t{" \t ", " \t ", "", ""}, trim_row_t{"\n", "", "", ""},
-			  trim_row_t{"a\v\f", "a\v\f", "a\v\f", "a\v\f"},
-			  trim_row_t{"\ra", "", "", ""}, trim_row_t{"a#\n\r", "a", "a", "a"}));
+                          trim_row_t{"a\nb", "a", "a", "a"}, trim_row_t{"a\rb", "a", "a", "a"},
+                          trim_row_t{"a#b", "a", "a", "a"}, trim_row_t{"a\0b"sv, "a", "a", "a"},
+                          trim_row_t{" \ta b\t \n", " \ta b\t ", " \ta b", "a b"},
+                          trim_row_t{"a # b", "a ", "a", "a"}, trim_row_t{"# b", "", "", ""},
+                          trim_row_t{" \t ", " \t ", "", ""}, trim_row_t{"\n", "", "", ""},
+                          trim_row_t{"a\v\f", "a\v\f", "a\v\f", "a\v\f"}, trim_row_t{"\ra", "", "", ""},
+                          trim_row_t{"a#\n\r", "a", "a", "a"}));
 
 TEST(NextWord, TakesThemOneByOne)
 {
@@ -108,21 +108,21 @@ TEST_P(NextInt, TakesANumber)
 	EXPECT_EQ(text, GetParam().rest);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-	Numbers, NextInt,
-	::testing::Values(int_row_t{"12", true, 12, ""}, int_row_t{" \t12 x", true, 12, " x"},
-			  int_row_t{"12x", true, 12, "x"}, int_row_t{"-5 6", true, -5, " 6"},
-			  int_row_t{"+7", true, 7, ""}, int_row_t{"007", true, 7, ""},
-			  int_row_t{"9223372036854775807", true, INT64_MAX, ""},
-			  int_row_t{"-9223372036854775808", true, INT64_MIN, ""},
-			  int_row_t{"9223372036854775808", true, INT64_MAX, ""},
-			  int_row_t{"99999999999999999999999 1", true, INT64_MAX, " 1"},
-			  int_row_t{"-99999999999999999999999", true, INT64_MIN, ""}));
+INSTANTIATE_TEST_SUITE_P(Numbers, NextInt,
+                         ::testing::Values(int_row_t{"12", true, 12, ""},
+                                           int_row_t{" \t12 x", true, 12, " x"},
+                                           int_row_t{"12x", true, 12, "x"}, int_row_t{"-5 6", true, -5, " 6"},
+                                           int_row_t{"+7", true, 7, ""}, int_row_t{"007", true, 7, ""},
+                                           int_row_t{"9223372036854775807", true, INT64_MAX, ""},
+                                           int_row_t{"-9223372036854775808", true, INT64_MIN, ""},
+                                           int_row_t{"9223372036854775808", true, INT64_MAX, ""},
+                                           int_row_t{"99999999999999999999999 1", true, INT64_MAX, " 1"},
+                                           int_row_t{"-99999999999999999999999", true, INT64_MIN, ""}));
 
 INSTANTIATE_TEST_SUITE_P(NoNumbers, NextInt,
-			 ::testing::Values(int_row_t{"", false, 0, ""}, int_row_t{"  ", false, 0, ""},
-					   int_row_t{"x1", false, 0, ""}, int_row_t{"-", false, 0, ""},
-					   int_row_t{"- 1", false, 0, ""}, int_row_t{"+-1", false, 0, ""}));
+                         ::testing::Values(int_row_t{"", false, 0, ""}, int_row_t{"  ", false, 0, ""},
+                                           int_row_t{"x1", false, 0, ""}, int_row_t{"-", false, 0, ""},
+                                           int_row_t{"- 1", false, 0, ""}, int_row_t{"+-1", false, 0, ""}));
 
 TEST(NextHex4, TakesAWord)
 {
@@ -182,7 +182,8 @@ TEST(HexDigit, EveryCharacter)
 		size_t expected = lower.find(letter);
 		if (expected == lower.npos)
 			expected = upper.find(letter);
-		EXPECT_EQ(str_hex_digit(letter), expected == lower.npos ? -1 : static_cast<int>(expected)) << c;
+		EXPECT_EQ(str_hex_digit(letter), expected == lower.npos ? -1 : static_cast<int>(expected))
+			<< c;
 	}
 }
 

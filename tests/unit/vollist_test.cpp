@@ -21,7 +21,8 @@ protected:
 
 TEST_F(VollistTest, EveryEntryIsAVolume)
 {
-	host.file("/etc/mtab", "/dev/hda1 / ext3 rw 0 0\nproc /proc proc rw 0 0\n/dev/hda3 /boot ext2 rw 0 0\n");
+	host.file("/etc/mtab",
+	          "/dev/hda1 / ext3 rw 0 0\nproc /proc proc rw 0 0\n/dev/hda3 /boot ext2 rw 0 0\n");
 	host.table("mount / 4096 1000 500 400\nmount /proc 4096 0 0\nmount /boot 1024 15225 15188\n");
 	EXPECT_EQ(get(), 0);
 	expect_shape(*list, 3, 3, 32);
@@ -54,7 +55,8 @@ TEST_F(VollistTest, OnlyRootAndBootThemselvesAreTheSystems)
 	static const struct {
 		const char *mntpath;
 		int sys;
-	} rows[] = {{"/boot", 1}, {"/", 1}, {"/boot/efi", 0}, {"/boot/", 0}, {"/bootx", 0}, {"//", 0}, {"none", 0}};
+	} rows[] = {{"/boot", 1},  {"/", 1},  {"/boot/efi", 0}, {"/boot/", 0},
+	            {"/bootx", 0}, {"//", 0}, {"none", 0}};
 	for (const auto &row : rows) {
 		host.file("/etc/mtab", printed("/dev/hda1 %s vfat rw 0 0\n", row.mntpath));
 		EXPECT_EQ(get(), 0);
@@ -65,7 +67,8 @@ TEST_F(VollistTest, OnlyRootAndBootThemselvesAreTheSystems)
 TEST_F(VollistTest, LargeVolumesHave64BitSpace)
 {
 	// 2^32 blocks of 4096 are 2^35 units of 512.
-	host.file("/etc/mtab", "/dev/hda1 /big xfs rw 0 0\n").table("mount /big 4096 4294967296 4294967295\n");
+	host.file("/etc/mtab", "/dev/hda1 /big xfs rw 0 0\n")
+		.table("mount /big 4096 4294967296 4294967295\n");
 	EXPECT_EQ(get(), 0);
 	EXPECT_EQ(list->item[0].volspace.total, 34359738368U);
 	EXPECT_EQ(list->item[0].volspace.free, 34359738360U);
@@ -100,7 +103,8 @@ TEST_F(VollistTest, DroppedVolumesWereReadAllTheSame)
 		mtab += printed("/dev/x%d /mnt/%d ext3 rw 0 0\n", i, i);
 	host.file("/etc/mtab", mtab);
 	const filter_func_t behind = [](const void *item, const void *arg) -> int {
-		return strcmp(static_cast<const exe_vol_t *>(item)->mntpath, static_cast<const char *>(arg)) == 0;
+		return strcmp(static_cast<const exe_vol_t *>(item)->mntpath,
+		              static_cast<const char *>(arg)) == 0;
 	};
 	// The table of mounts is full after 32, whatever the filter says.
 	EXPECT_EQ(get(behind, "/mnt/32"), 0);

@@ -97,12 +97,13 @@ bool str_next_int(std::string_view *text, int64_t *value)
 		text->remove_prefix(1);
 	if (text->empty() || !is_digit(text->front()))
 		return false;
-	int64_t magnitude = 0;
+	const uint64_t limit = static_cast<uint64_t>(INT64_MAX) + (negative ? 1 : 0);
+	uint64_t magnitude = 0;
 	for (; !text->empty() && is_digit(text->front()); text->remove_prefix(1)) {
-		const int digit = text->front() - '0';
-		magnitude = magnitude > (INT64_MAX - digit) / 10 ? INT64_MAX : magnitude * 10 + digit;
+		const auto digit = static_cast<uint64_t>(text->front() - '0');
+		magnitude = magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
 	}
-	*value = negative ? -magnitude : magnitude;
+	*value = static_cast<int64_t>(negative ? 0 - magnitude : magnitude);
 	return true;
 }
 
