@@ -1,3 +1,4 @@
+// The boundary: each command code goes to its provider, null arguments and unknown codes go nowhere.
 #include "diskscout.h"
 
 #include "hdd/hdd.h"

@@ -25,7 +25,7 @@ typedef struct tagStorageDiskList {
 	STORAGE_STRING szInterface;       /* "IDE", "SCSI", "USB", "FIBRE", "RAID" or "UNKNOWN" */
 	UINT nPosition;                   /* host << 24 | channel << 16 | ID << 8 | LUN */
 	STORAGE_STRING szMedia;           /* "Disk" */
-	STORAGE_STRING szVendor;          /* empty for IDE disks */
+	STORAGE_STRING szVendor;          /* empty for IDE disks, and where a device says "(" */
 	STORAGE_STRING szModel;           /* as the device tells it */
 	STORAGE_STRING szSerialNumber;    /* empty for SCSI disks */
 	STORAGE_STRING szFirmwareVersion; /* firmware revision */

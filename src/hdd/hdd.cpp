@@ -1,3 +1,4 @@
+// Inventory records become exported ones: one converter a kind, one way to link them, one to release them.
 #include "hdd/hdd.h"
 
 #include "hdd/sal/src/0/list.h"
@@ -5,6 +6,7 @@
 #include "hdd/sal/src/linux/parttab.h"
 
 #include <new>
+#include <string.h>
 
 // ---- records ----
 

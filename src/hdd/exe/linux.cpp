@@ -1,3 +1,4 @@
+// How the inventory is put together: disks first, then CD-ROM drives and volumes, then partitions.
 #include "hdd/exe/linux.h"
 
 #include "hdd/sal/src/0/fd.h"
@@ -12,6 +13,7 @@
 #include "hdd/sal/src/linux/procscsi.h"
 
 #include <stdio.h>
+#include <string.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -26,7 +28,7 @@ constexpr size32_t EXTENDED_LISTED_SIZE = 2;
 struct system_mounts_t {
 	fname_t root;
 	fname_t boot;
-	int taken;
+	int taken; // entries that the filter has kept so far
 };
 
 static void note_first(fname_t devpath, const mtab_mnt_t &mnt, std::string_view mntpath)
@@ -41,7 +43,7 @@ static int take_system_mount(const mtab_mnt_t *mnt, void *context)
 	if (!filter_mtab_mnt_in_dev(mnt, nullptr))
 		return 0;
 	if (mounts->taken++ == list_capacity<mtab_mntlist_t>())
-		return -1; // no list of mounts reaches further
+		return STOP_WALK; // no list of mounts reaches further
 	note_first(mounts->root, *mnt, "/");
 	note_first(mounts->boot, *mnt, "/boot");
 	return 0;
@@ -201,7 +203,7 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 
 // ---- CD-ROM drives and volumes ----
 
-// Divided as a signed number: what does not fit 63 bits comes out as it always has.
+// Divided as a signed number: a count of bytes beyond 63 bits is negative and shows as a huge size.
 static size32_t bytes_to_units(uint64_t bytes)
 {
 	return static_cast<size32_t>(static_cast<size64_t>(bytes) / 512);
@@ -276,7 +278,7 @@ struct vol_collector_t {
 	exe_vollist_t *list;
 	filter_func_t filter;
 	const void *arg;
-	int taken;
+	int taken; // entries so far
 	exe_vol_t vol;
 };
 
@@ -284,7 +286,7 @@ static int take_volume(const mtab_mnt_t *mnt, void *context)
 {
 	auto *to = static_cast<vol_collector_t *>(context);
 	if (to->taken++ == list_capacity<mtab_mntlist_t>())
-		return -2; // full: the rest is left out, and that is no error
+		return STOP_WALK; // the rest is left out, and that is no error
 	exe_vol_t &vol = to->vol;
 	str_refill(vol.devpath, mnt->devpath);
 	str_refill(vol.mntpath, mnt->mntpath);
@@ -312,7 +314,7 @@ static bool is_hidden(const exe_vollist_t &vols, int slot)
 {
 	const char *mntpath = vols.item[slot].mntpath;
 	const size_t length = strlen(mntpath);
-	for (int later = slot + 1; later < vols.lmt; later++) {
+	for (int later = slot + 1; later < list_capacity<exe_vollist_t>(); later++) {
 		const char *other = vols.item[later].mntpath;
 		if (strncmp(other, mntpath, length) == 0 &&
 		    (other[length] == '\0' || other[length] == *PDCHAR))
@@ -348,7 +350,7 @@ static void join_volumes(exe_part_t *part, const disk_volumes_t &vols)
 		if (part->mntpath[0] != '\0')
 			str_append(part->mntpath, ";");
 		str_append(part->mntpath, vol.mntpath);
-		if (is_hidden(*vols.all, vol.index))
+		if (is_hidden(*vols.all, static_cast<int>(&vol - vols.all->item)))
 			continue;
 		part->volid = vol.volid;
 		part->volspace = vol.volspace;
@@ -392,18 +394,6 @@ int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
 	return 0;
 }
 
-struct part_collector_t {
-	exe_partlist_t *list;
-	filter_func_t filter;
-	const void *arg;
-};
-
-static int collect(const exe_part_t *part, void *context)
-{
-	const auto *to = static_cast<const part_collector_t *>(context);
-	return keeps(to->filter, part, to->arg) ? list_add(to->list, LIST_FIRST_FREE, *part) : 0;
-}
-
 int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func_t filter, void *arg,
                              const exe_vollist_t *vols)
 {
@@ -411,6 +401,6 @@ int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func
 	CLEARED_BY_CALLEE exe_vollist_t own;
 	if (!vols && get_exe_vollist(&own, nullptr, nullptr) != 0)
 		return -1;
-	part_collector_t to = {list, filter, arg};
-	return walk_exe_parts(disk, vols ? *vols : own, collect, &to);
+	collector_t<exe_partlist_t> to = {list, filter, arg};
+	return walk_exe_parts(disk, vols ? *vols : own, collect<exe_partlist_t>, &to);
 }

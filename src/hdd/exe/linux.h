@@ -99,14 +99,15 @@ int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg);
 // The first 32 mounted file systems, pseudo ones included. 0, or -1 when the mount table cannot be opened.
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg);
 
-// Calls take for every partition of the disk at this path, joined to the volumes. 0; -1 without a call when
-// the disk cannot be opened, sized or read, or when take returned other than 0, which ends the walk.
+// Calls take for every partition of the disk at this path, joined to the volumes, until it returns other
+// than 0. Returns 0, or -1: the disk cannot be opened, sized or read (take is not called then), or take has
+// ended the walk.
 int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
                    int (*take)(const exe_part_t *part, void *context), void *context);
 
 // The partitions of the disk at this path, joined to their volumes; a null vols builds a volume list of its
-// own. 0, or -1 with an empty list when the disk cannot be opened, sized or read or the volumes cannot be
-// listed.
+// own. 0, or -1: the disk cannot be opened, sized or read, or the volumes cannot be listed (the list is
+// empty), or there are more partitions than the list holds.
 int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func_t filter, void *arg,
                              const exe_vollist_t *vols);
 

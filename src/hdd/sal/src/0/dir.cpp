@@ -2,6 +2,8 @@
 
 #include <stdlib.h>
 
+// Sorted as the host's locale sorts: that is what alphasort does. The drives' names sort alike in all of
+// them.
 Listing::Listing(const char *path, int (*select)(const dirent *))
     : count_(scandir(path, &entries_, select, alphasort))
 {

@@ -2,8 +2,8 @@
 
 #include "hdd/sal/src/0/str.h"
 
-// Flushing all output streams is part of every stream operation here: what a host has printed so far
-// appears before whatever follows from the reading.
+// Part of every line read and of every close: what the host has printed so far appears before whatever
+// follows from the reading.
 static void flush_all()
 {
 	fflush(nullptr);
@@ -25,6 +25,8 @@ int fsread_line(FILE *fs, char *line)
 	b0_line(line);
 	const bool got = fgets(line, LINE_SIZE, fs) != nullptr;
 	flush_all();
+	if (!got)
+		b0_line(line);
 	return got ? 0 : -1;
 }
 

@@ -8,11 +8,11 @@ FILE *fsopen_ro(const char *path); // null on failure
 // Flushes all output streams, then closes fs. Returns what closing returned: 0, or EOF.
 int fsclose(FILE *fs);
 // Zeroes the line_t, then reads at most 1023 characters up to and including a newline, and flushes all
-// output streams. 0, or -1 at end of file or error.
+// output streams. 0, or -1 at end of file or error, with the line zeroed.
 int fsread_line(FILE *fs, char *line);
 // The first line of a file, read as above. 0, or -1 when there is none; the line is zeroed then.
 int fsread_line_by_path(const char *path, char *line);
-// Writes the text to an existing kernel file in one piece. 0, or -1.
+// Writes the text in one piece to a file, such as one of the kernel's that take commands. 0, or -1.
 int fswrite_text_by_path(const char *path, const char *text);
 
 // Closes its stream when the scope ends.
@@ -25,6 +25,8 @@ public:
 	Stream &operator=(const Stream &) = delete;
 	explicit operator bool() const { return fs_ != nullptr; }
 	FILE *get() const { return fs_; }
+	// Whether reading has ended for an error and not for the end of the file.
+	bool failed() const { return ferror(fs_) != 0; }
 
 private:
 	fs_t fs_;

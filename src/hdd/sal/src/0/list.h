@@ -78,6 +78,26 @@ template <class Item> bool keeps(filter_func_t filter, const Item *candidate, co
 	return !filter || filter(candidate, arg) != 0;
 }
 
+// A walk calls its visitor for every item until it returns other than 0. Such a visitor is collect: it keeps
+// what the filter keeps in the list of its context, and returns LIST_FULL when it finds no room.
+constexpr int LIST_FULL = -2;
+// Returned by a visitor that has seen enough.
+constexpr int STOP_WALK = 1;
+
+template <class List> struct collector_t {
+	List *list;
+	filter_func_t filter;
+	const void *arg;
+};
+
+template <class List> int collect(const std::remove_extent_t<decltype(List::item)> *item, void *context)
+{
+	const auto *to = static_cast<const collector_t<List> *>(context);
+	if (!keeps(to->filter, item, to->arg))
+		return 0;
+	return list_add(to->list, LIST_FIRST_FREE, *item) == 0 ? 0 : LIST_FULL;
+}
+
 // The occupied slots of a list, in slot order: for (const auto &item : live_items(list)).
 template <class List> class live_items
 {
@@ -100,7 +120,7 @@ public:
 	private:
 		void skip_free()
 		{
-			while (slot_ < list_.lmt && list_.item[slot_].tag == 0)
+			while (slot_ < list_capacity<List>() && list_.item[slot_].tag == 0)
 				slot_++;
 		}
 		const List &list_;
@@ -108,7 +128,7 @@ public:
 	};
 
 	iterator begin() const { return iterator(list_, 0); }
-	iterator end() const { return iterator(list_, list_.lmt); }
+	iterator end() const { return iterator(list_, list_capacity<List>()); }
 
 private:
 	const List &list_;

@@ -143,6 +143,12 @@ int str_digits(std::string_view digits)
 	return value;
 }
 
+std::string_view str_columns(std::string_view text, size_t column, size_t length)
+{
+	text.remove_prefix(column < text.size() ? column : text.size());
+	return text.size() <= length ? text : std::string_view(text.data(), length);
+}
+
 bool str_begins(std::string_view text, std::string_view prefix)
 {
 	return text.size() >= prefix.size() && memcmp(text.data(), prefix.data(), prefix.size()) == 0;

@@ -26,7 +26,7 @@ bool str_next_word(std::string_view *text, std::string_view *word);
 // Takes a decimal number with an optional sign off the text, blanks before it included. Returns false when
 // there is none. A number beyond 64 bits comes out as the nearest one.
 bool str_next_int(std::string_view *text, int64_t *value);
-// Takes a word of one to four hexadecimal digits off the text, blanks before it included.
+// Takes a word of one to four hexadecimal digits off the text, blanks before it included; no sign, no "0x".
 bool str_next_hex4(std::string_view *text, unsigned *value);
 
 // The value of a text of decimal digits; -1 when it is empty or holds anything else, INT_MAX when it is too
@@ -34,6 +34,9 @@ bool str_next_hex4(std::string_view *text, unsigned *value);
 int str_digits(std::string_view digits);
 // The value of one hexadecimal digit of either case, or -1.
 int str_hex_digit(char c);
+
+// The text from a column on, counted from 0, of at most that length; empty behind the text's end.
+std::string_view str_columns(std::string_view text, size_t column, size_t length = SIZE_MAX);
 
 // A text beginning with the prefix.
 bool str_begins(std::string_view text, std::string_view prefix);

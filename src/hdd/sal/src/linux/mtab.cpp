@@ -38,23 +38,11 @@ int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *con
 	return table ? walk_entries(table.get(), take, context) : -1;
 }
 
-struct mtab_collector_t {
-	mtab_mntlist_t *list;
-	filter_func_t filter;
-	const void *arg;
-};
-
-static int collect(const mtab_mnt_t *mnt, void *context)
-{
-	const auto *to = static_cast<const mtab_collector_t *>(context);
-	return keeps(to->filter, mnt, to->arg) && list_add(to->list, LIST_FIRST_FREE, *mnt) != 0 ? -2 : 0;
-}
-
 int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	mtab_collector_t to = {list, filter, arg};
-	return walk_mtab(MTAB_PIPE, collect, &to);
+	collector_t<mtab_mntlist_t> to = {list, filter, arg};
+	return walk_mtab(MTAB_PIPE, collect<mtab_mntlist_t>, &to);
 }
 
 int filter_mtab_mnt_in_dev(const void *item, const void *)

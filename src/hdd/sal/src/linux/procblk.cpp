@@ -13,6 +13,8 @@
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 
+#include <string.h>
+
 // Longest name that a line is taken to hold; what stands behind it is ignored.
 constexpr size_t NAME_LIMIT = 63;
 
@@ -52,26 +54,14 @@ int walk_procblk(int (*take)(const procblk_dev_t *dev, void *context), void *con
 	while (fsread_line(table.get(), line) == 0)
 		if (parse_procblk_line(line, &dev) != 0 || take(&dev, context) != 0)
 			result = -1;
-	return result;
-}
-
-struct procblk_collector_t {
-	procblk_devlist_t *list;
-	filter_func_t filter;
-	const void *arg;
-};
-
-static int collect(const procblk_dev_t *dev, void *context)
-{
-	const auto *to = static_cast<const procblk_collector_t *>(context);
-	return keeps(to->filter, dev, to->arg) ? list_add(to->list, to->list->num, *dev) : 0;
+	return table.failed() ? -1 : result;
 }
 
 int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	procblk_collector_t to = {list, filter, arg};
-	return walk_procblk(collect, &to);
+	collector_t<procblk_devlist_t> to = {list, filter, arg};
+	return walk_procblk(collect<procblk_devlist_t>, &to);
 }
 
 int filter_procblk_is_disk(const void *item, const void *)

@@ -12,6 +12,8 @@
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 
+#include <string.h>
+
 constexpr int IDENTIFY_LINES = 32;
 constexpr int WORDS_A_LINE = 8;
 
@@ -60,7 +62,7 @@ static int read_identify(const char *path, identify_t *identify)
 			return -1;
 		memcpy(identify->bytes[rows++], row, sizeof row);
 	}
-	return result;
+	return file.failed() ? -1 : result;
 }
 
 // The first line of a file of the drive, trimmed. 0, or -1.

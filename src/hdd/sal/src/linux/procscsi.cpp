@@ -22,6 +22,7 @@
 
 #include <limits.h>
 #include <stdlib.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <time.h>
 
@@ -102,42 +103,43 @@ static int parse_host_line(const std::string_view (&words)[HOST_LINE_WORDS], idl
 	return 0;
 }
 
-// A labelled field at a fixed column. The buffer is longer than any column, so a short line has NULs there.
-static bool has_label(const char *line, int column, std::string_view label)
-{
-	return str_begins(line + column, label);
-}
-
 //   Vendor: ACME     Model: EXAMPLE DISK     Rev: 1.02
-static int parse_identity_line(const char *line, procscsi_dev_t *dev)
+static int parse_identity_line(std::string_view line, procscsi_dev_t *dev)
 {
-	if (!has_label(line, 0, "  Vendor: ") || !has_label(line, 19, "Model: ") ||
-	    !has_label(line, 43, "Rev: "))
+	if (!str_begins(line, "  Vendor: ") || !str_begins(str_columns(line, 19), "Model: ") ||
+	    !str_begins(str_columns(line, 43), "Rev: "))
 		return -1;
-	str_copy(dev->vendor, str_trim(std::string_view(line + 10, 8)));
-	str_copy(dev->model, str_trim(std::string_view(line + 26, 16)));
-	str_copy(dev->rev, str_cut_strip(std::string_view(line + 48, 10)));
+	str_copy(dev->vendor, str_trim(str_columns(line, 10, 8)));
+	str_copy(dev->model, str_trim(str_columns(line, 26, 16)));
+	str_copy(dev->rev, str_cut_strip(str_columns(line, 48, 10)));
 	return 0;
 }
 
 //   Type:   Direct-Access                    ANSI  SCSI revision: 02
-static int parse_type_line(const char *line, procscsi_dev_t *dev)
+static int parse_type_line(std::string_view line, procscsi_dev_t *dev)
 {
-	if (!has_label(line, 0, "  Type:   "))
+	if (!str_begins(line, "  Type:   "))
 		return -1;
-	str_copy(dev->media, str_cut_strip(std::string_view(line + 10, 32)));
+	str_copy(dev->media, str_cut_strip(str_columns(line, 10, 32)));
 	return 0;
+}
+
+// A line of somebody else's need not end in a NUL.
+static std::string_view line_text(const line_t line)
+{
+	return std::string_view(line, strnlen(line, LINE_SIZE));
 }
 
 int parse_procscsi_dev(procscsi_dev_t *dev, filter_func_t filter, void *arg, char lines[3][LINE_SIZE])
 {
 	b0(dev, sizeof *dev);
 	std::string_view words[HOST_LINE_WORDS];
-	if (!split_host_line(lines[0], words))
+	if (!split_host_line(line_text(lines[0]), words))
 		return 0;
 	procscsi_dev_t candidate = {};
-	if (parse_host_line(words, &candidate.idlun) != 0 || parse_identity_line(lines[1], &candidate) != 0 ||
-	    parse_type_line(lines[2], &candidate) != 0)
+	if (parse_host_line(words, &candidate.idlun) != 0 ||
+	    parse_identity_line(line_text(lines[1]), &candidate) != 0 ||
+	    parse_type_line(line_text(lines[2]), &candidate) != 0)
 		return -1;
 	if (!keeps(filter, &candidate, arg))
 		return 0;
@@ -172,7 +174,7 @@ int parse_procscsi_devlist(procscsi_devlist_t *list, filter_func_t filter, void 
 		    (dev.tag != 0 && list_add(list, list->num, dev) != 0))
 			result = -1;
 	}
-	return result;
+	return table.failed() ? -1 : result;
 }
 
 static int command_registry(const char *verb, const idlun_t *idlun)

@@ -180,7 +180,8 @@ static void dump_disks(const char *kind, const raidtab_subdevlist_t &disks)
 {
 	fprintf(stderr, "    %s(num=%d,num_real=%d):", kind, disks.num, disks.num_real);
 	for (const raidtab_subdev_t &disk : live_items(disks))
-		fprintf(stderr, " %s[%d]%s", disk.name, disk.index, disk.faulty ? "(F)" : "");
+		fprintf(stderr, " %s[%d]%s", disk.name, static_cast<int>(&disk - disks.item),
+		        disk.faulty ? "(F)" : "");
 	fputs("\n", stderr);
 }
 
