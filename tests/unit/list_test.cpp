@@ -2,6 +2,7 @@
 #include "host.h"
 
 #include "hdd/sal/src/0/list.h"
+#include "hdd/sal/src/linux/procblk.h"
 
 namespace
 {
@@ -182,6 +183,21 @@ TEST(ListDump, ShowsTheLow32BitsOfAddresses)
 	const auto *self = reinterpret_cast<const void *>(0x1280000001UL);
 	EXPECT_EQ(stderr_of([&] { dump_list_head(3, 2, 32, parent, self); }),
 	          std::string(58, '*') + "\nnum=3, num_real=2, lmt=32, parent=00000abc, this=80000001\n");
+}
+
+// A list that somebody has filled by hand, heads and all left out.
+TEST(LiveItems, AreThoseOfTheArray)
+{
+	auto list = std::make_unique<procblk_devlist_t>();
+	list->item[1].tag = 1;
+	list->item[31].tag = 1;
+	for (const int lmt : {0, 32, 4000}) {
+		list->lmt = lmt;
+		std::vector<const procblk_dev_t *> seen;
+		for (const procblk_dev_t &dev : live_items(*list))
+			seen.push_back(&dev);
+		EXPECT_THAT(seen, ::testing::ElementsAre(&list->item[1], &list->item[31])) << lmt;
+	}
 }
 
 } // namespace

@@ -352,4 +352,19 @@ TEST_F(PartlistTest, WalkOfABadDiskTakesNothing)
 	EXPECT_THAT(walk.seen, ::testing::IsEmpty());
 }
 
+// A volume list in which the slots do not say their numbers: the first two entries share a mount point, the
+// third is the partition's own.
+TEST_F(PartlistTest, AVolumesSlotIsWhereItStands)
+{
+	disk(ONE);
+	mounted("proc", "/proc");
+	mounted("sys", "/proc");
+	mounted("/dev/hda1", "/mnt", 40);
+	for (exe_vol_t &volume : vols->item)
+		volume.index = -4711;
+	EXPECT_EQ(get(), 0);
+	EXPECT_EQ(text_of(first().mntpath), "/mnt");
+	EXPECT_EQ(text_of(first().volid.fsname), "fs2");
+}
+
 } // namespace

@@ -342,4 +342,29 @@ TEST_F(ProcscsiTest, DisplaySkipsFreeSlots)
 	                  printed("[*2 1  %08x*] (1, 2, 3, 4) ACME EXAMPLE DISK 1.02 Direct-Access\n", self));
 }
 
+// Lines that a caller has filled by hand: old bytes behind the text, or no end of text at all.
+TEST_F(BlockTest, NothingBehindTheTextCounts)
+{
+	char lines[3][LINE_SIZE] = {"Host: scsi0 Channel: 00 Id: 01 Lun: 00\n", "  Vendor: A\n",
+	                            "  Type:   Direct-Access\n"};
+	strcpy(lines[1] + 19, "Model: STALE");
+	strcpy(lines[1] + 43, "Rev: 9");
+	auto stale = soiled<procscsi_dev_t>();
+	EXPECT_EQ(parse_procscsi_dev(stale.get(), nullptr, nullptr, lines), -1);
+	EXPECT_TRUE(is_zero(*stale));
+}
+
+TEST_F(BlockTest, LinesWithoutAnEndAreReadToTheirLimit)
+{
+	char lines[3][LINE_SIZE];
+	memset(lines, 'x', sizeof lines);
+	memcpy(lines[0], "Host: scsi0 Channel: 00 Id: 01 Lun: 00 ", 39);
+	memcpy(lines[1], "  Vendor: ACME     Model: DISK             Rev: 1.0 ", 52);
+	memcpy(lines[2], "  Type:   Direct-Access ", 24);
+	auto endless = soiled<procscsi_dev_t>();
+	EXPECT_EQ(parse_procscsi_dev(endless.get(), nullptr, nullptr, lines), 0);
+	EXPECT_EQ(text_of(endless->vendor), "ACME");
+	EXPECT_EQ(text_of(endless->media), "Direct-Access " + repeat("x", 18));
+}
+
 } // namespace
