@@ -227,25 +227,57 @@ static std::string_view read_cdrom_link(fname_t target)
 	return split_devname(target).base;
 }
 
-static const mtab_mnt_t *find_mount_of(const mtab_mntlist_t &mounts, std::string_view devpath)
+// The first mount of every drive, and of the link /dev/cdrom: all of the mount table that matters here.
+struct drive_mounts_t {
+	const procide_devlist_t *drives;
+	int taken; // entries so far
+	mtab_mnt_t linked;
+	mtab_mnt_t of[list_capacity<procide_devlist_t>()];
+};
+
+static void note_mount(mtab_mnt_t *first, const mtab_mnt_t &mnt, const char *name)
 {
-	for (const mtab_mnt_t &mnt : live_items(mounts))
-		if (mnt.devpath == devpath)
-			return &mnt;
-	return nullptr;
+	constexpr size_t DIR_LENGTH = sizeof DEV_DIR; // with the separator
+	if (first->tag != 0 || strcmp(mnt.devpath + DIR_LENGTH, name) != 0)
+		return;
+	*first = mnt;
+	first->tag = 1;
 }
 
-static void assemble_cdrom(exe_cdrom_t *cdrom, const procide_dev_t &drive, const mtab_mntlist_t &mounts,
+static int take_drive_mount(const mtab_mnt_t *mnt, void *context)
+{
+	auto *mounts = static_cast<drive_mounts_t *>(context);
+	if (mounts->taken++ == list_capacity<mtab_mntlist_t>())
+		return STOP_WALK; // no list of mounts reaches further
+	if (!filter_mtab_mnt_in_dev(mnt, nullptr))
+		return 0;
+	note_mount(&mounts->linked, *mnt, "cdrom");
+	for (const procide_dev_t &drive : live_items(*mounts->drives))
+		note_mount(&mounts->of[drive.index], *mnt, drive.name);
+	return 0;
+}
+
+static void find_drive_mounts(drive_mounts_t *mounts, const procide_devlist_t &drives)
+{
+	mounts->drives = &drives;
+	mounts->taken = 0;
+	mounts->linked.tag = 0;
+	for (mtab_mnt_t &mnt : mounts->of)
+		mnt.tag = 0;
+	walk_mtab(MTAB_PIPE, take_drive_mount, mounts);
+}
+
+static void assemble_cdrom(exe_cdrom_t *cdrom, const procide_dev_t &drive, const drive_mounts_t &mounts,
                            std::string_view linked)
 {
 	b0(cdrom, sizeof *cdrom);
 	fn_join(cdrom->devpath, DEV_DIR, drive.name);
 	identify_ide(&cdrom->devid, drive);
 
-	const mtab_mnt_t *mnt = find_mount_of(mounts, cdrom->devpath);
-	if (!mnt && linked == drive.name)
-		mnt = find_mount_of(mounts, "/dev/cdrom");
-	if (!mnt)
+	const mtab_mnt_t *mnt = &mounts.of[drive.index];
+	if (mnt->tag == 0 && linked == drive.name)
+		mnt = &mounts.linked;
+	if (mnt->tag == 0)
 		return;
 	str_copy(cdrom->mntpath, mnt->mntpath);
 	str_copy(cdrom->volid.fsname, mnt->fsname);
@@ -256,10 +288,10 @@ int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
 	CLEARED_BY_CALLEE procide_devlist_t drives;
-	CLEARED_BY_CALLEE mtab_mntlist_t mounts;
+	CLEARED_BY_CALLEE drive_mounts_t mounts;
 	fname_t target;
 	parse_procide_devlist(&drives, nullptr, nullptr);
-	parse_mtab_mntlist(&mounts, nullptr, nullptr);
+	find_drive_mounts(&mounts, drives);
 	const std::string_view linked = read_cdrom_link(target);
 
 	CLEARED_BY_CALLEE exe_cdrom_t cdrom;
@@ -279,7 +311,6 @@ struct vol_collector_t {
 	filter_func_t filter;
 	const void *arg;
 	int taken; // entries so far
-	exe_vol_t vol;
 };
 
 static int take_volume(const mtab_mnt_t *mnt, void *context)
@@ -287,21 +318,26 @@ static int take_volume(const mtab_mnt_t *mnt, void *context)
 	auto *to = static_cast<vol_collector_t *>(context);
 	if (to->taken++ == list_capacity<mtab_mntlist_t>())
 		return STOP_WALK; // the rest is left out, and that is no error
-	exe_vol_t &vol = to->vol;
-	str_refill(vol.devpath, mnt->devpath);
-	str_refill(vol.mntpath, mnt->mntpath);
-	str_refill(vol.volid.fsname, mnt->fsname);
-	vol.volspace = measure_volume(mnt->mntpath);
-	vol.sys = strcmp(mnt->mntpath, "/") == 0 || strcmp(mnt->mntpath, "/boot") == 0;
-	if (keeps(to->filter, &vol, to->arg))
-		list_add(to->list, LIST_FIRST_FREE, vol);
+	// Built in its slot: copying all volumes there would take longer than reading their entries.
+	exe_vol_t *vol = list_open(to->list, LIST_FIRST_FREE);
+	str_refill(vol->devpath, mnt->devpath);
+	str_refill(vol->mntpath, mnt->mntpath);
+	str_refill(vol->volid.fsname, mnt->fsname);
+	vol->volspace = measure_volume(mnt->mntpath);
+	vol->sys = strcmp(mnt->mntpath, "/") == 0 || strcmp(mnt->mntpath, "/boot") == 0;
+	if (keeps(to->filter, vol, to->arg))
+		list_keep(to->list, vol);
+	else
+		b0(vol, sizeof *vol);
 	return 0;
 }
 
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg)
 {
+	static_assert(list_capacity<exe_vollist_t>() >= list_capacity<mtab_mntlist_t>(),
+	              "every mount that is taken finds a free slot");
 	list_clear(list);
-	vol_collector_t to = {list, filter, arg, 0, {}};
+	vol_collector_t to = {list, filter, arg, 0};
 	return walk_mtab(MTAB_PIPE, take_volume, &to) == -1 ? -1 : 0;
 }
 

@@ -54,7 +54,8 @@ bool is_scsi_name(const devname_t &name)
 
 int fn_join(fname_t out, const char *dir, const char *name)
 {
-	str_copy(out, FNAME_SIZE, dir);
+	out[0] = '\0';
+	str_append(out, FNAME_SIZE, dir);
 	str_append(out, FNAME_SIZE, PDCHAR);
 	str_append(out, FNAME_SIZE, name);
 	if (strlen(dir) + strlen(PDCHAR) + strlen(name) < FNAME_SIZE)

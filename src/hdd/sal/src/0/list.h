@@ -52,23 +52,40 @@ template <class List> int list_first_free(const List *list)
 	return slot;
 }
 
-// Copies the candidate into the slot. Returns 0, or -1 when the slot is taken or outside the list.
-template <class List, class Item> int list_add(List *list, int slot, const Item &candidate)
+template <class List> using list_item_t = std::remove_extent_t<decltype(List::item)>;
+
+// The slot, when it is free: a candidate can be built in it and is dropped by clearing it again. Null when it
+// is taken or outside the list.
+template <class List> list_item_t<List> *list_open(List *list, int slot)
 {
 	list_renumber(list);
 	if (slot == LIST_FIRST_FREE)
 		slot = list_first_free(list);
 	if (slot < 0 || slot >= list->lmt || list->item[slot].tag != 0)
-		return -1;
-	Item &item = list->item[slot];
-	item = candidate;
-	// What renumbering once more would do.
-	item.tag = 1;
-	item.index = slot;
-	item.parent = list;
+		return nullptr;
+	return &list->item[slot];
+}
+
+// Occupies the slot that was opened last: what renumbering once more would do.
+template <class List> void list_keep(List *list, list_item_t<List> *item)
+{
+	const int slot = static_cast<int>(item - list->item);
+	item->tag = 1;
+	item->index = slot;
+	item->parent = list;
 	list->num_real++;
 	if (list->num <= slot)
 		list->num = slot + 1;
+}
+
+// Copies the candidate into the slot. Returns 0, or -1 when the slot is taken or outside the list.
+template <class List> int list_add(List *list, int slot, const list_item_t<List> &candidate)
+{
+	list_item_t<List> *item = list_open(list, slot);
+	if (!item)
+		return -1;
+	*item = candidate;
+	list_keep(list, item);
 	return 0;
 }
 
@@ -90,7 +107,7 @@ template <class List> struct collector_t {
 	const void *arg;
 };
 
-template <class List> int collect(const std::remove_extent_t<decltype(List::item)> *item, void *context)
+template <class List> int collect(const list_item_t<List> *item, void *context)
 {
 	const auto *to = static_cast<const collector_t<List> *>(context);
 	if (!keeps(to->filter, item, to->arg))
