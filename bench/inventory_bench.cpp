@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string>
 
 static void query(UINT code)
 {
@@ -54,9 +55,14 @@ static long calls_of(void (*run)())
 
 static void repeat(benchmark::State &state, void (*run)())
 {
-	for (auto _ : state)
+	while (state.KeepRunning())
 		run();
 	state.counters["calls"] = static_cast<double>(calls_of(run));
+}
+
+static void register_row(const std::string &name, const char *side, void (*run)())
+{
+	benchmark::RegisterBenchmark((name + "/" + side).c_str(), repeat, run)->Unit(benchmark::kMicrosecond);
 }
 
 int main(int argc, char **argv)
@@ -73,11 +79,8 @@ int main(int argc, char **argv)
 			        floor);
 			return 1;
 		}
-		for (const bool is_floor : {false, true})
-			benchmark::RegisterBenchmark(
-				(std::string(row.name) + (is_floor ? "/floor" : "/query")).c_str(), repeat,
-				is_floor ? row.floor : row.query)
-				->Unit(benchmark::kMicrosecond);
+		register_row(row.name, "query", row.query);
+		register_row(row.name, "floor", row.floor);
 	}
 	benchmark::Initialize(&argc, argv);
 	if (benchmark::ReportUnrecognizedArguments(argc, argv))

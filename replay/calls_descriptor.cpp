@@ -121,6 +121,7 @@ REPLAY_CALL char *__fgets_chk(char *text, size_t room, int size, FILE *stream)
 REPLAY_CALL struct mntent *getmntent(FILE *stream) __THROW
 {
 	if (!must_fail(CALL_GETMNTENT))
+		// cppcheck-suppress CastIntegerToAddressAtReturn
 		return REPLAY_REAL(getmntent)(stream);
 	mark_error(stream);
 	return nullptr;

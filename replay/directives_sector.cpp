@@ -76,7 +76,8 @@ bool read_entry(reading &in, char *cursor)
 
 	if (in.open_table->entries == 4)
 		return fault(in, "a table has four entries");
-	unsigned char *slot = in.open_table->data + 446 + size_t{16} * in.open_table->entries++;
+	unsigned char *slot = in.open_table->data + 446 + size_t{16} * in.open_table->entries;
+	in.open_table->entries++;
 	if (active != nullptr && strcmp(active, "-") == 0 && type == nullptr)
 		return true;
 	if (active == nullptr || type == nullptr || !read_hex_byte(active, &slot[0]) ||

@@ -162,6 +162,7 @@ INSTANTIATE_TEST_SUITE_P(
                           identify_row_t{"seven words",
                                          identify_lines(2) + "0 1 2 3 4 5 6\n" + identify_lines(29), -1},
                           identify_row_t{"no words", identify_lines(2) + "none\n", -1},
+                          identify_row_t{"carriage return inside", "0 1 2 3\r4 5 6 7\n", -1},
                           identify_row_t{"bad eighth word", "0 1 2 3 4 5 6 x\n", -1},
                           identify_row_t{"nine words", "0 1 2 3 4 5 6 7 8\n", 0},
                           identify_row_t{"words cut by a comment", "0 1 2 3 4 5 6 # 7\n", -1},

@@ -12,7 +12,7 @@
 #include "hdd/sal/src/linux/procide.h"
 #include "hdd/sal/src/linux/procscsi.h"
 
-#include <stdio.h>
+#include <charconv>
 #include <string.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -406,9 +406,9 @@ static void assemble_part(exe_part_t *part, const part_t &entry, const disk_volu
 	part->sys = 0;
 	str_refill(part->mntpath, "");
 	str_refill(part->devpath, part->disk);
-	char number[12];
-	snprintf(number, sizeof number, "%d", entry.part_index + 1);
-	str_append(part->devpath, number);
+	char digits[12];
+	const char *end = std::to_chars(digits, digits + sizeof digits, entry.part_index + 1).ptr;
+	str_append(part->devpath, std::string_view(digits, static_cast<size_t>(end - digits)));
 	join_volumes(part, vols);
 }
 

@@ -62,6 +62,13 @@ std::string_view str_trim(std::string_view text)
 	return text;
 }
 
+bool str_is_blank(const char *text)
+{
+	while (is_blank(*text))
+		text++;
+	return ends_field(*text);
+}
+
 static bool is_space(char c)
 {
 	return c == ' ' || (c >= '\t' && c <= '\r');
@@ -107,15 +114,28 @@ bool str_next_int(std::string_view *text, int64_t *value)
 	return true;
 }
 
+struct hex_digits_t {
+	int8_t value[256];
+};
+
+static constexpr hex_digits_t make_hex_digits()
+{
+	hex_digits_t digits = {};
+	for (int8_t &value : digits.value)
+		value = -1;
+	for (int8_t i = 0; i < 10; i++)
+		digits.value['0' + i] = i;
+	for (int8_t i = 0; i < 6; i++) {
+		digits.value['a' + i] = static_cast<int8_t>(10 + i);
+		digits.value['A' + i] = static_cast<int8_t>(10 + i);
+	}
+	return digits;
+}
+
 int str_hex_digit(char c)
 {
-	if (is_digit(c))
-		return c - '0';
-	if (c >= 'a' && c <= 'f')
-		return c - 'a' + 10;
-	if (c >= 'A' && c <= 'F')
-		return c - 'A' + 10;
-	return -1;
+	static constexpr hex_digits_t DIGITS = make_hex_digits();
+	return DIGITS.value[static_cast<unsigned char>(c)];
 }
 
 bool str_next_hex4(std::string_view *text, unsigned *value)

@@ -21,6 +21,9 @@ std::string_view str_cut_strip(std::string_view text);
 // str_cut_strip, then without the blanks and tabs at its start.
 std::string_view str_trim(std::string_view text);
 
+// Whether trimming would leave nothing.
+bool str_is_blank(const char *text);
+
 // Takes the next word off the text; blanks, tabs and line ends separate. False when none is left.
 bool str_next_word(std::string_view *text, std::string_view *word);
 // Takes a decimal number with an optional sign off the text, blanks before it included. Returns false when

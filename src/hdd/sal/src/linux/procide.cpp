@@ -50,11 +50,10 @@ static int read_identify(const char *path, identify_t *identify)
 	int rows = 0;
 	line_t line;
 	while (fsread_line(file.get(), line) == 0) {
-		const std::string_view text = str_trim(line);
 		char row[WORDS_A_LINE * 2];
-		if (text.empty())
+		if (str_is_blank(line))
 			continue;
-		if (!parse_identify_line(text, row)) {
+		if (!parse_identify_line(str_cut(line), row)) {
 			result = -1;
 			continue;
 		}
