@@ -2,6 +2,7 @@
 #include "diskscout.h"
 
 #include "hdd/hdd.h"
+#include "hwraid/aacraid/hsa_20_need.h"
 
 #include <stdio.h>
 
@@ -18,6 +19,8 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 	case CMD_GET_PARTITIONS:
 	case CMD_GET_CDROMS:
 		return GetItemInfo_hdd(cmd, result, length);
+	case CMD_GET_CONTROLLERS:
+		return HWRAID__GetItemInfo(cmd, result, length);
 	default:
 		return -1;
 	}
@@ -32,6 +35,11 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 	case CMD_FREE_PARTITIONS:
 	case CMD_FREE_CDROMS:
 		return SetItemInfo_hdd(cmd, result);
+	case CMD_FREE_CONTROLLERS: {
+		// Deliberately the function that queries: it knows the release codes itself.
+		int nLength = 0;
+		return HWRAID__GetItemInfo(cmd, result, &nLength);
+	}
 	default:
 		return -1;
 	}

@@ -82,6 +82,16 @@ typedef struct tagStoragePartList {
 	struct tagStoragePartList *next; /* null at the end */
 } STORAGE_PART_LIST;
 
+/* One RAID controller: 88 bytes, query CMD_GET_CONTROLLERS. */
+typedef struct __tag_aac_control {
+	int ControllerID;      /* position in the controller list, from 0 */
+	char Adapter_Name[32]; /* as the controller tool knows it, such as aac0 */
+	char Adapter_Type[32]; /* model */
+	int Availability;      /* 0 "Unavailability", 1 "Unknown", 2 "read only", 3 "read/write"; -1 other */
+	int Clustering;        /* 0 "No", 1 "Yes"; -1 other */
+	struct __tag_aac_control *next; /* null at the end */
+} aac_controller;
+
 #ifdef __cplusplus
 extern "C" {
 #endif

@@ -83,3 +83,11 @@ AT(STORAGE_PART_LIST, nUsedSpace, 360);
 AT(STORAGE_PART_LIST, bUsedBySystem, 368);
 AT(STORAGE_PART_LIST, bActive, 369);
 AT(STORAGE_PART_LIST, next, 376);
+
+SIZE(aac_controller, 88);
+AT(aac_controller, ControllerID, 0);
+AT(aac_controller, Adapter_Name, 4);
+AT(aac_controller, Adapter_Type, 36);
+AT(aac_controller, Availability, 68);
+AT(aac_controller, Clustering, 72);
+AT(aac_controller, next, 80);

@@ -5,7 +5,10 @@ import subprocess
 
 import pytest
 
-EXPORTS = {"GetItemInfo", "SetItemInfo", "stcli", "memory_counter_hdd", "memory_counter_hwraid"}
+EXPORTS = {
+    "GetItemInfo", "SetItemInfo", "stcli", "memory_counter_hdd", "memory_counter_hwraid", "g_szConfigFileName",
+    "Aac_Get_Controller_List", "Aac_Get_Controller_Name", "Aac_Clear_Controller_List", "AnalyzeControllerFile",
+}
 
 # What a plug-in in a foreign process leaves alone: memory that somebody would have to give back, unbounded
 # copies, threads, signals and exit handlers.

@@ -1,0 +1,136 @@
+#include "hwraid/aacraid/aac_tool.h"
+
+#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/create_a_uuid.h"
+#include "hwraid/aacraid/output_debug_string.h"
+
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+
+static constexpr char SOURCE[] = "hwraid/aacraid/aac_tool";
+
+// The files of one run, named by fresh UUIDs. Once there is a script, all three are removed when the scope
+// ends, whether they exist or not.
+struct RunFiles {
+	char szScript[256];
+	char szRaw[256];
+	char szFiltered[256];
+	bool bScriptMade = false;
+	bool bRun = false;
+
+	RunFiles()
+	{
+		CreateOneUuid(szScript);
+		CreateOneUuid(szRaw);
+		CreateOneUuid(szFiltered);
+	}
+
+	~RunFiles()
+	{
+		if (bScriptMade)
+			DeleteFileWindowsAndLinux(szScript);
+		if (bRun) {
+			DeleteFileWindowsAndLinux(szRaw);
+			DeleteFileWindowsAndLinux(szFiltered);
+		}
+	}
+
+	RunFiles(const RunFiles &) = delete;
+	RunFiles &operator=(const RunFiles &) = delete;
+};
+
+// A script that is cut short, on a full disk for one, is none: the tool would obey the part that is there.
+static int WriteScript(RunFiles *pFiles, const char *lpszScript)
+{
+	FILE *pFile = fopen(pFiles->szScript, "wt+e");
+	if (!pFile) {
+		OutputDebugString("File:%s, Line:%4d can not create file.\n", SOURCE, __LINE__);
+		return -1;
+	}
+	pFiles->bScriptMade = true;
+	const bool bWritten = fprintf(pFile, "%s", lpszScript) >= 0;
+	return fclose(pFile) == 0 && bWritten ? 0 : -1;
+}
+
+// A command that does not fit its buffer is a failed one: the part that fits would be another command.
+static int RunCommand(const ToolTraces &traces, const char *lpszCommand, int nLength)
+{
+	if (nLength < 0 || nLength >= 1024)
+		return -1;
+	const int nStatus = system(lpszCommand);
+	if (nStatus == 0)
+		return 0;
+	traces.pfnCommandFailed(nStatus, lpszCommand);
+	return -1;
+}
+
+// The configuration is asked first: without a program no shell is started, and a tool whose answer nobody can
+// filter is not given a command to carry out.
+static bool IsConfigured()
+{
+	const char *lpszTool = GetCliConfig();
+	return lpszTool && lpszTool[0] != '\0' && GetFilterScript()[0] != '\0';
+}
+
+int RunTool(const char *lpszScript, const ToolTraces &traces,
+            int (*pfnParse)(const char *lpszFile, void *pContext), void *pContext)
+{
+	if (!IsConfigured())
+		return -1;
+	RunFiles files;
+	if (WriteScript(&files, lpszScript) != 0)
+		return -1;
+	// The tool paints a terminal and wants one that it knows.
+	if (setenv("TERM", "linux", 1) != 0) {
+		OutputDebugString("ERROR! ==> setenv return != 0\n");
+		return -1;
+	}
+
+	files.bRun = true;
+	char szCommand[1024];
+	int nLength = snprintf(szCommand, sizeof szCommand, "%s <%s >%s", GetCliConfig(), files.szScript,
+	                       files.szRaw);
+	if (RunCommand(traces, szCommand, nLength) != 0)
+		return -1;
+	nLength = snprintf(szCommand, sizeof szCommand, "%s %s %s", GetFilterScript(), files.szRaw,
+	                   files.szFiltered);
+	if (RunCommand(traces, szCommand, nLength) != 0)
+		return -1;
+	struct stat status;
+	if (stat(files.szFiltered, &status) != 0) {
+		traces.pfnAnswerMissing(files.szFiltered);
+		return -1;
+	}
+	return pfnParse(files.szFiltered, pContext);
+}
+
+static constexpr char PAGER_PROMPT[] =
+	"( <SPACEBAR>:next screen, <Enter>:next line, <C>:Continous, <Q>:Quit Early )";
+
+ToolOutput::ToolOutput(const char *lpszFile) : m_pFile(fopen(lpszFile, "rte"))
+{
+	m_szLine[0] = '\0';
+}
+
+ToolOutput::~ToolOutput()
+{
+	if (m_pFile)
+		fclose(m_pFile);
+}
+
+bool ToolOutput::Next()
+{
+	if (!fgets(m_szLine, sizeof m_szLine, m_pFile))
+		m_szLine[0] = '\0';
+	CutOffHeaderString(m_szLine, PAGER_PROMPT, " \t", 1);
+	return m_szLine[0] != '\0';
+}
+
+int CodeOfErrorLine(const char *lpszLine)
+{
+	for (const ToolError &row : CONTROLLER_ERRORS)
+		if (strstr(lpszLine, row.lpszText))
+			return row.nCode;
+	return OTHER_TOOL_ERROR;
+}

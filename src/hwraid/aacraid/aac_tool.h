@@ -1,0 +1,64 @@
+// One run of the controller vendor's command-line tool: a script on its standard input, its output through
+// the site's filter script, the filtered file to a parser. Every operation of the hardware side is such a
+// run.
+#ifndef DISKSCOUT_HWRAID_AAC_TOOL_H
+#define DISKSCOUT_HWRAID_AAC_TOOL_H
+
+#include <stdio.h>
+
+// What the debug trace says when a run fails; each family of operations has words of its own.
+struct ToolTraces {
+	void (*pfnCommandFailed)(int nStatus, const char *lpszCommand);
+	void (*pfnAnswerMissing)(const char *lpszFile);
+};
+
+// Runs the tool with this script and hands the filtered output file to the parser. Returns the parser's
+// result; -1 when the configuration names no tool or no filter, when the script cannot be written, when tool
+// or filter fail, or when there is no answer. Blocks until both have ended; the three files, made in the
+// working directory, are gone afterwards in any case.
+int RunTool(const char *lpszScript, const ToolTraces &traces,
+            int (*pfnParse)(const char *lpszFile, void *pContext), void *pContext);
+
+// A file of tool output, line by line. A line beyond 511 characters goes on as the next one. Of every line
+// the pager prompt at its start and the blanks and tabs that then lead it are cut off.
+class ToolOutput
+{
+public:
+	explicit ToolOutput(const char *lpszFile);
+	~ToolOutput();
+	ToolOutput(const ToolOutput &) = delete;
+	ToolOutput &operator=(const ToolOutput &) = delete;
+
+	bool IsOpen() const { return m_pFile != nullptr; }
+	// False at the end of the output, and at a line that is cleaned to nothing: a bare newline is
+	// something.
+	bool Next();
+	char *Line() { return m_szLine; }
+
+private:
+	FILE *m_pFile;
+	char m_szLine[512];
+};
+
+// A text in an error line of the tool, and what it stands for.
+struct ToolError {
+	const char *lpszText;
+	int nCode;
+};
+
+constexpr int CONTROLLER_UNUSABLE = -100; // wrong, missing or not opened
+constexpr int CONTROLLER_BUSY = -200;     // held by another application
+constexpr int OTHER_TOOL_ERROR = -300;
+
+// The errors that every operation knows, tried first and in this order.
+constexpr ToolError CONTROLLER_ERRORS[] = {
+	{"<The requested controller is of the wrong type", CONTROLLER_UNUSABLE},
+	{"<Adapter must be opened before this command is used", CONTROLLER_UNUSABLE},
+	{"<The requested controller does not exist", CONTROLLER_UNUSABLE},
+	{"<Another application has opened th", CONTROLLER_BUSY},
+};
+
+// The code of the first of CONTROLLER_ERRORS whose text stands anywhere in the line, else OTHER_TOOL_ERROR.
+int CodeOfErrorLine(const char *lpszLine);
+
+#endif
