@@ -87,6 +87,8 @@ def test_words_in_any_case_and_switches_made_uniform(tool):
         ("container create strip ((0,2,0),64M) ((0,3,0),64M)", "Unexpected size in ((0,3,0),64M)"),
         ('container create strip /label="12345678901234567" (0,2,0) (0,3,0)', "Label is too long"),
         ('container create strip /label="x (0,2,0) (0,3,0)', "A parameter is missing"),
+        ('container create strip /label="a"b" (0,2,0) (0,3,0)', "A parameter is missing"),
+        ('container create strip /label=a""b (0,2,0) (0,3,0)', 'Unexpected quotation mark in a""b'),
     ],
 )
 def test_line_that_is_not_understood(tool, line, error):

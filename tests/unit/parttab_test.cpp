@@ -25,18 +25,18 @@ protected:
 	std::vector<std::string> found() const
 	{
 		std::vector<std::string> rows;
-		for (const part_t &part : list->item)
-			if (part.tag)
-				rows.push_back(printed("%d %02x %02x %lu %lu", part.part_index, part.type,
-				                       static_cast<unsigned>(part.active), part.start,
-				                       part.size));
+		for (const part_t &part : list->item) {
+			if (part.tag == 0)
+				continue;
+			rows.push_back(printed("%d %02x %02x %lu %lu", part.part_index, part.type,
+			                       static_cast<unsigned>(part.active), part.start, part.size));
+		}
 		return rows;
 	}
 	std::unique_ptr<partlist_t> list;
 };
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST(ExtendedType, IsOneOfThree)
 {

@@ -1,0 +1,76 @@
+// The words of RAIDSIM_FAULT.
+#include "faults.h"
+
+#include "text.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+struct plain_word {
+	const char *word;
+	bool faults::*field;
+	bool value;
+};
+
+static const plain_word plain_words[] = {
+	{"busy", &faults::busy, true},         {"missing", &faults::missing, true},
+	{"kill", &faults::kill, true},         {"flood", &faults::flood, true},
+	{"terminal", &faults::terminal, true}, {"status", &faults::status, true},
+	{"noblank", &faults::noblank, true},   {"blank", &faults::noblank, false},
+};
+
+struct number_word {
+	const char *word;
+	std::int64_t least;
+	std::int64_t most;
+	void (*set)(faults &, std::int64_t);
+};
+
+static const number_word number_words[] = {
+	{"exit", 1, 255, [](faults &f, std::int64_t n) { f.exit = n; }},
+	{"cut", 0, INT64_C(1) << 30, [](faults &f, std::int64_t n) { f.cut = n; }},
+	{"slow", 0, 600000, [](faults &f, std::int64_t n) { f.slow = n; }},
+	{"pager", 1, 1000, [](faults &f, std::int64_t n) { f.pager = n; }},
+};
+
+static bool set_plain(faults &f, std::string_view word)
+{
+	for (const plain_word &p : plain_words) {
+		if (word == p.word) {
+			f.*p.field = p.value;
+			return true;
+		}
+	}
+	return false;
+}
+
+static bool set_number(faults &f, std::string_view word)
+{
+	const std::size_t equals = word.find('=');
+	if (equals == std::string_view::npos)
+		return false;
+	for (const number_word &n : number_words) {
+		if (word.substr(0, equals) != n.word)
+			continue;
+		const std::optional<std::int64_t> value = number_of(word.substr(equals + 1), n.most);
+		if (!value || *value < n.least)
+			return false;
+		n.set(f, *value);
+		return true;
+	}
+	return false;
+}
+
+faults faults_of(std::string_view words)
+{
+	faults f;
+	while (!words.empty()) {
+		const std::size_t length = std::min(words.find(','), words.size());
+		const std::string_view word = trimmed(words.substr(0, length));
+		words.remove_prefix(std::min(length + 1, words.size()));
+		// A misspelt fault would be a test that tests nothing.
+		if (!word.empty() && !set_plain(f, word) && !set_number(f, word))
+			throw fault_error(fmt::format("RAIDSIM_FAULT: \"{}\" is not known", word));
+	}
+	return f;
+}
