@@ -18,8 +18,8 @@ static fs::path program_directory()
 
 fs::path find_companion(std::string_view file_name)
 {
-	const fs::path beside = program_directory() / file_name;
-	const fs::path installed = program_directory().parent_path() / "lib" / "diskscout" / file_name;
+	fs::path beside = program_directory() / file_name;
+	fs::path installed = program_directory().parent_path() / "lib" / "diskscout" / file_name;
 	std::error_code error;
 	if (fs::exists(beside, error))
 		return beside;
@@ -32,7 +32,7 @@ fs::path find_companion(std::string_view file_name)
 fs::path absolute_path(const fs::path &path)
 {
 	std::error_code error;
-	const fs::path result = fs::absolute(path, error);
+	fs::path result = fs::absolute(path, error);
 	if (error)
 		throw usage_error(fmt::format("{}: {}", path.string(), error.message()));
 	return result;

@@ -52,6 +52,7 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 	set_variable("REPLAY_SYSROOT", host.string());
 
 	std::vector<char *> argv;
+	argv.reserve(arguments.size() + 1);
 	for (std::string &argument : arguments)
 		argv.push_back(argument.data());
 	argv.push_back(nullptr);
