@@ -201,17 +201,31 @@ static int append_part(const exe_part_t *part, void *context)
 	return 0;
 }
 
+// The device paths of the disks, as many as a list of them holds.
+struct disk_paths_t {
+	int num;
+	str_t path[list_capacity<exe_disklist_t>()];
+};
+
+static int append_path(const exe_disk_t *disk, void *context)
+{
+	auto *paths = static_cast<disk_paths_t *>(context);
+	if (paths->num == list_capacity<exe_disklist_t>())
+		return LIST_FULL;
+	str_copy(paths->path[paths->num++], disk->devpath);
+	return 0;
+}
+
 int stpart_all(void **result, int *length)
 {
 	Chain<tagStoragePartList> chain(result, length);
-	CLEARED_BY_CALLEE exe_disklist_t disks;
-	CLEARED_BY_CALLEE exe_vollist_t vols;
-	if (get_exe_disklist(&disks, nullptr, nullptr) == -1 ||
-	    get_exe_vollist(&vols, nullptr, nullptr) == -1)
+	disk_paths_t disks = {};
+	CLEARED_BY_CALLEE part_join_t join;
+	if (walk_exe_disks(append_path, &disks) != 0 || begin_part_join(&join) != 0)
 		return -1;
 
-	for (const exe_disk_t &disk : live_items(disks))
-		if (walk_exe_parts(disk.devpath, vols, append_part, &chain) != 0)
+	for (int i = 0; i < disks.num; i++)
+		if (walk_exe_parts(disks.path[i], &join, append_part, &chain) != 0)
 			return -1;
 	return 0;
 }

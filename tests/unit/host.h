@@ -88,7 +88,7 @@ int counting_filter(const void *item, const void *arg);
 template <class Record> std::unique_ptr<Record> soiled()
 {
 	auto record = std::make_unique<Record>();
-	memset(record.get(), 0xa5, sizeof(Record));
+	memset(static_cast<void *>(record.get()), 0xa5, sizeof(Record));
 	return record;
 }
 

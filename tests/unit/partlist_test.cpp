@@ -329,26 +329,63 @@ int take(const exe_part_t *part, void *context)
 	return part->part_index == walk->last ? 1 : 0;
 }
 
-TEST_F(PartlistTest, WalkTakesEveryPartition)
+class PartWalkTest : public PartlistTest
+{
+protected:
+	int walk_parts(const char *disk, walk_t *walk)
+	{
+		const auto join = soiled<part_join_t>();
+		begin_part_join(join.get(), *vols);
+		return walk_exe_parts(disk, join.get(), take, walk);
+	}
+};
+
+TEST_F(PartWalkTest, TakesEveryPartition)
 {
 	disk("table 0\nentry 80 83 63 9\nentry 00 82 2000 9\nentry 00 83 3000 9\n");
 	mounted("/dev/hda1", "/", 8).sys = 1;
 	mounted("/dev/hda3", "/long/path", 6);
 	walk_t walk = {-1, {}};
-	EXPECT_EQ(walk_exe_parts("/dev/hda", *vols, take, &walk), 0);
+	EXPECT_EQ(walk_parts("/dev/hda", &walk), 0);
 	EXPECT_THAT(walk.seen,
 	            ::testing::ElementsAre("/dev/hda1 / 8 1", "/dev/hda2  0 0", "/dev/hda3 /long/path 6 0"));
 	walk = {1, {}};
-	EXPECT_EQ(walk_exe_parts("/dev/hda", *vols, take, &walk), -1);
+	EXPECT_EQ(walk_parts("/dev/hda", &walk), -1);
 	EXPECT_THAT(walk.seen, ::testing::SizeIs(2));
 }
 
-TEST_F(PartlistTest, WalkOfABadDiskTakesNothing)
+// Nothing of a disk's last partition shows in those of the next disk.
+TEST_F(PartWalkTest, OneJoinServesAllDisks)
+{
+	host.table("device /dev/long-name\n\tBLKGETSIZE 100\ntable 0\nentry 80 83 1 9\n");
+	disk("table 0\nentry 00 82 2000 9\n");
+	mounted("/dev/long-name1", "/", 8).sys = 1;
+	const auto join = soiled<part_join_t>();
+	begin_part_join(join.get(), *vols);
+	const auto keep = [](const exe_part_t *part, void *kept) {
+		*static_cast<exe_part_t *>(kept) = *part;
+		return 0;
+	};
+	const auto kept = std::make_unique<exe_part_t>();
+	EXPECT_EQ(walk_exe_parts("/dev/long-name", join.get(), keep, kept.get()), 0);
+	EXPECT_EQ(text_of(kept->mntpath), "/");
+	EXPECT_EQ(walk_exe_parts("/dev/hda", join.get(), keep, kept.get()), 0);
+
+	exe_part_t expected = {};
+	expected.type = 0x82;
+	expected.start = 2000;
+	expected.size = 9;
+	strcpy(expected.disk, "/dev/hda");
+	strcpy(expected.devpath, "/dev/hda1");
+	EXPECT_EQ(memcmp(kept.get(), &expected, sizeof expected), 0);
+}
+
+TEST_F(PartWalkTest, ABadDiskTakesNothing)
 {
 	disk("ends 900\ntable 0\nentry 80 83 63 100\nentry 00 05 1000 100\n");
 	walk_t walk = {-1, {}};
-	EXPECT_EQ(walk_exe_parts("/dev/hda", *vols, take, &walk), -1);
-	EXPECT_EQ(walk_exe_parts("/dev/none", *vols, take, &walk), -1);
+	EXPECT_EQ(walk_parts("/dev/hda", &walk), -1);
+	EXPECT_EQ(walk_parts("/dev/none", &walk), -1);
 	EXPECT_THAT(walk.seen, ::testing::IsEmpty());
 }
 

@@ -13,6 +13,7 @@
 #include "hdd/sal/src/linux/procscsi.h"
 
 #include <charconv>
+#include <iterator>
 #include <string.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -132,73 +133,78 @@ static bool take_identity(exe_disk_t *disk, const devname_t &name, const disk_so
 }
 
 // Builds one disk. False when the block device is none that can be named.
-static bool assemble_disk(exe_disk_t *disk, const procblk_dev_t &dev, const disk_sources_t &sources)
+static bool assemble_disk(exe_disk_t *disk, const char *name, const disk_sources_t &sources)
 {
 	b0(disk, sizeof *disk);
-	if (fn_join(disk->devpath, DEV_DIR, dev.name) != 0 ||
-	    !take_identity(disk, split_devname(dev.name), sources))
+	if (fn_join(disk->devpath, DEV_DIR, name) != 0 || !take_identity(disk, split_devname(name), sources))
 		return false;
 	measure_disk(disk);
 	disk->sys = is_mounted(*disk, sources.mounts.root) || is_mounted(*disk, sources.mounts.boot);
 	return true;
 }
 
-// How many partitions the kernel lists of every disk of one query, by the disk's slot. The names stand close
-// together here, because every line of the table is compared with all of them.
-struct partition_counts_t {
-	int disks;
+// The block devices of one query that may be disks, and how many partitions the kernel lists of each. Only
+// the names are kept, close together: every line of the table is compared with all of them.
+struct disk_names_t {
+	int num;
 	struct {
-		str_t name;
-		int all;
+		str_t name; // a disk's name is a stem of four letters at most
+		int partitions;
 		int extended;
-	} of[list_capacity<procblk_devlist_t>()];
+	} item[list_capacity<procblk_devlist_t>()];
 };
+
+static int take_disk_name(const procblk_dev_t *dev, void *context)
+{
+	auto *disks = static_cast<disk_names_t *>(context);
+	// A list of block devices would hold no more.
+	if (filter_procblk_is_disk(dev, nullptr) && disks->num < list_capacity<procblk_devlist_t>())
+		str_copy(disks->item[disks->num++].name, dev->name);
+	return 0;
+}
 
 static int count_partition(const procblk_dev_t *dev, void *context)
 {
-	auto *counts = static_cast<partition_counts_t *>(context);
-	for (int i = 0; dev->part != 0 && i < counts->disks; i++) {
-		auto &of = counts->of[i];
-		// A list of one disk's partitions would hold no more.
-		if (strcmp(dev->name, of.name) != 0 || of.all == list_capacity<procblk_devlist_t>())
+	auto *disks = static_cast<disk_names_t *>(context);
+	for (int i = 0; dev->part != 0 && i < disks->num; i++) {
+		auto &disk = disks->item[i];
+		// Nor would a list of one disk's partitions.
+		if (strcmp(dev->name, disk.name) != 0 ||
+		    disk.partitions == list_capacity<procblk_devlist_t>())
 			continue;
-		of.all++;
-		of.extended += dev->size == EXTENDED_LISTED_SIZE;
+		disk.partitions++;
+		disk.extended += dev->size == EXTENDED_LISTED_SIZE;
 	}
 	return 0;
 }
 
-// One more look at the table counts for all disks: a look for each would cost more than all else.
-static void count_partitions(partition_counts_t *counts, const procblk_devlist_t &disks)
+int walk_exe_disks(int (*take)(const exe_disk_t *disk, void *context), void *context)
 {
-	b0(counts, sizeof *counts);
-	counts->disks = disks.num;
-	for (const procblk_dev_t &disk : live_items(disks))
-		str_copy(counts->of[disk.index].name, disk.name);
-	walk_procblk(count_partition, counts);
+	disk_names_t names = {};
+	CLEARED_BY_CALLEE disk_sources_t sources;
+	walk_procblk(take_disk_name, &names);
+	read_disk_sources(&sources);
+	// One more look at the table counts for all disks: a look for each would cost more than all else.
+	walk_procblk(count_partition, &names);
+
+	int result = 0;
+	CLEARED_BY_CALLEE exe_disk_t disk;
+	for (int i = 0; i < names.num; i++) {
+		if (!assemble_disk(&disk, names.item[i].name, sources))
+			continue;
+		disk.partnum = names.item[i].partitions;
+		disk.partnum_extended = names.item[i].extended;
+		if (take(&disk, context) != 0)
+			result = -1;
+	}
+	return result;
 }
 
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	CLEARED_BY_CALLEE procblk_devlist_t devices;
-	CLEARED_BY_CALLEE disk_sources_t sources;
-	parse_procblk_devlist(&devices, filter_procblk_is_disk, nullptr);
-	read_disk_sources(&sources);
-	CLEARED_BY_CALLEE partition_counts_t counts;
-	count_partitions(&counts, devices);
-
-	int result = 0;
-	CLEARED_BY_CALLEE exe_disk_t disk;
-	for (const procblk_dev_t &dev : live_items(devices)) {
-		if (!assemble_disk(&disk, dev, sources))
-			continue;
-		disk.partnum = counts.of[dev.index].all;
-		disk.partnum_extended = counts.of[dev.index].extended;
-		if (keeps(filter, &disk, arg) && list_add(list, LIST_FIRST_FREE, disk) != 0)
-			result = -1;
-	}
-	return result;
+	collector_t<exe_disklist_t> to = {list, filter, arg};
+	return walk_exe_disks(collect<exe_disklist_t>, &to);
 }
 
 // ---- CD-ROM drives and volumes ----
@@ -306,87 +312,133 @@ int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg)
 	return 0;
 }
 
-struct vol_collector_t {
-	exe_vollist_t *list;
-	filter_func_t filter;
-	const void *arg;
+// A visitor of mount entries that makes volumes of them.
+struct vol_walk_t {
+	int (*take)(const exe_vol_t *vol, void *context);
+	void *context;
 	int taken; // entries so far
+	exe_vol_t vol;
 };
 
 static int take_volume(const mtab_mnt_t *mnt, void *context)
 {
-	auto *to = static_cast<vol_collector_t *>(context);
-	if (to->taken++ == list_capacity<mtab_mntlist_t>())
+	auto *walk = static_cast<vol_walk_t *>(context);
+	if (walk->taken++ == list_capacity<mtab_mntlist_t>())
 		return STOP_WALK; // the rest is left out, and that is no error
-	// Built in its slot: copying all volumes there would take longer than reading their entries.
-	exe_vol_t *vol = list_open(to->list, LIST_FIRST_FREE);
+	exe_vol_t *vol = &walk->vol;
 	str_refill(vol->devpath, mnt->devpath);
 	str_refill(vol->mntpath, mnt->mntpath);
 	str_refill(vol->volid.fsname, mnt->fsname);
 	vol->volspace = measure_volume(mnt->mntpath);
 	vol->sys = strcmp(mnt->mntpath, "/") == 0 || strcmp(mnt->mntpath, "/boot") == 0;
-	if (keeps(to->filter, vol, to->arg))
-		list_keep(to->list, vol);
-	else
-		b0(vol, sizeof *vol);
+	walk->take(vol, walk->context);
 	return 0;
+}
+
+int walk_exe_vols(int (*take)(const exe_vol_t *vol, void *context), void *context)
+{
+	vol_walk_t walk = {take, context, 0, {}};
+	return walk_mtab(MTAB_PIPE, take_volume, &walk) == -1 ? -1 : 0;
 }
 
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg)
 {
-	static_assert(list_capacity<exe_vollist_t>() >= list_capacity<mtab_mntlist_t>(),
-	              "every mount that is taken finds a free slot");
 	list_clear(list);
-	vol_collector_t to = {list, filter, arg, 0};
-	return walk_mtab(MTAB_PIPE, take_volume, &to) == -1 ? -1 : 0;
+	collector_t<exe_vollist_t> to = {list, filter, arg};
+	return walk_exe_vols(collect<exe_vollist_t>, &to);
 }
 
 // ---- partitions ----
 
-// Whether a later mount hides the volume in this slot: one on the same point, and deliberately one beneath it
-// as well, so that a partition at /usr shows no space once /usr/local is mounted. All later slots are looked
-// at, the free ones (whose mount point is empty) too.
-static bool is_hidden(const exe_vollist_t &vols, int slot)
+static void join_slot(joined_vol_t *joined, const exe_vol_t &vol)
 {
-	const char *mntpath = vols.item[slot].mntpath;
-	const size_t length = strlen(mntpath);
-	for (int later = slot + 1; later < list_capacity<exe_vollist_t>(); later++) {
-		const char *other = vols.item[later].mntpath;
-		if (strncmp(other, mntpath, length) == 0 &&
-		    (other[length] == '\0' || other[length] == *PDCHAR))
-			return true;
-	}
-	return false;
+	joined->live = vol.tag != 0;
+	joined->devpath = vol.devpath;
+	joined->mntpath = vol.mntpath;
+	joined->volid = vol.volid;
+	joined->volspace = vol.volspace;
+	joined->sys = vol.sys;
 }
 
-// The volumes that can belong to partitions of one disk, in list order.
-struct disk_volumes_t {
-	const exe_vollist_t *all;
-	const exe_vol_t *on_disk[list_capacity<exe_vollist_t>()];
+void begin_part_join(part_join_t *join, const exe_vollist_t &vols)
+{
+	b0(&join->part, sizeof join->part);
+	// Free slots too: their mount points count.
+	for (int slot = 0; slot < list_capacity<exe_vollist_t>(); slot++)
+		join_slot(&join->vols[slot], vols.item[slot]);
+}
+
+// Takes room for a text off the join's store.
+static std::string_view store_text(part_join_t *join, std::string_view text)
+{
+	char *stored = join->texts + join->texts_used;
+	str_copy(stored, text.size() + 1, text);
+	join->texts_used += text.size() + 1;
+	return std::string_view(stored, text.size());
+}
+
+struct vol_joiner_t {
+	part_join_t *join;
 	int num;
 };
 
-static disk_volumes_t select_volumes(const exe_vollist_t &vols, std::string_view disk)
+static int join_volume(const exe_vol_t *vol, void *context)
 {
-	disk_volumes_t selected = {&vols, {}, 0};
-	for (const exe_vol_t &vol : live_items(vols))
-		if (strncmp(vol.devpath, disk.data(), disk.size()) == 0)
-			selected.on_disk[selected.num++] = &vol;
-	return selected;
+	auto *to = static_cast<vol_joiner_t *>(context);
+	joined_vol_t *joined = &to->join->vols[to->num++];
+	join_slot(joined, *vol);
+	joined->live = true;
+	joined->devpath = store_text(to->join, joined->devpath);
+	joined->mntpath = store_text(to->join, joined->mntpath);
+	return 0;
 }
 
-static void join_volumes(exe_part_t *part, const disk_volumes_t &vols)
+int begin_part_join(part_join_t *join)
 {
-	for (int i = 0; i < vols.num; i++) {
-		const exe_vol_t &vol = *vols.on_disk[i];
-		if (strcmp(vol.devpath, part->devpath) != 0)
+	b0(&join->part, sizeof join->part);
+	b0(join->vols, sizeof join->vols);
+	join->texts_used = 0;
+	vol_joiner_t to = {join, 0};
+	return walk_exe_vols(join_volume, &to);
+}
+
+// Whether a mount at the other place hides one at this: on the same point, and deliberately beneath it as
+// well, so that a partition at /usr shows no space once /usr/local is mounted.
+static bool hides(std::string_view other, std::string_view mntpath)
+{
+	return str_begins(other, mntpath) &&
+	       (other.size() == mntpath.size() || other[mntpath.size()] == *PDCHAR);
+}
+
+static bool is_hidden(const part_join_t &join, const joined_vol_t *vol)
+{
+	for (const joined_vol_t *later = vol + 1; later != std::end(join.vols); later++)
+		if (hides(later->mntpath, vol->mntpath))
+			return true;
+	return false;
+}
+
+static void select_volumes(part_join_t *join, std::string_view disk)
+{
+	join->on_disk_num = 0;
+	for (const joined_vol_t &vol : join->vols)
+		if (vol.live && str_begins(vol.devpath, disk))
+			join->on_disk[join->on_disk_num++] = &vol;
+}
+
+static void join_volumes(part_join_t *join, std::string_view devpath)
+{
+	exe_part_t *part = &join->part;
+	for (int i = 0; i < join->on_disk_num; i++) {
+		const joined_vol_t &vol = *join->on_disk[i];
+		if (vol.devpath != devpath)
 			continue;
 		if (vol.sys)
 			part->sys = 1;
 		if (part->mntpath[0] != '\0')
 			str_append(part->mntpath, ";");
 		str_append(part->mntpath, vol.mntpath);
-		if (is_hidden(*vols.all, static_cast<int>(&vol - vols.all->item)))
+		if (is_hidden(*join, &vol))
 			continue;
 		part->volid = vol.volid;
 		part->volspace = vol.volspace;
@@ -394,8 +446,9 @@ static void join_volumes(exe_part_t *part, const disk_volumes_t &vols)
 }
 
 // Fills what the entry tells; the record holds the disk's path and what the partition before has left.
-static void assemble_part(exe_part_t *part, const part_t &entry, const disk_volumes_t &vols)
+static void assemble_part(part_join_t *join, const part_t &entry)
 {
+	exe_part_t *part = &join->part;
 	part->part_index = entry.part_index;
 	part->type = entry.type;
 	part->boot = entry.active;
@@ -409,22 +462,21 @@ static void assemble_part(exe_part_t *part, const part_t &entry, const disk_volu
 	char digits[12];
 	const char *end = std::to_chars(digits, digits + sizeof digits, entry.part_index + 1).ptr;
 	str_append(part->devpath, std::string_view(digits, static_cast<size_t>(end - digits)));
-	join_volumes(part, vols);
+	join_volumes(join, part->devpath);
 }
 
-int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
-                   int (*take)(const exe_part_t *part, void *context), void *context)
+int walk_exe_parts(const char *disk, part_join_t *join, int (*take)(const exe_part_t *part, void *context),
+                   void *context)
 {
 	CLEARED_BY_CALLEE partlist_t entries;
 	if (read_disk_partlist(disk, &entries) != 0)
 		return -1;
 
-	const disk_volumes_t on_disk = select_volumes(vols, disk);
-	exe_part_t part = {};
-	str_copy(part.disk, disk);
+	str_refill(join->part.disk, disk);
+	select_volumes(join, disk);
 	for (const part_t &entry : live_items(entries)) {
-		assemble_part(&part, entry, on_disk);
-		if (take(&part, context) != 0)
+		assemble_part(join, entry);
+		if (take(&join->part, context) != 0)
 			return -1;
 	}
 	return 0;
@@ -434,9 +486,11 @@ int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func
                              const exe_vollist_t *vols)
 {
 	list_clear(list);
-	CLEARED_BY_CALLEE exe_vollist_t own;
-	if (!vols && get_exe_vollist(&own, nullptr, nullptr) != 0)
+	CLEARED_BY_CALLEE part_join_t join;
+	if (vols)
+		begin_part_join(&join, *vols);
+	else if (begin_part_join(&join) != 0)
 		return -1;
 	collector_t<exe_partlist_t> to = {list, filter, arg};
-	return walk_exe_parts(disk, vols ? *vols : own, collect<exe_partlist_t>, &to);
+	return walk_exe_parts(disk, &join, collect<exe_partlist_t>, &to);
 }

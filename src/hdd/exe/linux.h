@@ -5,6 +5,8 @@
 
 #include "hdd/sal/src/linux/def-devio.h"
 
+#include <string_view>
+
 struct exe_disk_t {
 	int tag;
 	int index;
@@ -90,20 +92,54 @@ struct exe_partlist_t {
 	exe_part_t item[32];
 };
 
+// Calls take for every disk, in the order of the kernel's table. Returns 0, or -1 when a call has returned
+// other than 0: the others are made nevertheless.
+int walk_exe_disks(int (*take)(const exe_disk_t *disk, void *context), void *context);
+
 // 0, or -1 when more disks qualified than the list holds: it has the first 16.
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg);
 
 // IDE CD-ROM drives. Always 0.
 int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg);
 
+// Calls take for the first 32 mounted file systems, pseudo ones included; what it returns is not looked at.
+// Returns 0, or -1 when the mount table cannot be opened.
+int walk_exe_vols(int (*take)(const exe_vol_t *vol, void *context), void *context);
+
 // The first 32 mounted file systems, pseudo ones included. 0, or -1 when the mount table cannot be opened.
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg);
+
+// What a partition is joined to: one slot of a volume list.
+struct joined_vol_t {
+	bool live; // false: a free slot
+	std::string_view devpath;
+	std::string_view mntpath;
+	volid_t volid;
+	volspace_t volspace;
+	int sys;
+};
+
+// What the partitions of all disks of one query are joined to. A list of volumes would be thirty times as
+// large; every partition is compared with all of them.
+struct part_join_t {
+	joined_vol_t vols[32];           // by slot
+	const joined_vol_t *on_disk[32]; // those of the present disk's partitions, in slot order
+	int on_disk_num;
+	exe_part_t part; // the last one that a walk has made
+	size_t texts_used;
+	char texts[2 * 32 * FNAME_SIZE]; // the paths of volumes that stand in no list
+};
+
+// Joins to the volumes of a list, which must outlive it.
+void begin_part_join(part_join_t *join, const exe_vollist_t &vols);
+// Joins to the host's volumes. 0, or -1 when the mount table cannot be opened.
+int begin_part_join(part_join_t *join);
 
 // Calls take for every partition of the disk at this path, joined to the volumes, until it returns other
 // than 0. Returns 0, or -1: the disk cannot be opened, sized or read (take is not called then), or take has
 // ended the walk.
-int walk_exe_parts(const char *disk, const exe_vollist_t &vols,
-                   int (*take)(const exe_part_t *part, void *context), void *context);
+int walk_exe_parts(const char *disk, part_join_t *join, int (*take)(const exe_part_t *part, void *context),
+                   void *context);
 
 // The partitions of the disk at this path, joined to their volumes; a null vols builds a volume list of its
 // own. 0, or -1: the disk cannot be opened, sized or read, or the volumes cannot be listed (the list is

@@ -141,14 +141,14 @@ int str_hex_digit(char c)
 bool str_next_hex4(std::string_view *text, unsigned *value)
 {
 	skip_space(text);
-	int digits = 0;
-	for (*value = 0; digits < 4 && !text->empty(); digits++, text->remove_prefix(1)) {
-		const int digit = str_hex_digit(text->front());
-		if (digit < 0)
-			break;
-		*value = *value * 16 + static_cast<unsigned>(digit);
-	}
-	return digits != 0;
+	const size_t limit = text->size() < 4 ? text->size() : 4;
+	size_t length = 0;
+	unsigned sum = 0;
+	for (int digit; length < limit && (digit = str_hex_digit((*text)[length])) >= 0; length++)
+		sum = sum * 16 + static_cast<unsigned>(digit);
+	text->remove_prefix(length);
+	*value = sum;
+	return length != 0;
 }
 
 int str_digits(std::string_view digits)

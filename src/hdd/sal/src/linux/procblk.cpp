@@ -67,8 +67,10 @@ int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *a
 int filter_procblk_is_disk(const void *item, const void *)
 {
 	const auto *dev = static_cast<const procblk_dev_t *>(item);
+	if (dev->part != 0)
+		return 0;
 	const std::string_view stem = split_devname(dev->name).stem;
-	return dev->part == 0 && (is_ide_stem(stem) || is_scsi_stem(stem));
+	return is_ide_stem(stem) || is_scsi_stem(stem);
 }
 
 int filter_procblk_is_part(const void *item, const void *arg)

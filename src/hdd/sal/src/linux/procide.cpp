@@ -29,6 +29,7 @@ struct identify_t {
 
 static bool parse_identify_line(std::string_view line, char *row)
 {
+	line = str_cut(line);
 	for (int i = 0; i < WORDS_A_LINE; i++) {
 		unsigned word;
 		if (!str_next_hex4(&line, &word))
@@ -37,6 +38,20 @@ static bool parse_identify_line(std::string_view line, char *row)
 		*row++ = static_cast<char>(word);
 	}
 	return true;
+}
+
+// The layout that the kernel gives all lines: four digits a word, one character between. False for any other.
+static bool parse_identify_columns(const line_t line, char *row)
+{
+	int seen = 0; // turns negative at the first character that is no digit
+	for (int i = 0; i < WORDS_A_LINE; i++, line += 5) {
+		const int high = str_hex_digit(line[0]) * 16 | str_hex_digit(line[1]);
+		const int low = str_hex_digit(line[2]) * 16 | str_hex_digit(line[3]);
+		seen |= high | low | (line[4] == ' ' || i + 1 == WORDS_A_LINE ? 0 : -1);
+		*row++ = static_cast<char>(high);
+		*row++ = static_cast<char>(low);
+	}
+	return seen >= 0;
 }
 
 static int read_identify(const char *path, identify_t *identify)
@@ -53,7 +68,7 @@ static int read_identify(const char *path, identify_t *identify)
 		char row[WORDS_A_LINE * 2];
 		if (str_is_blank(line))
 			continue;
-		if (!parse_identify_line(str_cut(line), row)) {
+		if (!parse_identify_columns(line, row) && !parse_identify_line(line, row)) {
 			result = -1;
 			continue;
 		}
@@ -67,8 +82,8 @@ static int read_identify(const char *path, identify_t *identify)
 // The first line of a file of the drive, trimmed. 0, or -1.
 static int read_field(const char *dir, const char *name, str_t field)
 {
-	fname_t path;
-	line_t line;
+	CLEARED_BY_CALLEE fname_t path;
+	CLEARED_BY_CALLEE line_t line;
 	if (fn_join(path, dir, name) != 0 || fsread_line_by_path(path, line) != 0)
 		return -1;
 	str_copy(field, STR_SIZE, str_trim(line));
@@ -77,9 +92,9 @@ static int read_field(const char *dir, const char *name, str_t field)
 
 static int read_drive(const char *name, procide_dev_t *dev)
 {
-	fname_t dir;
-	fname_t path;
-	identify_t identify;
+	CLEARED_BY_CALLEE fname_t dir;
+	CLEARED_BY_CALLEE fname_t path;
+	CLEARED_BY_CALLEE identify_t identify;
 	if (!is_ide_name(split_devname(name)) || fn_join(dir, PPROCIDE_PATH, name) != 0 ||
 	    fn_join(path, dir, "identify") != 0 || read_identify(path, &identify) != 0)
 		return -1;
