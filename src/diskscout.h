@@ -92,6 +92,148 @@ typedef struct __tag_aac_control {
 	struct __tag_aac_control *next; /* null at the end */
 } aac_controller;
 
+/*
+ * Coded values of the hardware RAID records. Types of their own, but plain ints: a record may hold a value
+ * that has no name here.
+ */
+
+typedef int KESTREL_HWRAID_TYPE;
+enum {
+	KESTREL_HWRAID_TYPE_UNKNOWN = -1,
+	KESTREL_HWRAID_TYPE_RAID0 = 0,
+	KESTREL_HWRAID_TYPE_RAID1 = 1,
+	KESTREL_HWRAID_TYPE_RAID5 = 2,
+	KESTREL_HWRAID_TYPE_RAID10 = 3, /* a stripe of mirrors */
+	KESTREL_HWRAID_TYPE_VOLUME = 4,
+	KESTREL_HWRAID_TYPE_RECONF = 5 /* being reconfigured */
+};
+
+/* What a container is used for. The spellings, and the two kinds of unknown, are those of the first release.
+ */
+typedef int KESTREL_HWRAID_USAGE_TYPE;
+enum {
+	KESTREL_HWRAID_USAGE_TYPE_UNKNOW = -1, /* the controller tool says nothing that is known */
+	KESTREL_HWRAID_USAGE_TYPE_FAT = 0,
+	KESTREL_HWRAID_USAGE_TYPE_NULTPART = 1, /* several partitions */
+	KESTREL_HWRAID_USAGE_TYPE_NETWARE = 2,
+	KESTREL_HWRAID_USAGE_TYPE_NONE = 3,
+	KESTREL_HWRAID_USAGE_TYPE_NTFS = 4,
+	KESTREL_HWRAID_USAGE_TYPE_OPEN = 5,
+	KESTREL_HWRAID_USAGE_TYPE_UNCFGED = 6, /* not configured */
+	KESTREL_HWRAID_USAGE_TYPE_UNKNOWN = 7, /* the controller tool says "Unknown" */
+	KESTREL_HWRAID_USAGE_TYPE_UNMAPED = 8,
+	KESTREL_HWRAID_USAGE_TYPE_VALID = 9
+};
+
+typedef int KESTREL_HWRAID_DSK_TYPE;
+enum {
+	KESTREL_HWRAID_DSK_TYPE_UNKNOWN = 0,
+	KESTREL_HWRAID_DSK_TYPE_DISK = 1,
+	KESTREL_HWRAID_DSK_TYPE_SEQ = 2, /* tape */
+	KESTREL_HWRAID_DSK_TYPE_PRT = 3,
+	KESTREL_HWRAID_DSK_TYPE_PROCESSOR = 4,
+	KESTREL_HWRAID_DSK_TYPE_WRITEONCE = 5,
+	KESTREL_HWRAID_DSK_TYPE_CDROM = 6,
+	KESTREL_HWRAID_DSK_TYPE_SCANNER = 7,
+	KESTREL_HWRAID_DSK_TYPE_OPTICAL = 8,
+	KESTREL_HWRAID_DSK_TYPE_MCHANGER = 9,
+	KESTREL_HWRAID_DSK_TYPE_NETWORK = 10
+};
+
+typedef int KESTREL_HWRAID_DSK_USAGE;
+enum {
+	KESTREL_HWRAID_DSK_USAGE_UNKNOWN = -1,
+	KESTREL_HWRAID_DSK_USAGE_INITED = 0,
+	KESTREL_HWRAID_DSK_USAGE_UNINIT = 1,
+	KESTREL_HWRAID_DSK_USAGE_DETACHED = 2,
+	KESTREL_HWRAID_DSK_USAGE_DOS = 3,
+	KESTREL_HWRAID_DSK_USAGE_OFFLINE = 4,
+	KESTREL_HWRAID_DSK_USAGE_UNOWNED = 5
+};
+
+typedef int KESTREL_HWRAID_DSK_SHARED_TYPE;
+enum {
+	KESTREL_HWRAID_DSK_SHARED_TYPE_UNKNOWN = -1,
+	KESTREL_HWRAID_DSK_SHARED_TYPE_NO_SHARED = 0,
+	KESTREL_HWRAID_DSK_SHARED_TYPE_YES_SHARED = 1
+};
+
+typedef int KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_TYPE;
+enum {
+	KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_UNKNOWN = -1,
+	KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_NOT_READ_OR_WRITE = 0,
+	KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ = 1,
+	KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_WRITE = 2,
+	KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ_AND_WRITE = 3
+};
+
+typedef int KESTREL_HWRAID_PART_MULTILEVEL_TYPE;
+enum {
+	KESTREL_HWRAID_PART_MULTILEVEL_TYPE_UNKNOWN = -1,
+	KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE = 0,
+	KESTREL_HWRAID_PART_MULTILEVEL_TYPE_STRIPE = 1
+};
+
+typedef char KESTREL_STRING[64];
+
+/* One RAID container, a controller's logical drive: 368 bytes, query CMD_GET_CONTAINERS. */
+typedef struct tagHwRaid {
+	int nRaidID;     /* container number, 0 to 63; from 24: a member of another container */
+	int nDiskNumber; /* number of members; may exceed the 64 that nPosition holds */
+	/*
+	 * Members: disk addresses, channel << 16 | SCSI ID << 8 | LUN; of a container made of containers
+	 * their numbers. Unused: -1.
+	 */
+	int nPosition[64];
+	KESTREL_HWRAID_TYPE RaidType;
+	/* Bytes, of which only the low 32 bits are right, as a signed number: 2 GiB and more wrap. */
+	long long nTotalSize;
+	long long nStripeSize; /* bytes; 0 when there is none */
+	KESTREL_HWRAID_USAGE_TYPE Usage;
+	int nHotSpare; /* disk address of the hot spare; -1 without one, or when it cannot be asked for */
+	KESTREL_STRING szLabel; /* its first 8 characters */
+	struct tagHwRaid *next; /* null at the end */
+} HWRAID_LIST, *PHWRAID_LIST;
+
+/* One disk behind a RAID controller: 168 bytes, query CMD_GET_RAID_DISKS. */
+typedef struct __tag_Hard_Raid_Disk {
+	int nPosition; /* disk address: channel << 16 | SCSI ID << 8 | LUN */
+	KESTREL_STRING szVendor;
+	KESTREL_STRING szModel;
+	/*
+	 * One less than KESTREL_HWRAID_DSK_TYPE says: a disk is 0, something unknown -1. Agents in the field
+	 * rely on it.
+	 */
+	KESTREL_HWRAID_DSK_TYPE DeviceType;
+	long long nBlocks; /* at most 2,147,483,647 */
+	int nBytesPerBlock;
+	KESTREL_HWRAID_DSK_USAGE Usage;
+	KESTREL_HWRAID_DSK_SHARED_TYPE Shared; /* with another controller */
+	int nRate;                             /* transfer rate as the controller tool prints it */
+	struct __tag_Hard_Raid_Disk *next;     /* null at the end */
+} HWRAID_DISK_LIST, *PHWRAID_DISK_LIST;
+
+/* One free area of a disk: 24 bytes, query CMD_GET_RAID_SPACE. */
+typedef struct __tag_Hard_Raid_Space {
+	/* Bytes, of which only the low 32 bits are right, as signed numbers: 2 GiB and more wrap. */
+	long long nOffset;
+	long long nFreeSpace;
+	struct __tag_Hard_Raid_Space *next; /* null at the end */
+} HWRAID_SPACE_LIST, *PHWRAID_SPACE_LIST;
+
+/* One piece of a disk that a container uses: 56 bytes, query CMD_GET_RAID_PARTITIONS. */
+typedef struct tag_HwRaid_Partition {
+	int nPosition;     /* disk address: channel << 16 | SCSI ID << 8 | LUN */
+	long long nOffset; /* bytes from the disk's start */
+	long long nSize;   /* bytes */
+	int bRaidID;       /* the container that it belongs to */
+	KESTREL_HWRAID_TYPE RaidType;
+	int nMultilevelRaidID; /* the container made of containers above that one */
+	KESTREL_HWRAID_PART_MULTILEVEL_TYPE MultilevelType;
+	KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_TYPE ReadWriteAttribute;
+	struct tag_HwRaid_Partition *next; /* null at the end */
+} HWRAID_PARTITION_LIST, *PHWRAID_PARTITION_LIST;
+
 #ifdef __cplusplus
 extern "C" {
 #endif

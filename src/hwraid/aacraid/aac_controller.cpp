@@ -9,29 +9,16 @@
 #include "hwraid/aacraid/aac_controller.h"
 
 #include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_record_list.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
 #include <string.h>
 
-static constexpr char SCRIPT[] = "controller list\n                                          \n    \nexit\n";
-
 static constexpr ToolTraces TRACES = {
 	[](int, const char *lpszCommand) { OutputDebugString("system call return != 0: %s\n", lpszCommand); },
 	[](const char *lpszFile) { OutputDebugString("stat file return < 0: %s\n", lpszFile); },
 };
-
-// The lines before the echo of the command. 0 when the echo or the end has been reached, or an error's code.
-static int FindEcho(ToolOutput *pOutput)
-{
-	while (pOutput->Next()) {
-		if (Including(pOutput->Line(), "Executing: controller list"))
-			return 0;
-		if (Including(pOutput->Line(), "Command Error"))
-			return CodeOfErrorLine(pOutput->Line());
-	}
-	return 0;
-}
 
 static aac_controller *MakeController(const char *lpszRow, int nOrdinal)
 {
@@ -44,55 +31,31 @@ static aac_controller *MakeController(const char *lpszRow, int nOrdinal)
 	return pController;
 }
 
-static void ReadTable(ToolOutput *pOutput, aac_controller **ppNext)
-{
-	bool bInTable = false;
-	int nRows = 0;
-	while (pOutput->Next()) {
-		const char *lpszLine = pOutput->Line();
-		if (Including(lpszLine, "----")) {
-			bInTable = true;
-			continue;
-		}
-		if (!bInTable)
-			continue;
-		// The tool's prompt, or the blank line above it.
-		if (Including(lpszLine, "CLI") || lpszLine[0] == '\n')
-			return;
-		*ppNext = MakeController(lpszLine, nRows++);
-		ppNext = &(*ppNext)->next;
-	}
-}
-
 int AnalyzeControllerFile(const char *lpszFile, aac_controller **pHead)
 {
 	*pHead = nullptr;
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
 		return -1;
-	const int nError = FindEcho(&output);
-	if (nError == 0)
-		ReadTable(&output, pHead);
-	return nError;
-}
-
-static int CountControllers(const aac_controller *pHead)
-{
-	int nCount = 0;
-	for (; pHead; pHead = pHead->next)
-		nCount++;
-	return nCount;
+	const int nError = FindEcho(&output, "Executing: controller list");
+	if (nError != 0)
+		return nError;
+	RecordList<aac_controller> list(pHead);
+	for (ToolTable table(&output); table.Next();)
+		list.Append(MakeController(output.Line(), list.Count()));
+	return 0;
 }
 
 int Aac_Get_Controller_List(aac_controller **pHead)
 {
-	const auto Parse = [](const char *lpszFile, void *pContext) {
-		return AnalyzeControllerFile(lpszFile, static_cast<aac_controller **>(pContext));
-	};
 	*pHead = nullptr;
-	const int nResult = RunTool(SCRIPT, TRACES, Parse, pHead);
+	ToolScript script;
+	script.Add("controller list\n                                          \n    \nexit\n");
+	const int nResult = RunTool(script, TRACES, [pHead](const char *lpszFile) {
+		return AnalyzeControllerFile(lpszFile, pHead);
+	});
 	if (nResult == 0)
-		return CountControllers(*pHead);
+		return CountRecords(*pHead);
 	OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nResult);
 	return nResult;
 }
@@ -123,10 +86,5 @@ int Aac_Get_Controller_Name(char *lpszControllerName, int nPosition)
 
 int Aac_Clear_Controller_List(aac_controller *pHead)
 {
-	while (pHead) {
-		aac_controller *pNext = pHead->next;
-		delete pHead;
-		pHead = pNext;
-	}
-	return 0;
+	return ClearRecords(pHead);
 }

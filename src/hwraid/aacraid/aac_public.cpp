@@ -1,5 +1,6 @@
 #include "hwraid/aacraid/aac_public.h"
 
+#include "hwraid/aacraid/aac_pieces.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
@@ -233,53 +234,6 @@ int DeleteHeaderSymbols(char *lpszLine, const char *lpszSymbols)
 	return 0;
 }
 
-// Whether nTimes c stand at p.
-static bool IsDelimiter(const char *p, char c, int nTimes)
-{
-	for (int i = 0; i < nTimes; i++)
-		if (p[i] != c)
-			return false;
-	return true;
-}
-
-static const char *SkipAll(const char *p, char c)
-{
-	while (*p == c)
-		p++;
-	return p;
-}
-
-// At most nCount characters on, and not beyond the end.
-static const char *StepOn(const char *p, int nCount)
-{
-	return p + strnlen(p, static_cast<size_t>(nCount));
-}
-
-static const char *FindPiece(const char *lpszString, int nth, char c, int nTimes, size_t *pnLength)
-{
-	const char *lpszStart = nth == 1 ? lpszString : nullptr;
-	const char *p = lpszString;
-	for (int nSeen = 0; *p != '\0';) {
-		if (!IsDelimiter(p, c, nTimes)) {
-			p++;
-			continue;
-		}
-		nSeen++;
-		if (nSeen == nth)
-			break;
-		if (nSeen == nth - 1) {
-			// A delimiter that begins within the piece's first characters is deliberately not
-			// seen.
-			lpszStart = SkipAll(p, c);
-			p = StepOn(lpszStart, nTimes);
-		} else {
-			p = SkipAll(p, c);
-		}
-	}
-	*pnLength = lpszStart ? static_cast<size_t>(p - lpszStart) : 0;
-	return lpszStart;
-}
-
 char *TheNthSubString(const char *lpszString, int nth, char c, int nTimes)
 {
 	static char szReturn[1024];
@@ -288,10 +242,12 @@ char *TheNthSubString(const char *lpszString, int nth, char c, int nTimes)
 		return szReturn;
 	if (c == '\0' || nTimes < 1 || nth < 1)
 		return nullptr;
-	size_t nLength;
-	const char *lpszPiece = FindPiece(lpszString, nth, c, nTimes, &nLength);
-	if (lpszPiece)
-		snprintf(szReturn, sizeof szReturn, "%.*s", static_cast<int>(nLength), lpszPiece);
+	PieceWalk pieces(lpszString, c, nTimes);
+	bool bFound = pieces.Next();
+	for (int i = 1; bFound && i < nth; i++)
+		bFound = pieces.Next();
+	if (bFound)
+		pieces.Copy(szReturn, sizeof szReturn);
 	return szReturn;
 }
 
@@ -333,80 +289,4 @@ int CheckIfExistErrors(const char *lpszText)
 		if (Including(lpszError + strlen("Command Error: "), row.lpszText))
 			return row.nCode;
 	return nResult;
-}
-
-// ---- records ----
-
-const char g_szControllerAvailability[4][16] = {"Unavailability", "Unknown", "read only", "read/write"};
-const char g_szControllerClustering[2][16] = {"No", "Yes"};
-
-static int IndexOfWord(const char (*lpszRows)[16], int nRows, const char *lpszWord)
-{
-	for (int i = 0; i < nRows; i++)
-		if (Including(lpszWord, lpszRows[i]))
-			return i;
-	return -1;
-}
-
-static const char *WordOfIndex(const char (*lpszRows)[16], int nRows, int nIndex)
-{
-	if (nIndex < 0)
-		return "I dont know";
-	return nIndex < nRows ? lpszRows[nIndex] : "overflow";
-}
-
-static char *SetText(char (&szField)[32], const char *lpszText)
-{
-	snprintf(szField, sizeof szField, "%s", lpszText);
-	return szField;
-}
-
-int Controller_SetControllerID(aac_controller *p, int nID)
-{
-	return p->ControllerID = nID;
-}
-
-int Controller_GetControllerID(const aac_controller *p)
-{
-	return p->ControllerID;
-}
-
-char *Controller_SetControllerName(aac_controller *p, const char *lpszName)
-{
-	return SetText(p->Adapter_Name, lpszName);
-}
-
-char *Controller_GetControllerName(aac_controller *p)
-{
-	return p->Adapter_Name;
-}
-
-char *Controller_SetControllerType(aac_controller *p, const char *lpszType)
-{
-	return SetText(p->Adapter_Type, lpszType);
-}
-
-char *Controller_GetControllerType(aac_controller *p)
-{
-	return p->Adapter_Type;
-}
-
-int Controller_SetControllerAvailability(aac_controller *p, const char *lpszWord)
-{
-	return p->Availability = IndexOfWord(g_szControllerAvailability, 4, lpszWord);
-}
-
-const char *Controller_GetControllerAavailability(const aac_controller *p)
-{
-	return WordOfIndex(g_szControllerAvailability, 4, p->Availability);
-}
-
-int Controller_SetControllerClustering(aac_controller *p, const char *lpszWord)
-{
-	return p->Clustering = IndexOfWord(g_szControllerClustering, 2, lpszWord);
-}
-
-const char *Controller_GetControllerClustering(const aac_controller *p)
-{
-	return WordOfIndex(g_szControllerClustering, 2, p->Clustering);
 }

@@ -1,9 +1,10 @@
 // What all operations of the controller tool share: the site's configuration, the disk address, the text
-// helpers of the parsers, and the accessors of the records.
+// helpers of the parsers, and, in headers of their own, the container list and the accessors of the records.
 #ifndef DISKSCOUT_HWRAID_AAC_PUBLIC_H
 #define DISKSCOUT_HWRAID_AAC_PUBLIC_H
 
-#include "diskscout.h"
+#include "hwraid/aacraid/aac_container_list.h"
+#include "hwraid/aacraid/aac_records.h"
 
 #include <stddef.h>
 
@@ -74,24 +75,5 @@ char *Get_Content_Of_The_File(const char *lpszPath);
 // The first "Command Error" of a whole output: -100 wrong, missing or unopened controller, -200 held by
 // another application, -300 another error that stands at the start of a line but not of the output; else 0.
 int CheckIfExistErrors(const char *lpszText);
-
-// ---- records ----
-//
-// Setters store and return what they stored, getters return the field or its word. A word is known by its
-// beginning; an unknown one stores -1 and reads back as "I dont know".
-
-extern const char g_szControllerAvailability[4][16];
-extern const char g_szControllerClustering[2][16];
-
-int Controller_SetControllerID(aac_controller *p, int nID);
-int Controller_GetControllerID(const aac_controller *p);
-char *Controller_SetControllerName(aac_controller *p, const char *lpszName); // at most 31 characters
-char *Controller_GetControllerName(aac_controller *p);
-char *Controller_SetControllerType(aac_controller *p, const char *lpszType); // at most 31 characters
-char *Controller_GetControllerType(aac_controller *p);
-int Controller_SetControllerAvailability(aac_controller *p, const char *lpszWord);
-const char *Controller_GetControllerAavailability(const aac_controller *p);
-int Controller_SetControllerClustering(aac_controller *p, const char *lpszWord);
-const char *Controller_GetControllerClustering(const aac_controller *p);
 
 #endif

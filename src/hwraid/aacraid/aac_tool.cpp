@@ -4,11 +4,32 @@
 #include "hwraid/aacraid/create_a_uuid.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
+#include <iterator>
+#include <stdarg.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 
 static constexpr char SOURCE[] = "hwraid/aacraid/aac_tool";
+
+void ToolScript::Add(const char *lpszFormat, ...)
+{
+	if (!Fits())
+		return;
+	va_list arguments;
+	va_start(arguments, lpszFormat);
+	const int nAdded =
+		vsnprintf(m_szText + m_nLength, sizeof m_szText - m_nLength, lpszFormat, arguments);
+	va_end(arguments);
+	m_nLength = nAdded < 0 ? sizeof m_szText : m_nLength + static_cast<size_t>(nAdded);
+}
+
+const ToolTraces COMMAND_TRACES = {
+	[](int nStatus, const char *lpszCommand) {
+		OutputDebugString("system call return = %d, szCommandLine= %s\n", nStatus, lpszCommand);
+	},
+	[](const char *lpszFile) { OutputDebugString("stat file < 0:%s\n", lpszFile); },
+};
 
 // The files of one run, named by fresh UUIDs. Once there is a script, all three are removed when the scope
 // ends, whether they exist or not.
@@ -73,13 +94,13 @@ static bool IsConfigured()
 	return lpszTool && lpszTool[0] != '\0' && GetFilterScript()[0] != '\0';
 }
 
-int RunTool(const char *lpszScript, const ToolTraces &traces,
+int RunTool(const ToolScript &script, const ToolTraces &traces,
             int (*pfnParse)(const char *lpszFile, void *pContext), void *pContext)
 {
-	if (!IsConfigured())
+	if (!script.Fits() || !IsConfigured())
 		return -1;
 	RunFiles files;
-	if (WriteScript(&files, lpszScript) != 0)
+	if (WriteScript(&files, script.Text()) != 0)
 		return -1;
 	// The tool paints a terminal and wants one that it knows.
 	if (setenv("TERM", "linux", 1) != 0) {
@@ -127,10 +148,41 @@ bool ToolOutput::Next()
 	return m_szLine[0] != '\0';
 }
 
-int CodeOfErrorLine(const char *lpszLine)
+static const ToolError *FindError(const char *lpszLine, const ToolError *pRows, size_t nRows)
 {
-	for (const ToolError &row : CONTROLLER_ERRORS)
-		if (strstr(lpszLine, row.lpszText))
-			return row.nCode;
-	return OTHER_TOOL_ERROR;
+	for (const ToolError *pRow = pRows; pRow != pRows + nRows; pRow++)
+		if (strstr(lpszLine, pRow->lpszText))
+			return pRow;
+	return nullptr;
+}
+
+int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn, size_t nOwn)
+{
+	const ToolError *pRow = FindError(lpszLine, CONTROLLER_ERRORS, std::size(CONTROLLER_ERRORS));
+	if (!pRow)
+		pRow = FindError(lpszLine, pOwn, nOwn);
+	return pRow ? pRow->nCode : OTHER_TOOL_ERROR;
+}
+
+int FindEcho(ToolOutput *pOutput, const char *lpszEcho)
+{
+	while (pOutput->Next()) {
+		if (Including(pOutput->Line(), lpszEcho))
+			return 0;
+		if (Including(pOutput->Line(), "Command Error"))
+			return CodeOfErrorLine(pOutput->Line());
+	}
+	return 0;
+}
+
+bool ToolTable::Next()
+{
+	while (m_pOutput->Next()) {
+		const char *lpszLine = m_pOutput->Line();
+		if (Including(lpszLine, "----"))
+			m_bInTable = true;
+		else if (m_bInTable)
+			return !Including(lpszLine, "CLI") && lpszLine[0] != '\n';
+	}
+	return false;
 }

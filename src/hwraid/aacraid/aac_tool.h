@@ -4,7 +4,23 @@
 #ifndef DISKSCOUT_HWRAID_AAC_TOOL_H
 #define DISKSCOUT_HWRAID_AAC_TOOL_H
 
+#include <stddef.h>
 #include <stdio.h>
+
+// The commands of one run, put together piece by piece.
+class ToolScript
+{
+public:
+	ToolScript() { m_szText[0] = '\0'; }
+	__attribute__((format(printf, 2, 3))) void Add(const char *lpszFormat, ...);
+	// False once something did not fit: such a script is never run.
+	bool Fits() const { return m_nLength < sizeof m_szText; }
+	const char *Text() const { return m_szText; }
+
+private:
+	char m_szText[8192];
+	size_t m_nLength = 0;
+};
 
 // What the debug trace says when a run fails; each family of operations has words of its own.
 struct ToolTraces {
@@ -12,12 +28,24 @@ struct ToolTraces {
 	void (*pfnAnswerMissing)(const char *lpszFile);
 };
 
+// Those of the operations on containers.
+extern const ToolTraces COMMAND_TRACES;
+
 // Runs the tool with this script and hands the filtered output file to the parser. Returns the parser's
-// result; -1 when the configuration names no tool or no filter, when the script cannot be written, when tool
-// or filter fail, or when there is no answer. Blocks until both have ended; the three files, made in the
-// working directory, are gone afterwards in any case.
-int RunTool(const char *lpszScript, const ToolTraces &traces,
+// result; -1 when the configuration names no tool or no filter, when the script does not fit or cannot be
+// written, when tool or filter fail, or when there is no answer. Blocks until both have ended; the three
+// files, made in the working directory, are gone afterwards in any case.
+int RunTool(const ToolScript &script, const ToolTraces &traces,
             int (*pfnParse)(const char *lpszFile, void *pContext), void *pContext);
+
+// The same with a parser that brings its context along.
+template <class Parser> int RunTool(const ToolScript &script, const ToolTraces &traces, Parser parse)
+{
+	const auto Call = [](const char *lpszFile, void *pParser) {
+		return (*static_cast<Parser *>(pParser))(lpszFile);
+	};
+	return RunTool(script, traces, Call, &parse);
+}
 
 // A file of tool output, line by line. A line beyond 511 characters goes on as the next one. Of every line
 // the pager prompt at its start and the blanks and tabs that then lead it are cut off.
@@ -33,6 +61,7 @@ public:
 	// False at the end of the output, and at a line that is cleaned to nothing: a bare newline is
 	// something.
 	bool Next();
+	bool AtEnd() const { return feof(m_pFile) || ferror(m_pFile); }
 	char *Line() { return m_szLine; }
 
 private:
@@ -58,7 +87,28 @@ constexpr ToolError CONTROLLER_ERRORS[] = {
 	{"<Another application has opened th", CONTROLLER_BUSY},
 };
 
-// The code of the first of CONTROLLER_ERRORS whose text stands anywhere in the line, else OTHER_TOOL_ERROR.
-int CodeOfErrorLine(const char *lpszLine);
+// The code of the first row whose text stands anywhere in the line: CONTROLLER_ERRORS, then an operation's
+// own rows. OTHER_TOOL_ERROR when there is none.
+int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn = nullptr, size_t nOwn = 0);
+template <size_t rows> int CodeOfErrorLine(const char *lpszLine, const ToolError (&own)[rows])
+{
+	return CodeOfErrorLine(lpszLine, own, rows);
+}
+
+// Reads up to the echo of the command. 0 at the echo or at the end of the output, or the code of a
+// "Command Error" before it.
+int FindEcho(ToolOutput *pOutput, const char *lpszEcho);
+
+// The rows of a table: what stands between its dashed rule and the blank line or the prompt behind it.
+class ToolTable
+{
+public:
+	explicit ToolTable(ToolOutput *pOutput) : m_pOutput(pOutput) {}
+	bool Next(); // the row is the output's line
+
+private:
+	ToolOutput *m_pOutput;
+	bool m_bInTable = false;
+};
 
 #endif

@@ -1,0 +1,218 @@
+// The disks behind a controller. The tool's list:
+//
+//   Executing: disk list /full=TRUE
+//   C:ID:L  Device Type     Removable media  Vendor-ID Product-ID        Rev   Blocks    Bytes/Block Usage
+//   ...
+//   ------  --------------  ---------------  --------- ----------------  ----- --------- ----------- -----
+//   ... 0:00:0   Disk            N                ACME      EX103073FL3800    SA1B  143374805 512 Initialized
+//   ...
+#include "hwraid/aacraid/aac_disk.h"
+
+#include "hwraid/aacraid/aac_disk_run.h"
+#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_record_list.h"
+#include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_tool.h"
+#include "hwraid/aacraid/output_debug_string.h"
+
+#include <string.h>
+
+const ToolTraces DISK_TRACES = {
+	[](int nStatus, const char *lpszCommand) {
+		OutputDebugString("system call return :%d %s.\n", nStatus, lpszCommand);
+	},
+	[](const char *lpszFile) { OutputDebugString("stat file error:%s\n", lpszFile); },
+};
+
+// ---- disk list ----
+
+static aac_disk *MakeDisk(char *lpszRow)
+{
+	static constexpr struct {
+		const char *lpszWords;
+		const char *lpszJoined;
+	} TWO_WORDS[] = {{"Not Initialized", "Not_Initialized"},
+	                 {"Write once", "Write_once"},
+	                 {"Media changer", "Media_changer"}};
+	for (const auto &row : TWO_WORDS)
+		ReplaceSubString(lpszRow, row.lpszWords, row.lpszJoined);
+
+	int nChannel = 0;
+	int nID = 0;
+	int nLun = 0;
+	int nBlocks = 0; // deliberately no wider: a larger disk shows as the largest count
+	char szType[32] = "";
+	char szVendor[32] = "";
+	char szProduct[32] = "";
+	char szUsage[32] = "";
+	char szShared[32] = "";
+	auto *pDisk = new aac_disk();
+	FieldScan(lpszRow)
+		.Int(&nChannel)
+		.Literal(':')
+		.Int(&nID)
+		.Literal(':')
+		.Int(&nLun)
+		.Word(szType)
+		.SkipWord() // removable medium
+		.Word(szVendor)
+		.Word(szProduct)
+		.SkipWord() // revision
+		.Int(&nBlocks)
+		.Int(&pDisk->BytesPerBlock)
+		.Word(szUsage)
+		.Word(szShared)
+		.Int(&pDisk->Rate);
+	Disk_SetC_ID_L(pDisk, GetC_ID_L(nChannel, nID, nLun));
+	Disk_SetDeviceType(pDisk, szType);
+	Disk_SetVendorID(pDisk, szVendor);
+	Disk_SetProductID(pDisk, szProduct);
+	Disk_SetBlocks(pDisk, nBlocks);
+	Disk_SetUsage(pDisk, szUsage);
+	Disk_SetShared(pDisk, szShared);
+	return pDisk;
+}
+
+int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
+{
+	RecordList<aac_disk> list(pHead);
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return -1;
+	static constexpr char ECHO_TEXT[] = "Executing: disk list";
+	const int nError = FindEcho(&output, ECHO_TEXT);
+	if (nError != 0 || !Including(output.Line(), ECHO_TEXT))
+		return nError;
+	for (ToolTable table(&output); table.Next();)
+		list.Append(MakeDisk(output.Line()));
+	return 0;
+}
+
+int Aac_Get_Disk_List(const char *lpszControllerName, aac_disk **pHead)
+{
+	*pHead = nullptr;
+	ToolScript script;
+	script.Add("open %s\ndisk list /full=true\n                                          \n    \nexit\n",
+	           lpszControllerName);
+	const int nResult = RunTool(script, DISK_TRACES, [pHead](const char *lpszFile) {
+		const int nParsed = AnalyzeDiskFile(lpszFile, pHead);
+		OutputDebugString("AnalyzeDiskFile Return value is %d\n", nParsed);
+		return nParsed;
+	});
+	return nResult == 0 ? CountRecords(*pHead) : nResult;
+}
+
+int Aac_Clear_Disk_List(aac_disk *pHead)
+{
+	return ClearRecords(pHead);
+}
+
+// ---- disk initialize ----
+
+static bool IsNoSuchDevice(const char *lpszLine)
+{
+	return strstr(lpszLine, DEVICE_ERRORS[0].lpszText) || strstr(lpszLine, DEVICE_ERRORS[1].lpszText);
+}
+
+int AnalyzeDiskInitializeFile(const char *lpszFile)
+{
+	// Counts the lines that are not blank: below 0 until the controller is opened, from AFTER_ECHO on
+	// behind the command's echo.
+	constexpr int AFTER_ECHO = 10000;
+	int nLine = -10000;
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return -1;
+	while (output.Next()) {
+		const char *lpszLine = output.Line();
+		if (lpszLine[0] == '\n')
+			continue;
+		nLine++;
+		const bool bError = strstr(lpszLine, "Command Error") != nullptr;
+		if (nLine < 0) {
+			if (Including(lpszLine, "Executing: open"))
+				nLine = 0;
+		} else if (nLine == 1 && bError) {
+			return 0; // deliberately: a controller that cannot be opened is no failure here
+		} else if (nLine < AFTER_ECHO) {
+			if (Including(lpszLine, "Executing: disk init"))
+				nLine = AFTER_ECHO;
+		} else if (nLine == AFTER_ECHO + 1 && bError) {
+			return IsNoSuchDevice(lpszLine) ? NO_SUCH_DEVICE : OTHER_TOOL_ERROR;
+		} else if (nLine > AFTER_ECHO + 1) {
+			return 0;
+		}
+	}
+	return 0;
+}
+
+static const char *TrueOrFalse(int nFlag)
+{
+	return nFlag ? "true" : "false";
+}
+
+int Aac_Disk_Initialize(const char *lpszControllerName, int nAlways, int nUnconditional, int nC_ID_L)
+{
+	ToolScript script;
+	script.Add("open %s\ndisk initialize /always=%s /unconditional=%s (%d,%d,%d)\n"
+	           "                                          \n    \n  \n  \n  \n  \n  exit\n        \n",
+	           lpszControllerName, TrueOrFalse(nAlways), TrueOrFalse(nUnconditional),
+	           GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L));
+	return RunTool(script, DISK_TRACES, [](const char *lpszFile) {
+		const int nParsed = AnalyzeDiskInitializeFile(lpszFile);
+		OutputDebugString("AnalyzeDiskInitializeFile Return value is %d\n", nParsed);
+		return nParsed;
+	});
+}
+
+// ---- disk show defect ----
+
+// The number behind the colon, or at the line's start when there is none.
+static int CountIn(const char *lpszLine)
+{
+	const char *lpszColon = strchr(lpszLine, ':');
+	int nCount = 0;
+	FieldScan(lpszColon ? lpszColon + 1 : lpszLine).Int(&nCount);
+	return nCount;
+}
+
+int AnalyzeDiskShowDefectFile(const char *lpszFile, int *pnPrimary, int *pnGrown)
+{
+	static constexpr ToolError DEFECT_ERRORS[] = {
+		DEVICE_ERRORS[0],
+		DEVICE_ERRORS[1],
+		{"detected a bad status", -50},
+		{"parameter error", -6},
+	};
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return -1;
+	while (output.Next()) {
+		const char *lpszLine = output.Line();
+		if (Including(lpszLine, "Number of PRIMARY")) {
+			*pnPrimary = CountIn(lpszLine);
+		} else if (Including(lpszLine, "Number of GROWN")) {
+			*pnGrown = CountIn(lpszLine);
+			return 0;
+		} else if (strstr(lpszLine, "Error:")) {
+			return CodeOfErrorLine(lpszLine, DEFECT_ERRORS);
+		}
+	}
+	return 0;
+}
+
+int Aac_Disk_Show_Defect(const char *lpszControllerName, int nC_ID_L, int *pnPrimary, int *pnGrown)
+{
+	*pnPrimary = -1;
+	*pnGrown = -1;
+	ToolScript script;
+	script.Add("open %s\ndisk show defect (%d,%d,%d)\n"
+	           "                                            \n    \nexit\n        \n",
+	           lpszControllerName, GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L),
+	           GetLunFromC_ID_L(nC_ID_L));
+	return RunTool(script, DISK_TRACES, [pnPrimary, pnGrown](const char *lpszFile) {
+		const int nParsed = AnalyzeDiskShowDefectFile(lpszFile, pnPrimary, pnGrown);
+		OutputDebugString("AnalyzeDiskShowDefectFile Return value is %d\n", nParsed);
+		return nParsed;
+	});
+}

@@ -1,0 +1,15 @@
+// What the operations on disks share beyond the run itself.
+#ifndef DISKSCOUT_HWRAID_AAC_DISK_RUN_H
+#define DISKSCOUT_HWRAID_AAC_DISK_RUN_H
+
+#include "hwraid/aacraid/aac_tool.h"
+
+extern const ToolTraces DISK_TRACES;
+
+constexpr int NO_SUCH_DEVICE = -2;
+constexpr ToolError DEVICE_ERRORS[] = {
+	{"<The specified channel was not found on the controller", NO_SUCH_DEVICE},
+	{"<The specified device was not found", NO_SUCH_DEVICE},
+};
+
+#endif

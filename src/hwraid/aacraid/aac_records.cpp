@@ -1,0 +1,331 @@
+#include "hwraid/aacraid/aac_public.h"
+
+#include <stdio.h>
+
+// The row's number is the code.
+typedef char word_t[16];
+
+const word_t g_szControllerAvailability[4] = {"Unavailability", "Unknown", "read only", "read/write"};
+const word_t g_szControllerClustering[2] = {"No", "Yes"};
+const word_t g_szTaskFunction[10] = {"Create", "FATfmt",  "NTFSfmt", "Rebuild", "Reconfig",
+                                     "Scrub",  "Unknown", "Verify",  "Zero",    "Bld/Vfy"};
+const word_t g_szTaskState[5] = {"BAD", "DNE", "RUN", "SUS", "UNK"};
+static const word_t DEVICE_TYPES[] = {"Disk",  "Sequential", "Printer", "Processor",     "Write_once",
+                                      "CDROM", "Scanner",    "Optical", "Media_changer", "Network"};
+// The parser joins the words of a row's field; people read them apart.
+static const word_t DISK_USAGE_KEYS[] = {"Initialized", "Not_Initialized", "Detached",
+                                         "DOS",         "Offline",         "Unowned"};
+static const word_t DISK_USAGES[] = {"Initialized", "Not Initialized", "Detached",
+                                     "DOS",         "Offline",         "Unowned"};
+static const word_t SHARED[] = {"NO", "YES"};
+
+template <size_t rows> static int CodeOfWord(const word_t (&table)[rows], const char *lpszWord)
+{
+	for (size_t i = 0; i < rows; i++)
+		if (Including(lpszWord, table[i]))
+			return static_cast<int>(i);
+	return -1;
+}
+
+template <size_t rows> static const char *WordOfCode(const word_t (&table)[rows], int nCode)
+{
+	if (nCode < 0)
+		return "I dont know";
+	return nCode < static_cast<int>(rows) ? table[nCode] : "overflow";
+}
+
+struct keyed_code_t {
+	const char *lpszKey;
+	int nCode;
+};
+
+template <size_t rows>
+static int CodeOfKey(const keyed_code_t (&table)[rows], const char *lpszWord, int nUnknown)
+{
+	for (const keyed_code_t &row : table)
+		if (Including(lpszWord, row.lpszKey))
+			return row.nCode;
+	return nUnknown;
+}
+
+// No word stands for RAID 10: the tool calls a stripe of containers a stripe as well.
+static constexpr keyed_code_t CONTAINER_TYPES[] = {{"Stripe", KESTREL_HWRAID_TYPE_RAID0},
+                                                   {"Mirror", KESTREL_HWRAID_TYPE_RAID1},
+                                                   {"RAID-5", KESTREL_HWRAID_TYPE_RAID5},
+                                                   {"Volume", KESTREL_HWRAID_TYPE_VOLUME},
+                                                   {"Reconf", KESTREL_HWRAID_TYPE_RECONF}};
+static constexpr keyed_code_t MULTILEVEL_TYPES[] = {{"None", KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE},
+                                                    {"Stripe", KESTREL_HWRAID_PART_MULTILEVEL_TYPE_STRIPE}};
+static constexpr keyed_code_t ATTRIBUTES[] = {
+	{"RW", KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ_AND_WRITE},
+	{"R", KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ},
+	{"W", KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_WRITE},
+};
+
+static char *SetText(char (&szField)[32], const char *lpszText)
+{
+	snprintf(szField, sizeof szField, "%s", lpszText);
+	return szField;
+}
+
+// ---- controllers ----
+
+int Controller_SetControllerID(aac_controller *p, int nValue)
+{
+	return p->ControllerID = nValue;
+}
+
+int Controller_GetControllerID(const aac_controller *p)
+{
+	return p->ControllerID;
+}
+
+char *Controller_SetControllerName(aac_controller *p, const char *lpszText)
+{
+	return SetText(p->Adapter_Name, lpszText);
+}
+
+char *Controller_GetControllerName(aac_controller *p)
+{
+	return p->Adapter_Name;
+}
+
+char *Controller_SetControllerType(aac_controller *p, const char *lpszText)
+{
+	return SetText(p->Adapter_Type, lpszText);
+}
+
+char *Controller_GetControllerType(aac_controller *p)
+{
+	return p->Adapter_Type;
+}
+
+int Controller_SetControllerAvailability(aac_controller *p, const char *lpszWord)
+{
+	return p->Availability = CodeOfWord(g_szControllerAvailability, lpszWord);
+}
+
+const char *Controller_GetControllerAavailability(const aac_controller *p)
+{
+	return WordOfCode(g_szControllerAvailability, p->Availability);
+}
+
+int Controller_SetControllerClustering(aac_controller *p, const char *lpszWord)
+{
+	return p->Clustering = CodeOfWord(g_szControllerClustering, lpszWord);
+}
+
+const char *Controller_GetControllerClustering(const aac_controller *p)
+{
+	return WordOfCode(g_szControllerClustering, p->Clustering);
+}
+
+// ---- disks ----
+
+int Disk_SetC_ID_L(aac_disk *p, int nValue)
+{
+	return p->C_ID_L = nValue;
+}
+
+int Disk_GetC_ID_L(const aac_disk *p)
+{
+	return p->C_ID_L;
+}
+
+char *Disk_SetVendorID(aac_disk *p, const char *lpszText)
+{
+	return SetText(p->VendorID, lpszText);
+}
+
+char *Disk_GetVendorID(aac_disk *p)
+{
+	return p->VendorID;
+}
+
+char *Disk_SetProductID(aac_disk *p, const char *lpszText)
+{
+	return SetText(p->ProductID, lpszText);
+}
+
+char *Disk_GetProductID(aac_disk *p)
+{
+	return p->ProductID;
+}
+
+int Disk_SetDeviceType(aac_disk *p, const char *lpszWord)
+{
+	return p->Device_Type = CodeOfWord(DEVICE_TYPES, lpszWord);
+}
+
+const char *Disk_GetDeviceType(const aac_disk *p)
+{
+	return WordOfCode(DEVICE_TYPES, p->Device_Type);
+}
+
+long long Disk_SetBlocks(aac_disk *p, long long nValue)
+{
+	return p->Blocks = nValue;
+}
+
+long long Disk_GetBlocks(const aac_disk *p)
+{
+	return p->Blocks;
+}
+
+int Disk_SetBytesPerBlock(aac_disk *p, int nValue)
+{
+	return p->BytesPerBlock = nValue;
+}
+
+int Disk_GetBytesPerBlock(const aac_disk *p, int)
+{
+	return p->BytesPerBlock;
+}
+
+int Disk_SetUsage(aac_disk *p, const char *lpszWord)
+{
+	return p->Usage = CodeOfWord(DISK_USAGE_KEYS, lpszWord);
+}
+
+const char *Disk_GetUsage(const aac_disk *p)
+{
+	return WordOfCode(DISK_USAGES, p->Usage);
+}
+
+int Disk_SetShared(aac_disk *p, const char *lpszWord)
+{
+	return p->Shared = CodeOfWord(SHARED, lpszWord);
+}
+
+const char *Disk_GetShared(const aac_disk *p)
+{
+	return WordOfCode(SHARED, p->Shared);
+}
+
+int Disk_SetRate(aac_disk *p, int nValue)
+{
+	return p->Rate = nValue;
+}
+
+int Disk_getRate(const aac_disk *p)
+{
+	return p->Rate;
+}
+
+// ---- free areas and pieces of disks ----
+
+int Disk_Space_SetOffset(aac_space *p, int nValue)
+{
+	return p->nOffset = nValue;
+}
+
+int Disk_Space_GetOffset(const aac_space *p)
+{
+	return p->nOffset;
+}
+
+int Disk_Space_SetFreeSpace(aac_space *p, int nValue)
+{
+	return p->nFreeSpace = nValue;
+}
+
+int Disk_Space_GetFreeSpace(const aac_space *p)
+{
+	return p->nFreeSpace;
+}
+
+int Disk_Partition_Set_C_ID_L(aac_partition *p, int nValue)
+{
+	return p->C_ID_L = nValue;
+}
+
+long long Disk_Partition_Set_OffSet(aac_partition *p, long long nValue)
+{
+	return p->nOffset = nValue;
+}
+
+long long Disk_Partition_SetSize(aac_partition *p, long long nValue)
+{
+	return p->nOffset = nValue;
+}
+
+int Disk_Partition_SetContainerID(aac_partition *p, int nID)
+{
+	p->nOffset = nID;
+	return nID;
+}
+
+int Disk_Partition_SetMultilevelContainerID(aac_partition *p, int nID)
+{
+	p->nOffset = nID;
+	return nID;
+}
+
+int Disk_Partition_SetContainerType(aac_partition *p, const char *lpszWord)
+{
+	return p->ContainerType = CodeOfKey(CONTAINER_TYPES, lpszWord, KESTREL_HWRAID_TYPE_UNKNOWN);
+}
+
+int Disk_Partition_SetMultilevelContainerType(aac_partition *p, const char *lpszWord)
+{
+	return p->nMultilevelContainerType =
+	               CodeOfKey(MULTILEVEL_TYPES, lpszWord, KESTREL_HWRAID_PART_MULTILEVEL_TYPE_UNKNOWN);
+}
+
+int Disk_Partition_SetReadWriteAttr(aac_partition *p, const char *lpszWord)
+{
+	return p->nReadWriteAttribute = CodeOfKey(
+		       ATTRIBUTES, lpszWord, KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_NOT_READ_OR_WRITE);
+}
+
+// ---- tasks ----
+
+int Task_SetTaskID(aac_task *p, int nValue)
+{
+	return p->TaskId = nValue;
+}
+
+int Task_GetTaskID(const aac_task *p)
+{
+	return p->TaskId;
+}
+
+int Task_SetFunction(aac_task *p, const char *lpszWord)
+{
+	return p->Function = CodeOfWord(g_szTaskFunction, lpszWord);
+}
+
+const char *Task_GetFunction(const aac_task *p)
+{
+	return WordOfCode(g_szTaskFunction, p->Function);
+}
+
+float Task_SetDone(aac_task *p, float fDone)
+{
+	return p->Done = fDone;
+}
+
+float Task_GetDone(const aac_task *p)
+{
+	return p->Done;
+}
+
+int Task_SetContainerID(aac_task *p, int nValue)
+{
+	return p->ContainerID = nValue;
+}
+
+int Task_GetContainerID(const aac_task *p)
+{
+	return p->ContainerID;
+}
+
+int Task_SetState(aac_task *p, const char *lpszWord)
+{
+	return p->State = CodeOfWord(g_szTaskState, lpszWord);
+}
+
+const char *Task_GetState(const aac_task *p)
+{
+	return WordOfCode(g_szTaskState, p->State);
+}

@@ -1,0 +1,89 @@
+// The tool's answer to "task list":
+//
+//   Executing: task list
+//   TaskId Function  Done%  Container State Specific1 Specific2
+//   ------ -------- ------- --------- ----- --------- ---------
+//     106   Bld/Vfy   0.0%      1      RUN   00000000  00000000
+#include "hwraid/aacraid/aac_task.h"
+
+#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_record_list.h"
+#include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_tool.h"
+#include "hwraid/aacraid/output_debug_string.h"
+
+static constexpr ToolTraces TRACES = {
+	[](int nStatus, const char *lpszCommand) {
+		OutputDebugString("system call return :%d, %s\n", nStatus, lpszCommand);
+	},
+	[](const char *lpszFile) { OutputDebugString("state the file return < 0. %s\n", lpszFile); },
+};
+
+static aac_task *MakeTask(char *lpszRow)
+{
+	int nTask = -1;
+	float fPercent = 100;
+	int nContainer = 0;
+	char szFunction[32] = "";
+	char szState[32] = "";
+	ReplaceSubString(lpszRow, "%", "");
+	FieldScan(lpszRow).Int(&nTask).Word(szFunction).Float(&fPercent).Int(&nContainer).Word(szState);
+
+	auto *pTask = new aac_task();
+	Task_SetTaskID(pTask, nTask);
+	Task_SetFunction(pTask, szFunction);
+	Task_SetDone(pTask, fPercent / 100);
+	Task_SetContainerID(pTask, nContainer);
+	Task_SetState(pTask, szState);
+	return pTask;
+}
+
+int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
+{
+	RecordList<aac_task> list(pHead);
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return -1;
+	const int nError = FindEcho(&output, "Executing: task list");
+	if (nError != 0)
+		return nError;
+	for (ToolTable table(&output); table.Next();)
+		list.Append(MakeTask(output.Line()));
+	return 0;
+}
+
+int Aac_Get_Task_List(const char *lpszControllerName, aac_task **pHead)
+{
+	*pHead = nullptr;
+	ToolScript script;
+	script.Add("open %s\ntask list \n                 \n    \nexit         \n\n\n\n", lpszControllerName);
+	const int nResult = RunTool(script, TRACES, [pHead](const char *lpszFile) {
+		const int nParsed = AnalyzeTaskFile(lpszFile, pHead);
+		OutputDebugString("AnalyzeTaskFile return %d.\n", nParsed);
+		return nParsed;
+	});
+	const int nReturned = nResult == 0 ? CountRecords(*pHead) : nResult;
+	OutputDebugString("return :%d.\n", nReturned);
+	return nReturned;
+}
+
+aac_task *Aac_Get_Container_Task(const char *lpszControllerName, int nContainerID)
+{
+	aac_task *pTask = nullptr;
+	if (Aac_Get_Task_List(lpszControllerName, &pTask) <= 0) {
+		Aac_Clear_Task_List(pTask);
+		return nullptr;
+	}
+	while (pTask && Task_GetContainerID(pTask) != nContainerID) {
+		aac_task *pNext = pTask->next;
+		delete pTask;
+		pTask = pNext;
+	}
+	// With all tasks behind it, deliberately: the caller releases them together.
+	return pTask;
+}
+
+int Aac_Clear_Task_List(aac_task *pHead)
+{
+	return ClearRecords(pHead);
+}
