@@ -19,6 +19,10 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 	case CMD_GET_PARTITIONS:
 	case CMD_GET_CDROMS:
 		return GetItemInfo_hdd(cmd, result, length);
+	case CMD_GET_CONTAINERS:
+	case CMD_GET_RAID_DISKS:
+	case CMD_GET_RAID_SPACE:
+	case CMD_GET_RAID_PARTITIONS:
 	case CMD_GET_CONTROLLERS:
 		return HWRAID__GetItemInfo(cmd, result, length);
 	default:
@@ -35,6 +39,10 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 	case CMD_FREE_PARTITIONS:
 	case CMD_FREE_CDROMS:
 		return SetItemInfo_hdd(cmd, result);
+	case CMD_FREE_CONTAINERS:
+	case CMD_FREE_RAID_DISKS:
+	case CMD_FREE_RAID_SPACE:
+	case CMD_FREE_RAID_PARTITIONS:
 	case CMD_FREE_CONTROLLERS: {
 		// Deliberately the function that queries: it knows the release codes itself.
 		int nLength = 0;

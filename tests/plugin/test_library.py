@@ -7,7 +7,15 @@ import pytest
 
 EXPORTS = {
     "GetItemInfo", "SetItemInfo", "stcli", "memory_counter_hdd", "memory_counter_hwraid", "g_szConfigFileName",
-    "Aac_Get_Controller_List", "Aac_Get_Controller_Name", "Aac_Clear_Controller_List", "AnalyzeControllerFile",
+    "Aac_Clear_Container_List", "Aac_Clear_Controller_List", "Aac_Clear_Disk_List", "Aac_Clear_Disk_Partition_List",
+    "Aac_Clear_Disk_Space_List", "Aac_Clear_Task_List", "Aac_Container_Delete", "Aac_Container_Remove_Failover",
+    "Aac_Container_Set_Failover", "Aac_Container_Show_Failover", "Aac_Create_Raid0", "Aac_Create_Raid1",
+    "Aac_Create_Raid10", "Aac_Create_Raid5", "Aac_Disk_Initialize", "Aac_Disk_Show_Defect", "Aac_Disk_Show_Partition",
+    "Aac_Disk_Show_Space", "Aac_Get_Container_Corresponding_Disk_Name", "Aac_Get_Container_List",
+    "Aac_Get_Container_Task", "Aac_Get_Controller_List", "Aac_Get_Controller_Name", "Aac_Get_Disk_List",
+    "Aac_Get_Task_List", "AnalyzeControllerFile", "AnalyzeDiskFile", "AnalyzeDiskInitializeFile",
+    "AnalyzeDiskShowDefectFile", "AnalyzeDiskShowSpaceFile", "AnalyzePartitionFile", "AnalyzeTaskFile",
+    "Analyze_Create_Raid_Created_File",
 }
 
 # What a plug-in in a foreign process leaves alone: memory that somebody would have to give back, unbounded

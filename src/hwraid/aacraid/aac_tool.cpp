@@ -126,9 +126,6 @@ int RunTool(const ToolScript &script, const ToolTraces &traces,
 	return pfnParse(files.szFiltered, pContext);
 }
 
-static constexpr char PAGER_PROMPT[] =
-	"( <SPACEBAR>:next screen, <Enter>:next line, <C>:Continous, <Q>:Quit Early )";
-
 ToolOutput::ToolOutput(const char *lpszFile) : m_pFile(fopen(lpszFile, "rte"))
 {
 	m_szLine[0] = '\0';

@@ -47,6 +47,10 @@ template <class Parser> int RunTool(const ToolScript &script, const ToolTraces &
 	return RunTool(script, traces, Call, &parse);
 }
 
+// Printed without a line end before the next line's text, wherever the tool's screen was full.
+constexpr char PAGER_PROMPT[] =
+	"( <SPACEBAR>:next screen, <Enter>:next line, <C>:Continous, <Q>:Quit Early )";
+
 // A file of tool output, line by line. A line beyond 511 characters goes on as the next one. Of every line
 // the pager prompt at its start and the blanks and tabs that then lead it are cut off.
 class ToolOutput

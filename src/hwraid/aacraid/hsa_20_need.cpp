@@ -1,17 +1,151 @@
 #include "hwraid/aacraid/hsa_20_need.h"
 
+#include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_controller.h"
+#include "hwraid/aacraid/aac_disk.h"
+#include "hwraid/aacraid/aac_record_list.h"
 
-static void ReleaseControllers(void **ppList)
+#include <stdio.h>
+#include <string.h>
+
+// ---- records ----
+
+// Deliberately formed in 32 bits and only then widened, so that large sizes wrap: agents in the field undo
+// it.
+static long long NarrowProduct(int nValue, int nFactor)
 {
-	Aac_Clear_Controller_List(static_cast<aac_controller *>(*ppList));
-	*ppList = nullptr;
+	return static_cast<int>(static_cast<unsigned>(nValue) * static_cast<unsigned>(nFactor));
+}
+
+static void CopyContainer(const aac_container &from, tagHwRaid *pTo)
+{
+	pTo->nRaidID = from.nCntnerID;
+	pTo->nDiskNumber = from.nDiskNumber;
+	static_assert(sizeof pTo->nPosition == sizeof from.C_ID_L, "slot for slot");
+	memcpy(pTo->nPosition, from.C_ID_L, sizeof pTo->nPosition);
+	pTo->RaidType = from.Container_Type;
+	pTo->nTotalSize = NarrowProduct(from.TotalSize, 1048576);
+	pTo->nStripeSize = NarrowProduct(from.StripeSize, 1024);
+	pTo->Usage = from.Usage;
+	pTo->nHotSpare = from.HotSpare;
+	// Deliberately cut: the field's first agents showed eight characters.
+	snprintf(pTo->szLabel, sizeof pTo->szLabel, "%.8s", from.Label);
+}
+
+static void CopyDisk(const aac_disk &from, __tag_Hard_Raid_Disk *pTo)
+{
+	pTo->nPosition = from.C_ID_L;
+	snprintf(pTo->szVendor, sizeof pTo->szVendor, "%.32s", from.VendorID);
+	snprintf(pTo->szModel, sizeof pTo->szModel, "%.32s", from.ProductID);
+	// Deliberately unchanged, though the exported enumeration counts from one more.
+	pTo->DeviceType = from.Device_Type;
+	pTo->nBlocks = from.Blocks;
+	pTo->nBytesPerBlock = from.BytesPerBlock;
+	pTo->Usage = from.Usage;
+	pTo->Shared = from.Shared;
+	pTo->nRate = from.Rate;
+}
+
+static void CopySpace(const aac_space &from, __tag_Hard_Raid_Space *pTo)
+{
+	pTo->nOffset = NarrowProduct(from.nOffset, 1024);
+	pTo->nFreeSpace = NarrowProduct(from.nFreeSpace, 1024);
+}
+
+static long long KilobytesToBytes(long long nKilobytes)
+{
+	return static_cast<long long>(static_cast<unsigned long long>(nKilobytes) * 1024);
+}
+
+static void CopyPartition(const aac_partition &from, tag_HwRaid_Partition *pTo)
+{
+	pTo->nPosition = from.C_ID_L;
+	pTo->nOffset = KilobytesToBytes(from.nOffset);
+	pTo->nSize = KilobytesToBytes(from.nSize);
+	pTo->bRaidID = from.bContainerID;
+	pTo->RaidType = from.ContainerType;
+	pTo->nMultilevelRaidID = from.nMultilevelContainerID;
+	pTo->MultilevelType = from.nMultilevelContainerType;
+	pTo->ReadWriteAttribute = from.nReadWriteAttribute;
+}
+
+// ---- queries ----
+
+// A query's argument.
+struct Request {
+	int nC_ID_L;          // 0 where the query names no disk
+	const char *lpszName; // of the controller; null where the query names none
+};
+
+// A name goes into a script for the tool, where a line end in it would begin a command of its own.
+static bool IsControllerName(const char *lpszName)
+{
+	if (!lpszName || lpszName[0] == '\0')
+		return false;
+	for (const char *p = lpszName; *p != '\0'; p++)
+		if (static_cast<unsigned char>(*p) < ' ' || *p == '\x7f')
+			return false;
+	return true;
+}
+
+// One operation's records become exported ones, in the same order.
+template <class Internal, class Exported>
+static int Answer(const Request &request, int (*pfnOperation)(const Request &, Internal **),
+                  void (*pfnCopy)(const Internal &, Exported *), void **ppList, int *pnLength)
+{
+	Internal *pRecord = nullptr;
+	if (!IsControllerName(request.lpszName) || pfnOperation(request, &pRecord) < 0) {
+		ClearRecords(pRecord);
+		return -1;
+	}
+	Exported *pHead = nullptr;
+	RecordList<Exported> list(&pHead);
+	while (pRecord) {
+		pfnCopy(*pRecord, list.Append(new Exported()));
+		Internal *pNext = pRecord->next;
+		delete pRecord;
+		pRecord = pNext;
+	}
+	*ppList = pHead;
+	*pnLength = list.Count();
+	return 0;
+}
+
+static int QueryContainers(const Request &request, void **ppList, int *pnLength)
+{
+	const auto List = [](const Request &asked, aac_container **pHead) {
+		return Aac_Get_Container_List(asked.lpszName, pHead);
+	};
+	return Answer<aac_container, tagHwRaid>(request, List, CopyContainer, ppList, pnLength);
+}
+
+static int QueryDisks(const Request &request, void **ppList, int *pnLength)
+{
+	const auto List = [](const Request &asked, aac_disk **pHead) {
+		return Aac_Get_Disk_List(asked.lpszName, pHead);
+	};
+	return Answer<aac_disk, __tag_Hard_Raid_Disk>(request, List, CopyDisk, ppList, pnLength);
+}
+
+static int QuerySpace(const Request &request, void **ppList, int *pnLength)
+{
+	const auto List = [](const Request &asked, aac_space **pHead) {
+		return Aac_Disk_Show_Space(asked.lpszName, asked.nC_ID_L, pHead);
+	};
+	return Answer<aac_space, __tag_Hard_Raid_Space>(request, List, CopySpace, ppList, pnLength);
+}
+
+static int QueryPartitions(const Request &request, void **ppList, int *pnLength)
+{
+	const auto List = [](const Request &asked, aac_partition **pHead) {
+		return Aac_Disk_Show_Partition(asked.lpszName, pHead);
+	};
+	return Answer<aac_partition, tag_HwRaid_Partition>(request, List, CopyPartition, ppList, pnLength);
 }
 
 // The records of the operation are handed out as they are.
-static int QueryControllers(void **ppList, int *pnLength)
+static int QueryControllers(const Request &, void **ppList, int *pnLength)
 {
-	ReleaseControllers(ppList);
 	aac_controller *pHead = nullptr;
 	const int nResult = Aac_Get_Controller_List(&pHead);
 	if (nResult < 0) {
@@ -23,16 +157,51 @@ static int QueryControllers(void **ppList, int *pnLength)
 	return 0;
 }
 
+// ---- codes ----
+
+static Request NameOnly(const char *lpszData)
+{
+	return {0, lpszData};
+}
+
+static Request DiskAndName(const char *lpszData)
+{
+	Request request = {0, nullptr};
+	if (lpszData) {
+		memcpy(&request.nC_ID_L, lpszData, sizeof request.nC_ID_L);
+		request.lpszName = lpszData + sizeof request.nC_ID_L;
+	}
+	return request;
+}
+
+template <class Record> static void Release(void **ppList)
+{
+	ClearRecords(static_cast<Record *>(*ppList));
+	*ppList = nullptr;
+}
+
+static constexpr struct {
+	UINT nQuery; // its release code is one more
+	Request (*pfnRead)(const char *lpszData);
+	int (*pfnQuery)(const Request &request, void **ppList, int *pnLength);
+	void (*pfnRelease)(void **ppList);
+} KINDS[] = {
+	{CMD_GET_CONTAINERS, NameOnly, QueryContainers, Release<tagHwRaid>},
+	{CMD_GET_RAID_DISKS, NameOnly, QueryDisks, Release<__tag_Hard_Raid_Disk>},
+	{CMD_GET_RAID_SPACE, DiskAndName, QuerySpace, Release<__tag_Hard_Raid_Space>},
+	{CMD_GET_RAID_PARTITIONS, NameOnly, QueryPartitions, Release<tag_HwRaid_Partition>},
+	{CMD_GET_CONTROLLERS, NameOnly, QueryControllers, Release<aac_controller>},
+};
+
 int HWRAID__GetItemInfo(const IPMICOMMAND *pCmd, void **ppList, int *pnLength)
 {
 	*pnLength = 0;
-	switch (pCmd->nCommand) {
-	case CMD_GET_CONTROLLERS:
-		return QueryControllers(ppList, pnLength);
-	case CMD_FREE_CONTROLLERS:
-		ReleaseControllers(ppList);
-		return 0;
-	default:
-		return 0;
+	for (const auto &kind : KINDS) {
+		if (pCmd->nCommand != kind.nQuery && pCmd->nCommand != kind.nQuery + 1)
+			continue;
+		kind.pfnRelease(ppList);
+		if (pCmd->nCommand == kind.nQuery)
+			return kind.pfnQuery(kind.pfnRead(pCmd->szData), ppList, pnLength);
 	}
+	return 0;
 }

@@ -1,0 +1,230 @@
+// Answers of the tool to the commands about one container: most are a line that begins with "Command Error",
+// or none; two are tables.
+//
+//   Executing: container show failover 0
+//   Container    Scsi C:ID:L
+//   --------- ----------------------------------
+//       0      0:02:0
+#include "hwraid/aacraid/aac_container.h"
+
+#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_record_list.h"
+#include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_tool.h"
+#include "hwraid/aacraid/output_debug_string.h"
+
+#include <stdio.h>
+#include <string.h>
+
+static constexpr int RUN_FAILED = -1;
+static constexpr int NO_SUCH_DEVICE = -2;
+static constexpr int NO_SUCH_CONTAINER = -5;
+static constexpr int NO_HOT_SPARE = -10;
+static constexpr int IS_NO_HOT_SPARE = -90;
+
+// ---- scripts ----
+
+// Opens the controller; the operation adds its command.
+static void AddOpening(ToolScript *pScript, const char *lpszControllerName)
+{
+	pScript->Add("open %s\n", lpszControllerName);
+}
+
+// The lines of blanks answer the tool's pager, however long the answer is.
+static void AddClosing(ToolScript *pScript)
+{
+	pScript->Add("                                           \n    \nexit\n");
+}
+
+static void AddFailoverCommand(ToolScript *pScript, const char *lpszVerb, int nContainerID, int nC_ID_L)
+{
+	pScript->Add("container %s failover %d (%d,%d,%d)\n", lpszVerb, nContainerID,
+	             GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L));
+}
+
+// ---- answers that are an error or nothing ----
+
+template <size_t rows> static int CodeOfFirstError(const char *lpszFile, const ToolError (&own)[rows])
+{
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return RUN_FAILED;
+	while (output.Next())
+		if (Including(output.Line(), "Command Error"))
+			return CodeOfErrorLine(output.Line(), own);
+	return 0;
+}
+
+int AnalyzeContainerDeleteFile(const char *lpszFile)
+{
+	static constexpr ToolError DELETE_ERRORS[] = {
+		{"<The specified container was not found", NO_SUCH_CONTAINER},
+	};
+	return CodeOfFirstError(lpszFile, DELETE_ERRORS);
+}
+
+int AnalyzeContainerSetFailoverFile(const char *lpszFile)
+{
+	static constexpr ToolError FAILOVER_ERRORS[] = {
+		{"<The specified container was not found", NO_SUCH_CONTAINER},
+		{"<The specified channel was not found", NO_SUCH_DEVICE},
+		{"<The specified device was not found", NO_SUCH_DEVICE},
+		{"<At least one of devices you specified is not a fialover disk", IS_NO_HOT_SPARE},
+	};
+	return CodeOfFirstError(lpszFile, FAILOVER_ERRORS);
+}
+
+// ---- the hot spare ----
+
+static int HotSpareOf(const char *lpszLine)
+{
+	const char *lpszAddress = strchr(lpszLine, ':');
+	if (!lpszAddress)
+		return strstr(lpszLine, "--- No Devices Assigned ---") ? NO_HOT_SPARE : NO_SUCH_CONTAINER;
+	// Back over the channel's digits, deliberately without the 9, to the character before them.
+	while (lpszAddress != lpszLine && lpszAddress[-1] >= '0' && lpszAddress[-1] <= '8')
+		lpszAddress--;
+	if (lpszAddress != lpszLine)
+		lpszAddress--;
+
+	int nChannel = 0;
+	int nID = 0;
+	int nLun = 0;
+	const bool bRead =
+		FieldScan(lpszAddress).Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun).IsGood();
+	return bRead ? GetC_ID_L(nChannel, nID, nLun) : OTHER_TOOL_ERROR;
+}
+
+int AnalyzeContainerShowFailoverFile(const char *lpszFile)
+{
+	static constexpr ToolError SHOW_ERRORS[] = {
+		{"<The specified container was not found", NO_SUCH_CONTAINER},
+		{"<The specified channel was not found", NO_SUCH_DEVICE},
+		{"<The specified device was not found", NO_SUCH_DEVICE},
+	};
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return RUN_FAILED;
+	while (output.Next()) {
+		if (Including(output.Line(), "Command Error"))
+			return CodeOfErrorLine(output.Line(), SHOW_ERRORS);
+		if (strstr(output.Line(), "--------- ----------------------------------"))
+			return output.Next() ? HotSpareOf(output.Line()) : 0;
+	}
+	// Deliberately the disk 0:0:0: agents in the field know an answer without a table as that.
+	return 0;
+}
+
+// ---- the device name ----
+
+static int CodeOfNameError(const char *lpszLine)
+{
+	const int nCode = CodeOfErrorLine(lpszLine);
+	if (nCode != OTHER_TOOL_ERROR)
+		return nCode;
+	if (strstr(lpszLine, "Container not found"))
+		return NO_SUCH_CONTAINER;
+	return strstr(lpszLine, "Command Error") ? OTHER_TOOL_ERROR : 0;
+}
+
+static void CopyDeviceName(const char *lpszLine, char *lpszFilled)
+{
+	constexpr size_t NAME_SIZE = 256;
+	// The line end of a name that stands alone in its line deliberately stays.
+	const int nLength = static_cast<int>(strcspn(lpszLine, " \t"));
+	snprintf(lpszFilled, NAME_SIZE, "%.*s", nLength, lpszLine);
+}
+
+int AnalyzeContainerDiskNameFile(const char *lpszFile, char *lpszFilled)
+{
+	ToolOutput output(lpszFile);
+	if (!output.IsOpen())
+		return RUN_FAILED;
+	bool bInTable = false;
+	while (output.Next()) {
+		const char *lpszLine = output.Line();
+		if (bInTable && lpszLine[0] == '/') {
+			CopyDeviceName(lpszLine, lpszFilled);
+			return 0;
+		}
+		bInTable = bInTable || Including(lpszLine, "Label Type");
+		const int nError = bInTable ? 0 : CodeOfNameError(lpszLine);
+		if (nError != 0) {
+			OutputDebugString("return %d, REASON:%s\n", nError, lpszLine);
+			return nError;
+		}
+	}
+	return OTHER_TOOL_ERROR;
+}
+
+// ---- operations ----
+
+int Aac_Get_Container_List(const char *lpszControllerName, aac_container **pHead)
+{
+	*pHead = nullptr;
+	ToolScript script;
+	AddOpening(&script, lpszControllerName);
+	script.Add("container list\n");
+	AddClosing(&script);
+	const int nResult = RunTool(script, COMMAND_TRACES, [=](const char *lpszFile) {
+		return Get_Container_List_From_File(lpszControllerName, lpszFile, pHead);
+	});
+	return nResult == 0 ? CountRecords(*pHead) : nResult;
+}
+
+int Aac_Clear_Container_List(aac_container *pHead)
+{
+	return ClearRecords(pHead);
+}
+
+int Aac_Container_Delete(const char *lpszControllerName, int nAlwaysInitEvenIfHasData, int nContainerID)
+{
+	ToolScript script;
+	AddOpening(&script, lpszControllerName);
+	script.Add("container delete /always=%s %d\n", nAlwaysInitEvenIfHasData ? "true" : "false",
+	           nContainerID);
+	AddClosing(&script);
+	return RunTool(script, COMMAND_TRACES, AnalyzeContainerDeleteFile);
+}
+
+int Aac_Container_Set_Failover(const char *lpszControllerName, int nContainerID, int nC_ID_L)
+{
+	ToolScript script;
+	AddOpening(&script, lpszControllerName);
+	AddFailoverCommand(&script, "set", nContainerID, nC_ID_L);
+	AddClosing(&script);
+	return RunTool(script, COMMAND_TRACES, AnalyzeContainerSetFailoverFile);
+}
+
+int Aac_Container_Show_Failover(const char *lpszControllerName, int nContainerID)
+{
+	ToolScript script;
+	AddOpening(&script, lpszControllerName);
+	script.Add("container show failover %d\n", nContainerID);
+	AddClosing(&script);
+	return RunTool(script, COMMAND_TRACES, AnalyzeContainerShowFailoverFile);
+}
+
+int Aac_Container_Remove_Failover(const char *lpszControllerName, int nContainerID, int nC_ID_L)
+{
+	ToolScript script;
+	AddOpening(&script, lpszControllerName);
+	AddFailoverCommand(&script, "remove", nContainerID, nC_ID_L);
+	AddClosing(&script);
+	return RunTool(script, COMMAND_TRACES, AnalyzeContainerSetFailoverFile);
+}
+
+int Aac_Get_Container_Corresponding_Disk_Name(const char *lpszControllerName, int nContainerID,
+                                              char *lpszFilled)
+{
+	if (!lpszFilled)
+		return RUN_FAILED;
+	lpszFilled[0] = '\0';
+	ToolScript script;
+	AddOpening(&script, lpszControllerName);
+	script.Add("container list %d\n", nContainerID);
+	AddClosing(&script);
+	return RunTool(script, COMMAND_TRACES, [lpszFilled](const char *lpszFile) {
+		return AnalyzeContainerDiskNameFile(lpszFile, lpszFilled);
+	});
+}
