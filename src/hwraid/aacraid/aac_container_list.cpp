@@ -201,6 +201,8 @@ int Deal_With_A_Large_Node(const char *lpszControllername, const char *lpszLarge
 	}
 
 	aac_container *node = *pnode;
+	if (!node)
+		return -1;
 	const int nHotSpare = Aac_Container_Show_Failover(lpszControllername, node->nCntnerID);
 	if (nHotSpare >= 0)
 		node->HotSpare = nHotSpare;

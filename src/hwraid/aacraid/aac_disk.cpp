@@ -117,7 +117,7 @@ static bool IsNoSuchDevice(const char *lpszLine)
 int AnalyzeDiskInitializeFile(const char *lpszFile)
 {
 	// Counts the lines that are not blank: below 0 until the controller is opened, from AFTER_ECHO on
-	// behind the command's echo.
+	// behind the command's echo, which may also come unopened.
 	constexpr int AFTER_ECHO = 10000;
 	int nLine = -10000;
 	ToolOutput output(lpszFile);
@@ -129,19 +129,15 @@ int AnalyzeDiskInitializeFile(const char *lpszFile)
 			continue;
 		nLine++;
 		const bool bError = strstr(lpszLine, "Command Error") != nullptr;
-		if (nLine < 0) {
-			if (Including(lpszLine, "Executing: open"))
-				nLine = 0;
-		} else if (nLine == 1 && bError) {
-			return 0; // deliberately: a controller that cannot be opened is no failure here
-		} else if (nLine < AFTER_ECHO) {
-			if (Including(lpszLine, "Executing: disk init"))
-				nLine = AFTER_ECHO;
-		} else if (nLine == AFTER_ECHO + 1 && bError) {
-			return IsNoSuchDevice(lpszLine) ? NO_SUCH_DEVICE : OTHER_TOOL_ERROR;
-		} else if (nLine > AFTER_ECHO + 1) {
+		if (nLine < 0 && Including(lpszLine, "Executing: open"))
+			nLine = 0;
+		// Deliberately: a controller that cannot be opened is no failure here.
+		if ((nLine == 1 && bError) || nLine > AFTER_ECHO + 1)
 			return 0;
-		}
+		if (nLine == AFTER_ECHO + 1 && bError)
+			return IsNoSuchDevice(lpszLine) ? NO_SUCH_DEVICE : OTHER_TOOL_ERROR;
+		if (nLine < AFTER_ECHO && Including(lpszLine, "Executing: disk init"))
+			nLine = AFTER_ECHO;
 	}
 	return 0;
 }

@@ -34,6 +34,12 @@ template <size_t rows> static const char *WordOfCode(const word_t (&table)[rows]
 	return nCode < static_cast<int>(rows) ? table[nCode] : "overflow";
 }
 
+// Of the disks' codes only -1 is known to be unknown.
+template <size_t rows> static const char *WordOfDiskCode(const word_t (&table)[rows], int nCode)
+{
+	return nCode < -1 ? "overflow" : WordOfCode(table, nCode);
+}
+
 struct keyed_code_t {
 	const char *lpszKey;
 	int nCode;
@@ -70,9 +76,9 @@ static char *SetText(char (&szField)[32], const char *lpszText)
 
 // ---- controllers ----
 
-int Controller_SetControllerID(aac_controller *p, int nValue)
+int Controller_SetControllerID(aac_controller *p, int nID)
 {
-	return p->ControllerID = nValue;
+	return p->ControllerID = nID;
 }
 
 int Controller_GetControllerID(const aac_controller *p)
@@ -80,9 +86,9 @@ int Controller_GetControllerID(const aac_controller *p)
 	return p->ControllerID;
 }
 
-char *Controller_SetControllerName(aac_controller *p, const char *lpszText)
+char *Controller_SetControllerName(aac_controller *p, const char *lpszName)
 {
-	return SetText(p->Adapter_Name, lpszText);
+	return SetText(p->Adapter_Name, lpszName);
 }
 
 char *Controller_GetControllerName(aac_controller *p)
@@ -90,9 +96,9 @@ char *Controller_GetControllerName(aac_controller *p)
 	return p->Adapter_Name;
 }
 
-char *Controller_SetControllerType(aac_controller *p, const char *lpszText)
+char *Controller_SetControllerType(aac_controller *p, const char *lpszType)
 {
-	return SetText(p->Adapter_Type, lpszText);
+	return SetText(p->Adapter_Type, lpszType);
 }
 
 char *Controller_GetControllerType(aac_controller *p)
@@ -122,9 +128,9 @@ const char *Controller_GetControllerClustering(const aac_controller *p)
 
 // ---- disks ----
 
-int Disk_SetC_ID_L(aac_disk *p, int nValue)
+int Disk_SetC_ID_L(aac_disk *p, int nC_ID_L)
 {
-	return p->C_ID_L = nValue;
+	return p->C_ID_L = nC_ID_L;
 }
 
 int Disk_GetC_ID_L(const aac_disk *p)
@@ -132,9 +138,9 @@ int Disk_GetC_ID_L(const aac_disk *p)
 	return p->C_ID_L;
 }
 
-char *Disk_SetVendorID(aac_disk *p, const char *lpszText)
+char *Disk_SetVendorID(aac_disk *p, const char *lpszVendor)
 {
-	return SetText(p->VendorID, lpszText);
+	return SetText(p->VendorID, lpszVendor);
 }
 
 char *Disk_GetVendorID(aac_disk *p)
@@ -142,9 +148,9 @@ char *Disk_GetVendorID(aac_disk *p)
 	return p->VendorID;
 }
 
-char *Disk_SetProductID(aac_disk *p, const char *lpszText)
+char *Disk_SetProductID(aac_disk *p, const char *lpszProduct)
 {
-	return SetText(p->ProductID, lpszText);
+	return SetText(p->ProductID, lpszProduct);
 }
 
 char *Disk_GetProductID(aac_disk *p)
@@ -159,12 +165,12 @@ int Disk_SetDeviceType(aac_disk *p, const char *lpszWord)
 
 const char *Disk_GetDeviceType(const aac_disk *p)
 {
-	return WordOfCode(DEVICE_TYPES, p->Device_Type);
+	return WordOfDiskCode(DEVICE_TYPES, p->Device_Type);
 }
 
-long long Disk_SetBlocks(aac_disk *p, long long nValue)
+long long Disk_SetBlocks(aac_disk *p, long long nBlocks)
 {
-	return p->Blocks = nValue;
+	return p->Blocks = nBlocks;
 }
 
 long long Disk_GetBlocks(const aac_disk *p)
@@ -172,9 +178,9 @@ long long Disk_GetBlocks(const aac_disk *p)
 	return p->Blocks;
 }
 
-int Disk_SetBytesPerBlock(aac_disk *p, int nValue)
+int Disk_SetBytesPerBlock(aac_disk *p, int nBytes)
 {
-	return p->BytesPerBlock = nValue;
+	return p->BytesPerBlock = nBytes;
 }
 
 int Disk_GetBytesPerBlock(const aac_disk *p, int)
@@ -189,7 +195,7 @@ int Disk_SetUsage(aac_disk *p, const char *lpszWord)
 
 const char *Disk_GetUsage(const aac_disk *p)
 {
-	return WordOfCode(DISK_USAGES, p->Usage);
+	return WordOfDiskCode(DISK_USAGES, p->Usage);
 }
 
 int Disk_SetShared(aac_disk *p, const char *lpszWord)
@@ -199,12 +205,12 @@ int Disk_SetShared(aac_disk *p, const char *lpszWord)
 
 const char *Disk_GetShared(const aac_disk *p)
 {
-	return WordOfCode(SHARED, p->Shared);
+	return WordOfDiskCode(SHARED, p->Shared);
 }
 
-int Disk_SetRate(aac_disk *p, int nValue)
+int Disk_SetRate(aac_disk *p, int nRate)
 {
-	return p->Rate = nValue;
+	return p->Rate = nRate;
 }
 
 int Disk_getRate(const aac_disk *p)
@@ -214,9 +220,9 @@ int Disk_getRate(const aac_disk *p)
 
 // ---- free areas and pieces of disks ----
 
-int Disk_Space_SetOffset(aac_space *p, int nValue)
+int Disk_Space_SetOffset(aac_space *p, int nOffset)
 {
-	return p->nOffset = nValue;
+	return p->nOffset = nOffset;
 }
 
 int Disk_Space_GetOffset(const aac_space *p)
@@ -224,9 +230,9 @@ int Disk_Space_GetOffset(const aac_space *p)
 	return p->nOffset;
 }
 
-int Disk_Space_SetFreeSpace(aac_space *p, int nValue)
+int Disk_Space_SetFreeSpace(aac_space *p, int nFreeSpace)
 {
-	return p->nFreeSpace = nValue;
+	return p->nFreeSpace = nFreeSpace;
 }
 
 int Disk_Space_GetFreeSpace(const aac_space *p)
@@ -234,19 +240,19 @@ int Disk_Space_GetFreeSpace(const aac_space *p)
 	return p->nFreeSpace;
 }
 
-int Disk_Partition_Set_C_ID_L(aac_partition *p, int nValue)
+int Disk_Partition_Set_C_ID_L(aac_partition *p, int nC_ID_L)
 {
-	return p->C_ID_L = nValue;
+	return p->C_ID_L = nC_ID_L;
 }
 
-long long Disk_Partition_Set_OffSet(aac_partition *p, long long nValue)
+long long Disk_Partition_Set_OffSet(aac_partition *p, long long nOffset)
 {
-	return p->nOffset = nValue;
+	return p->nOffset = nOffset;
 }
 
-long long Disk_Partition_SetSize(aac_partition *p, long long nValue)
+long long Disk_Partition_SetSize(aac_partition *p, long long nSize)
 {
-	return p->nOffset = nValue;
+	return p->nOffset = nSize;
 }
 
 int Disk_Partition_SetContainerID(aac_partition *p, int nID)
@@ -280,9 +286,9 @@ int Disk_Partition_SetReadWriteAttr(aac_partition *p, const char *lpszWord)
 
 // ---- tasks ----
 
-int Task_SetTaskID(aac_task *p, int nValue)
+int Task_SetTaskID(aac_task *p, int nID)
 {
-	return p->TaskId = nValue;
+	return p->TaskId = nID;
 }
 
 int Task_GetTaskID(const aac_task *p)
@@ -300,9 +306,9 @@ const char *Task_GetFunction(const aac_task *p)
 	return WordOfCode(g_szTaskFunction, p->Function);
 }
 
-float Task_SetDone(aac_task *p, float fDone)
+float Task_SetDone(aac_task *p, float dDone)
 {
-	return p->Done = fDone;
+	return p->Done = dDone;
 }
 
 float Task_GetDone(const aac_task *p)
@@ -310,9 +316,9 @@ float Task_GetDone(const aac_task *p)
 	return p->Done;
 }
 
-int Task_SetContainerID(aac_task *p, int nValue)
+int Task_SetContainerID(aac_task *p, int nID)
 {
-	return p->ContainerID = nValue;
+	return p->ContainerID = nID;
 }
 
 int Task_GetContainerID(const aac_task *p)

@@ -43,6 +43,13 @@ FieldScan &FieldScan::Int(int *pnValue, int nWidth)
 	return *this;
 }
 
+// Of a number beyond the range: whether it is too small, not too large.
+static bool IsSmall(const char *lpszDigits, const char *lpszEnd)
+{
+	const auto nLength = static_cast<size_t>(lpszEnd - lpszDigits);
+	return memchr(lpszDigits, '-', nLength) || lpszDigits[strspn(lpszDigits, "0")] == '.';
+}
+
 FieldScan &FieldScan::Float(float *pfValue)
 {
 	if (m_bFailed)
@@ -55,12 +62,11 @@ FieldScan &FieldScan::Float(float *pfValue)
 	if (m_bFailed)
 		return *this;
 	float fValue = 0;
-	const auto parsed = std::from_chars(p, p + strlen(p), fValue, std::chars_format::fixed);
+	const auto parsed = std::from_chars(p, p + strlen(p), fValue);
 	m_bFailed = parsed.ec == std::errc::invalid_argument;
 	if (m_bFailed)
 		return *this;
-	// Too large when there is a digit that counts before the point, else too small.
-	if (parsed.ec == std::errc::result_out_of_range && lpszDigit[strspn(lpszDigit, "0")] != '.')
+	if (parsed.ec == std::errc::result_out_of_range && !IsSmall(lpszDigit, parsed.ptr))
 		fValue = *p == '-' ? -FLT_MAX : FLT_MAX;
 	*pfValue = fValue;
 	m_p = parsed.ptr;

@@ -91,12 +91,16 @@ constexpr ToolError CONTROLLER_ERRORS[] = {
 	{"<Another application has opened th", CONTROLLER_BUSY},
 };
 
-// The code of the first row whose text stands anywhere in the line: CONTROLLER_ERRORS, then an operation's
-// own rows. OTHER_TOOL_ERROR when there is none.
-int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn = nullptr, size_t nOwn = 0);
+// The code of the first row whose text stands anywhere in the line: CONTROLLER_ERRORS, then an operation's own
+// rows. OTHER_TOOL_ERROR when there is none.
+int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn, size_t nOwn);
 template <size_t rows> int CodeOfErrorLine(const char *lpszLine, const ToolError (&own)[rows])
 {
 	return CodeOfErrorLine(lpszLine, own, rows);
+}
+inline int CodeOfErrorLine(const char *lpszLine)
+{
+	return CodeOfErrorLine(lpszLine, nullptr, 0);
 }
 
 // Reads up to the echo of the command. 0 at the echo or at the end of the output, or the code of a
