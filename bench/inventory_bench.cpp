@@ -1,16 +1,13 @@
 // The three queries on a captured host with 16 disks and 32 mounts, each beside its floor.
 #include "diskscout.h"
 #include "floor.h"
+#include "pairs.h"
 
 #include "replay/replay.h"
 
-#include <algorithm>
-#include <benchmark/benchmark.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string>
-#include <time.h>
-#include <vector>
 
 static void query(UINT code)
 {
@@ -61,31 +58,6 @@ static void repeat(benchmark::State &state, void (*run)())
 	while (state.KeepRunning())
 		run();
 	state.counters["calls"] = static_cast<double>(calls_of(run));
-}
-
-static double cpu_microseconds(void (*run)())
-{
-	timespec from;
-	timespec to;
-	clock_gettime(CLOCK_THREAD_CPUTIME_ID, &from);
-	run();
-	clock_gettime(CLOCK_THREAD_CPUTIME_ID, &to);
-	return static_cast<double>(to.tv_sec - from.tv_sec) * 1e6 +
-	       static_cast<double>(to.tv_nsec - from.tv_nsec) / 1e3;
-}
-
-// Query and floor in turn, so that both meet the machine in the same mood: the median of what each query took
-// beyond the floor behind it.
-static void compare(benchmark::State &state, void (*query)(), void (*floor)())
-{
-	std::vector<double> own;
-	while (state.KeepRunning()) {
-		const double with_query = cpu_microseconds(query);
-		own.push_back(with_query - cpu_microseconds(floor));
-	}
-	const auto middle = own.begin() + static_cast<ptrdiff_t>(own.size() / 2);
-	std::nth_element(own.begin(), middle, own.end());
-	state.counters["own_cpu_us"] = *middle;
 }
 
 static void register_row(const std::string &name, const char *side, void (*run)())

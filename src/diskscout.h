@@ -262,6 +262,12 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result);
  */
 int stcli(int argc, char **argv, int ZERO);
 
+/*
+ * The file that says where the RAID controller's command-line tool is: "/root/hardraid.cfg", unless the agent
+ * writes another name here before the first hardware operation.
+ */
+extern char g_szConfigFileName[256];
+
 /* Live records handed out and not yet released; leak diagnostics only, not locked. */
 extern int memory_counter_hdd;
 /* Reserved for the hardware RAID side, which does not count its records: stays 0. */

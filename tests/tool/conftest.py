@@ -23,6 +23,7 @@ class Tool:
         self.replay = build_dir / "diskscout-replay.so"
         self.fake_plugin = modules / "fake_plugin.so"
         self.half_plugin = modules / "half_plugin.so"
+        self.old_plugin = modules / "old_plugin.so"
         self.scratch = scratch
         self.report = {}
 
@@ -30,7 +31,7 @@ class Tool:
         environment = {
             name: value
             for name, value in os.environ.items()
-            if name != "LD_PRELOAD" and not name.startswith(("REPLAY_", "FAKE_PLUGIN_"))
+            if name != "LD_PRELOAD" and not name.startswith(("REPLAY_", "FAKE_PLUGIN_", "RAIDSIM_"))
         }
         environment.update(env or {})
         settings.setdefault("stdout", subprocess.PIPE)

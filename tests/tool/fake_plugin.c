@@ -5,7 +5,7 @@
  * still out.
  */
 #define _POSIX_C_SOURCE 200809L
-#include "diskscout.h"
+#include "fake_plugin.h"
 
 #include <fcntl.h>
 #include <stdio.h>
@@ -13,19 +13,19 @@
 #include <string.h>
 #include <unistd.h>
 
-enum { MAX_LISTS = 16 };
+enum { MAX_LISTS = 32 };
 
 static struct {
 	void *head;
 	UINT query;
+	char argument[64]; /* as it is reported */
 } out[MAX_LISTS];
 static int queries, releases, live, wrong, lowest_descriptor = 1000;
 
-/* No NUL is put behind a text of 64 bytes. */
-static void put(STORAGE_STRING field, const char *text)
+void put_text(char *field, size_t size, const char *text)
 {
 	const size_t length = strlen(text);
-	memcpy(field, text, length < sizeof(STORAGE_STRING) ? length : sizeof(STORAGE_STRING));
+	memcpy(field, text, length < size ? length : size);
 }
 
 static void repeat(STORAGE_STRING field, char letter, size_t times)
@@ -33,7 +33,7 @@ static void repeat(STORAGE_STRING field, char letter, size_t times)
 	memset(field, letter, times);
 }
 
-static void *make(size_t size)
+void *make_record(size_t size)
 {
 	void *const record = calloc(1, size);
 	if (!record)
@@ -48,9 +48,9 @@ static STORAGE_DISK_LIST *add_disk(void **head, const char *device)
 	UINT id = 0;
 	for (; *end; end = &(*end)->next)
 		id++;
-	*end = make(sizeof **end);
+	*end = make_record(sizeof **end);
 	(*end)->nDiskID = id;
-	put((*end)->szDeviceName, device);
+	PUT((*end)->szDeviceName, device);
 	return *end;
 }
 
@@ -59,8 +59,8 @@ static STORAGE_PART_LIST *add_partition(void **head, const char *disk, UINT inde
 	STORAGE_PART_LIST **end = (STORAGE_PART_LIST **)head;
 	while (*end)
 		end = &(*end)->next;
-	*end = make(sizeof **end);
-	put((*end)->szDiskDeviceName, disk);
+	*end = make_record(sizeof **end);
+	PUT((*end)->szDiskDeviceName, disk);
 	(*end)->nPartIndex = index;
 	return *end;
 }
@@ -68,12 +68,12 @@ static STORAGE_PART_LIST *add_partition(void **head, const char *disk, UINT inde
 static int plain_disks(void **head, int *length)
 {
 	STORAGE_DISK_LIST *disk = add_disk(head, "/dev/hda");
-	put(disk->szDescription, "Disk Device");
-	put(disk->szInterface, "IDE");
-	put(disk->szMedia, "Disk");
-	put(disk->szModel, "FAST DISK");
-	put(disk->szSerialNumber, "S-1");
-	put(disk->szFirmwareVersion, "1.0");
+	PUT(disk->szDescription, "Disk Device");
+	PUT(disk->szInterface, "IDE");
+	PUT(disk->szMedia, "Disk");
+	PUT(disk->szModel, "FAST DISK");
+	PUT(disk->szSerialNumber, "S-1");
+	PUT(disk->szFirmwareVersion, "1.0");
 	disk->nSize = 268435456;
 	disk->nTotalCylinders = 11;
 	disk->nTracksPerCylinder = 12;
@@ -89,10 +89,10 @@ static int plain_disks(void **head, int *length)
 	disk->nExPartNumber = 1;
 
 	disk = add_disk(head, "/dev/sdb");
-	put(disk->szInterface, "SCSI");
+	PUT(disk->szInterface, "SCSI");
 	disk->nPosition = 0xff020304;
-	put(disk->szVendor, "ACME");
-	put(disk->szFirmwareVersion, "B2");
+	PUT(disk->szVendor, "ACME");
+	PUT(disk->szFirmwareVersion, "B2");
 	*length = 2;
 	return 0;
 }
@@ -103,9 +103,9 @@ static int plain_partitions(void **head, int *length)
 	part->nStart = 32256;
 	part->nSize = 134217728;
 	part->nTotalSectors = 4294967295u;
-	put(part->szType, "Primary Partition");
-	put(part->szFileSystem, "ext3");
-	put(part->szMountPoint, "/;/boot");
+	PUT(part->szType, "Primary Partition");
+	PUT(part->szFileSystem, "ext3");
+	PUT(part->szMountPoint, "/;/boot");
 	part->nTotalSpace = 104857600;
 	part->bUsedBySystem = 1;
 	part->bActive = (BOOLEAN)0x80;
@@ -113,37 +113,37 @@ static int plain_partitions(void **head, int *length)
 	part = add_partition(head, "/dev/hda", 4);
 	part->nStart = 64512;
 	part->nSize = 1023;
-	put(part->szType, "Logical Drive");
+	PUT(part->szType, "Logical Drive");
 	*length = 2;
 	return 0;
 }
 
 static int plain_cdroms(void **head, int *length)
 {
-	STORAGE_CDROM_LIST *const cdrom = make(sizeof *cdrom);
+	STORAGE_CDROM_LIST *const cdrom = make_record(sizeof *cdrom);
 	*head = cdrom;
 	cdrom->nCdromID = 7;
-	put(cdrom->szDeviceName, "/dev/hdc");
-	put(cdrom->szDiscription, "DVD/CD-ROM Device");
-	put(cdrom->szInterface, "IDE");
+	PUT(cdrom->szDeviceName, "/dev/hdc");
+	PUT(cdrom->szDiscription, "DVD/CD-ROM Device");
+	PUT(cdrom->szInterface, "IDE");
 	cdrom->nPosition = 0x01020304;
-	put(cdrom->szMedia, "CDROM");
-	put(cdrom->szModel, "DVD");
-	put(cdrom->szFirmwareVersion, "0.9");
-	put(cdrom->szMountPoint, "/media/disc");
+	PUT(cdrom->szMedia, "CDROM");
+	PUT(cdrom->szModel, "DVD");
+	PUT(cdrom->szFirmwareVersion, "0.9");
+	PUT(cdrom->szMountPoint, "/media/disc");
 	cdrom->nTotalSpace = 734003200;
 	*length = 1;
 	return 0;
 }
 
-static int no_items(void **head, int *length)
+int no_items(void **head, int *length)
 {
 	(void)head;
 	*length = 0;
 	return 0;
 }
 
-static int failure(void **head, int *length)
+int failure(void **head, int *length)
 {
 	(void)head, (void)length;
 	return -1;
@@ -158,22 +158,22 @@ static int partitions_then_failure(void **head, int *length)
 static int hostile_disks(void **head, int *length)
 {
 	STORAGE_DISK_LIST *disk = add_disk(head, "/dev/sda");
-	put(disk->szInterface, "SCSI");
+	PUT(disk->szInterface, "SCSI");
 	disk->nSize = 18446744073709551615u;
 	repeat(disk->szVendor, 'V', 63);
-	put(disk->szModel, "A\tB\x1b[31m\n\x7f");
+	PUT(disk->szModel, "A\tB\x1b[31m\n\x7f");
 	repeat(disk->szSerialNumber, 'S', 64);
-	put(disk->szFirmwareVersion, "caf\xe9");
+	PUT(disk->szFirmwareVersion, "caf\xe9");
 	disk->nPartNumber = 4294967295u;
 
 	disk = add_disk(head, "/dev/sdb");
-	put(disk->szInterface, "SCSI");
-	put(disk->szVendor, "gr\xc3\xb6\xc3\x9f"
+	PUT(disk->szInterface, "SCSI");
+	PUT(disk->szVendor, "gr\xc3\xb6\xc3\x9f"
 	                    "e");
-	put(disk->szModel, "\xc2\x9b"
+	PUT(disk->szModel, "\xc2\x9b"
 	                   "31m");
-	put(disk->szSerialNumber, "\xe2\x82");
-	put(disk->szFirmwareVersion, "\xe2\x82\xac 1");
+	PUT(disk->szSerialNumber, "\xe2\x82");
+	PUT(disk->szFirmwareVersion, "\xe2\x82\xac 1");
 	*length = 2;
 	return 0;
 }
@@ -181,8 +181,8 @@ static int hostile_disks(void **head, int *length)
 static int hostile_partitions(void **head, int *length)
 {
 	STORAGE_PART_LIST *const part = add_partition(head, "", 0);
-	put(part->szType, "\xc3(\xc0\x80\xf5");
-	put(part->szMountPoint, "/\xe2\x82/\xf0\x90\x8d\x88");
+	PUT(part->szType, "\xc3(\xc0\x80\xf5");
+	PUT(part->szMountPoint, "/\xe2\x82/\xf0\x90\x8d\x88");
 	part->nTotalSpace = 1;
 	part->nUsedSpace = 18446744073709551615u;
 	part->bActive = 1;
@@ -227,21 +227,21 @@ static int sized_disks(void **head, int *length)
 	return 0;
 }
 
-typedef int answer(void **head, int *length);
-
 static const struct {
 	const char *name;
 	answer *disks, *partitions, *cdroms;
+	const struct raid_case *raid;
 } cases[] = {
-	{"plain", plain_disks, plain_partitions, plain_cdroms},
-	{"empty", no_items, no_items, no_items},
-	{"failing", failure, failure, failure},
-	{"partial", plain_disks, partitions_then_failure, plain_cdroms},
-	{"hostile", hostile_disks, hostile_partitions, no_items},
-	{"links-beyond-length", links_beyond_length, no_items, no_items},
-	{"length-beyond-links", length_beyond_links, no_items, no_items},
-	{"negative-length", negative_length, no_items, no_items},
-	{"sizes", sized_disks, no_items, no_items},
+	{"plain", plain_disks, plain_partitions, plain_cdroms, &plain_raid},
+	{"empty", no_items, no_items, no_items, &empty_raid},
+	{"bare", no_items, no_items, no_items, &bare_raid},
+	{"failing", failure, failure, failure, &failing_raid},
+	{"partial", plain_disks, partitions_then_failure, plain_cdroms, &partial_raid},
+	{"hostile", hostile_disks, hostile_partitions, no_items, &hostile_raid},
+	{"links-beyond-length", links_beyond_length, no_items, no_items, &empty_raid},
+	{"length-beyond-links", length_beyond_links, no_items, no_items, &empty_raid},
+	{"negative-length", negative_length, no_items, no_items, &empty_raid},
+	{"sizes", sized_disks, no_items, no_items, &empty_raid},
 };
 
 /* A descriptor opened now gets the number that a device would get. */
@@ -253,11 +253,24 @@ static void look_at_descriptors(void)
 	close(descriptor);
 }
 
+/* The argument as a text; an address before a name is put in brackets. */
+static void note_argument(const IPMICOMMAND *cmd, char *text, size_t size)
+{
+	int address;
+	if (!cmd->szData) {
+		snprintf(text, size, "none");
+	} else if (cmd->nCommand == CMD_GET_RAID_SPACE) {
+		memcpy(&address, cmd->szData, sizeof address);
+		snprintf(text, size, "[%x]%s", (unsigned)address, cmd->szData + sizeof address);
+	} else {
+		snprintf(text, size, "%s", cmd->szData);
+	}
+}
+
 int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 {
 	const char *const name = getenv("FAKE_PLUGIN_CASE");
 	size_t i = 0;
-	answer *make_answer;
 	int status;
 
 	look_at_descriptors();
@@ -265,12 +278,16 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 		i++;
 	if (i == sizeof cases / sizeof *cases || queries == MAX_LISTS || *result || *length)
 		abort();
-	make_answer = cmd->nCommand == CMD_GET_DISKS        ? cases[i].disks
-	              : cmd->nCommand == CMD_GET_PARTITIONS ? cases[i].partitions
-	              : cmd->nCommand == CMD_GET_CDROMS     ? cases[i].cdroms
-	                                                    : failure;
-	status = make_answer(result, length);
+	if (cmd->nCommand == CMD_GET_DISKS)
+		status = cases[i].disks(result, length);
+	else if (cmd->nCommand == CMD_GET_PARTITIONS)
+		status = cases[i].partitions(result, length);
+	else if (cmd->nCommand == CMD_GET_CDROMS)
+		status = cases[i].cdroms(result, length);
+	else
+		status = answer_raid(cases[i].raid, cmd, result, length);
 	out[queries].head = *result;
+	note_argument(cmd, out[queries].argument, sizeof out[queries].argument);
 	out[queries++].query = cmd->nCommand;
 	return status;
 }
@@ -282,8 +299,10 @@ static void *next_of(void *record, UINT query)
 		return ((STORAGE_DISK_LIST *)record)->next;
 	case CMD_GET_PARTITIONS:
 		return ((STORAGE_PART_LIST *)record)->next;
-	default:
+	case CMD_GET_CDROMS:
 		return ((STORAGE_CDROM_LIST *)record)->next;
+	default:
+		return next_raid(record, query);
 	}
 }
 
@@ -324,5 +343,8 @@ __attribute__((destructor)) static void report(void)
 	fprintf(file, "lowest_descriptor %d\n", lowest_descriptor);
 	fprintf(file, "LD_PRELOAD %s\nREPLAY_SYSROOT %s\n", variable("LD_PRELOAD"),
 	        variable("REPLAY_SYSROOT"));
+	fprintf(file, "configuration %s\n", g_szConfigFileName);
+	for (int i = 0; i < queries; i++)
+		fprintf(file, "query%d %u %s\n", i, out[i].query, out[i].argument);
 	fclose(file);
 }

@@ -74,6 +74,15 @@ def test_options_reach_the_second_start(tool, host):
     assert [disk["model"] for disk in document["disks"]] == ["TINY DISK"]
 
 
+def test_controller_and_configuration_reach_the_second_start(tool, host):
+    arguments = ["containers", "--controller", "-aac 0", "--config", "-raid.cfg"]
+    result = tool.fake("plain", "list", "--sysroot", host, *arguments)
+    assert result.returncode == 1
+    assert result.stdout.startswith("CONTAINERS ON -aac 0\n")
+    assert tool.report["configuration"] == "-raid.cfg"
+    assert tool.report["query0"] == "125100 -aac 0"
+
+
 def test_status_of_the_second_start_is_ours(tool, host):
     # The extended partition begins where the disk can no longer be read.
     chained = HOST.replace("entry 80 83 64 1024", "entry 00 05 100 1024")

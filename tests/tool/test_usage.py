@@ -3,7 +3,9 @@
 import pytest
 from conftest import complaint
 
-KNOWN = "known are disks, partitions, cdroms"
+OF_CONTROLLER = "containers, raid-disks, raid-space, raid-partitions"
+ALL_KINDS = f"disks, partitions, cdroms, controllers, {OF_CONTROLLER}"
+KNOWN = f"known are {ALL_KINDS}"
 
 
 @pytest.mark.parametrize(
@@ -25,6 +27,15 @@ KNOWN = "known are disks, partitions, cdroms"
         (["list", "--plugin="], "--plugin"),
         (["list", "--sysroot", ""], "--sysroot"),
         (["list", "--json=maybe"], "--json"),
+        (["list", "raid"], f'unknown kind "raid", {KNOWN}'),
+        (["list", "containers", "--controller"], "--controller"),
+        (["list", "containers", "--controller", ""], "--controller"),
+        (["list", "--controller", "aac0"], f"--controller is for {OF_CONTROLLER}"),
+        (["list", "controllers", "--controller", "aac0"], f"--controller is for {OF_CONTROLLER}"),
+        (["list", "containers", "--config"], "--config"),
+        (["list", "containers", "--config="], "--config"),
+        (["list", "--config", "raid.cfg"], f"--config is for controllers, {OF_CONTROLLER}"),
+        (["list", "disks", "--config", "raid.cfg"], f"--config is for controllers, {OF_CONTROLLER}"),
     ],
 )
 def test_bad_usage_is_one_line_and_status_2(tool, arguments, named):
@@ -46,7 +57,8 @@ def test_version(tool):
 def test_help_tells_the_kinds_or_the_options(tool, arguments):
     result = tool.run(*arguments)
     assert (result.returncode, result.stderr) == (0, "")
-    wanted = ["disks, partitions, cdroms"] if "list" in arguments else ["--json", "--plugin", "--sysroot", "list"]
+    options = ["--json", "--plugin", "--sysroot", "--controller", "--config", "list"]
+    wanted = [f"{ALL_KINDS}; without any: disks, partitions, cdroms\n"] if "list" in arguments else options
     for word in wanted:
         assert word in result.stdout
     assert "--replayed" not in result.stdout

@@ -14,11 +14,6 @@ static const column<cdrom> columns[] = {
 	{"SIZE", align::right, [](const cdrom &c) { return human_size_if_known(c.nTotalSpace); }},
 };
 
-static std::string table(const item_list &list)
-{
-	return table_of(list, columns);
-}
-
 static ordered_json object(const cdrom &c)
 {
 	return {
@@ -38,11 +33,11 @@ static ordered_json object(const cdrom &c)
 	};
 }
 
-static ordered_json json(const item_list &list)
+static answer ask(session &from)
 {
-	return array_of(list, object);
+	return answer_of(from.ask(CMD_GET_CDROMS), columns, object);
 }
 
 const kind cdroms_kind = {
-	"cdroms", "CD-ROMS", "CD-ROM", "No CD-ROM drive was found.", CMD_GET_CDROMS, table, json,
+	"cdroms", "CD-ROMS", "CD-ROM", "No CD-ROM drive was found.", scope::host, ask,
 };

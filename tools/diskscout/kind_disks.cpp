@@ -29,11 +29,6 @@ static const column<disk> columns[] = {
 	{"SYSTEM", align::left, [](const disk &d) { return mark(d.bUsedBySystem); }},
 };
 
-static std::string table(const item_list &list)
-{
-	return table_of(list, columns);
-}
-
 static ordered_json object(const disk &d)
 {
 	return {
@@ -63,12 +58,12 @@ static ordered_json object(const disk &d)
 	};
 }
 
-static ordered_json json(const item_list &list)
+static answer ask(session &from)
 {
-	return array_of(list, object);
+	return answer_of(from.ask(CMD_GET_DISKS), columns, object);
 }
 
 const kind disks_kind = {
-	"disks",       "DISKS", "disk", "No disk with an IDE or SCSI name, such as hda or sda, was found.",
-	CMD_GET_DISKS, table,   json,
+	"disks",     "DISKS", "disk", "No disk with an IDE or SCSI name, such as hda or sda, was found.",
+	scope::host, ask,
 };

@@ -38,11 +38,6 @@ static const column<partition> columns[] = {
 	{"SYSTEM", align::left, [](const partition &p) { return mark(p.bUsedBySystem); }},
 };
 
-static std::string table(const item_list &list)
-{
-	return table_of(list, columns);
-}
-
 static ordered_json object(const partition &p)
 {
 	return {
@@ -64,12 +59,12 @@ static ordered_json object(const partition &p)
 	};
 }
 
-static ordered_json json(const item_list &list)
+static answer ask(session &from)
 {
-	return array_of(list, object);
+	return answer_of(from.ask(CMD_GET_PARTITIONS), columns, object);
 }
 
 const kind partitions_kind = {
-	"partitions",       "PARTITIONS", "partition", "No partition was found on the disks of this host.",
-	CMD_GET_PARTITIONS, table,        json,
+	"partitions", "PARTITIONS", "partition", "No partition was found on the disks of this host.",
+	scope::host,  ask,
 };

@@ -1,12 +1,12 @@
 /*
- * The kinds of things that the plug-in lists. One row of a table a kind: the words for it, its query, and how
- * an answer is shown. A new kind is a file kind_<word>.cpp and its line in kinds.cpp; nothing else knows
+ * The kinds of things that the plug-in lists. One row of a table a kind: the words for it, what it is about,
+ * and how it is asked for. A new kind is a file kind_<word>.cpp and its line in kinds.cpp; nothing else knows
  * kinds.
  */
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 
-#include "plugin.h"
+#include "session.h"
 #include "table.h"
 #include "text.h"
 
@@ -18,19 +18,40 @@
 /* Keys stay in the order that they are written in. */
 using ordered_json = nlohmann::ordered_json;
 
+/* What the plug-in answered, made fit for both ways to show it. */
+struct answer {
+	bool failed = false;
+	std::string table; /* empty: there is no record */
+	ordered_json json = ordered_json::array();
+	std::string where = {}; /* of a failure, as words behind "the query failed"; may be empty */
+};
+
+/* Whose things they are. Those of the host are shown when no kind is named. */
+enum class scope {
+	host,
+	raid,      /* all RAID controllers: the plug-in needs the controller tool's configuration */
+	controller /* one RAID controller, which must be named in the query, too */
+};
+
 struct kind {
 	std::string_view word;    /* on the command line and in JSON: "disks" */
 	std::string_view heading; /* over its table: "DISKS" */
 	std::string_view name;    /* in messages, "the ... query" */
 	std::string_view none;    /* what is said in place of an empty table */
-	UINT query;
-	std::string (*table)(const item_list &list);
-	ordered_json (*json)(const item_list &list);
+	scope of;
+	/* A kind of one controller is asked for only when the session has one. */
+	answer (*ask)(session &from);
+	std::string_view note = {}; /* under its table, for what its headings cannot say */
 };
 
 extern const kind disks_kind;
 extern const kind partitions_kind;
 extern const kind cdroms_kind;
+extern const kind controllers_kind;
+extern const kind containers_kind;
+extern const kind raid_disks_kind;
+extern const kind raid_space_kind;
+extern const kind raid_partitions_kind;
 
 /* All kinds, in the order that they are shown in. */
 const std::vector<const kind *> &all_kinds();
@@ -43,8 +64,10 @@ template <typename Record> struct column {
 };
 
 template <typename Record, std::size_t Size>
-std::string table_of(const item_list &list, const column<Record> (&columns)[Size])
+std::string table_of(const std::vector<Record> &records, const column<Record> (&columns)[Size])
 {
+	if (records.empty())
+		return "";
 	cells headings;
 	std::vector<align> alignment;
 	for (const column<Record> &column : columns) {
@@ -52,20 +75,29 @@ std::string table_of(const item_list &list, const column<Record> (&columns)[Size
 		alignment.push_back(column.alignment);
 	}
 	std::vector<cells> rows;
-	list.each<Record>([&](const Record &record) {
+	for (const Record &record : records) {
 		cells &row = rows.emplace_back();
 		for (const column<Record> &column : columns)
 			row.push_back(column.cell(record));
-	});
+	}
 	return format_table(headings, alignment, rows);
 }
 
 template <typename Record>
-ordered_json array_of(const item_list &list, ordered_json (*object)(const Record &record))
+ordered_json array_of(const std::vector<Record> &records, ordered_json (*object)(const Record &record))
 {
 	ordered_json array = ordered_json::array();
-	list.each<Record>([&](const Record &record) { array.push_back(object(record)); });
+	for (const Record &record : records)
+		array.push_back(object(record));
 	return array;
+}
+
+template <typename Record, std::size_t Size>
+answer answer_of(const item_list &list, const column<Record> (&columns)[Size],
+                 ordered_json (*object)(const Record &record))
+{
+	const std::vector<Record> records = list.records<Record>();
+	return {list.failed(), table_of(records, columns), array_of(records, object)};
 }
 
 /* A field as JSON: null when it is empty. */

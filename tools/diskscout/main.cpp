@@ -3,60 +3,25 @@
 //
 // Exit status: 0; 1 when a query or the output failed; 2 when the caller asked for what cannot be done.
 #include "companion.h"
-#include "kinds.h"
+#include "listing.h"
 #include "options.h"
 #include "output.h"
 #include "plugin.h"
 #include "sysroot.h"
 #include "usage_error.h"
 
-#include <fmt/format.h>
+#include <exception>
 
 enum { STATUS_FINE = 0, STATUS_FAILED = 1, STATUS_USAGE = 2 };
 
-static void complain_about_query(const kind &k, const item_list &list)
-{
-	const char *const rest = list.empty() ? "it found nothing before" : "what it found so far is shown";
-	complain(fmt::format("the {} query failed; {}", k.name, rest));
-}
-
-static std::string section_of(const kind &k, const item_list &list)
-{
-	std::string section = fmt::format("{}\n", k.heading);
-	if (!list.empty())
-		section += k.table(list);
-	else if (list.failed())
-		// That nothing was found would be a false answer.
-		section += fmt::format("The {} query failed.\n", k.name);
-	else
-		section += fmt::format("{}\n", k.none);
-	return section;
-}
-
-static std::string document_of(const ordered_json &document)
-{
-	// A disk's texts need not be UTF-8. A replaced character is better than no document.
-	return document.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
-}
-
 static int show(const plugin &from, const options &opts)
 {
-	std::string tables;
-	ordered_json document = {{"format", 1}};
-	ordered_json failed = ordered_json::array();
-	for (const kind *k : opts.kinds) {
-		const item_list list(from, k->query);
-		if (list.failed()) {
-			complain_about_query(*k, list);
-			failed.push_back(k->word);
-		}
-		document[std::string(k->word)] = k->json(list);
-		tables += (tables.empty() ? "" : "\n") + section_of(*k, list);
-	}
-	const bool complete = failed.empty();
-	document["failed"] = failed;
-	const bool written = write_output(opts.json ? document_of(document) : tables);
-	return complete && written ? STATUS_FINE : STATUS_FAILED;
+	if (!opts.config.empty())
+		from.set_configuration(opts.config);
+	session asked(from, opts.controller);
+	const listing shown = opts.json ? list_as_json(asked, opts.kinds) : list_as_tables(asked, opts.kinds);
+	const bool written = write_output(shown.text);
+	return shown.complete && written ? STATUS_FINE : STATUS_FAILED;
 }
 
 static int run(int argc, char **argv)

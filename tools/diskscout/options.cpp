@@ -1,4 +1,5 @@
-// The command line: diskscout list [disks|partitions|cdroms]... [--json] [--plugin PATH] [--sysroot DIR].
+// The command line: diskscout list [KIND]... [--json] [--controller NAME] [--config FILE] [--plugin PATH]
+// [--sysroot DIR].
 #include "options.h"
 
 #include "usage_error.h"
@@ -8,11 +9,35 @@
 #include <fmt/format.h>
 #include <sstream>
 
-static std::string known_words()
+static bool is_any(const kind *)
+{
+	return true;
+}
+
+static bool is_of_host(const kind *k)
+{
+	return k->of == scope::host;
+}
+
+static bool is_of_raid(const kind *k)
+{
+	return !is_of_host(k);
+}
+
+static bool is_of_controller(const kind *k)
+{
+	return k->of == scope::controller;
+}
+
+using kind_test = bool (*)(const kind *k);
+
+static std::string words_of(kind_test test)
 {
 	std::string words;
-	for (const kind *k : all_kinds())
-		words.append(words.empty() ? "" : ", ").append(k->word);
+	for (const kind *k : all_kinds()) {
+		if (test(k))
+			words.append(words.empty() ? "" : ", ").append(k->word);
+	}
 	return words;
 }
 
@@ -27,11 +52,11 @@ static std::vector<const kind *> kinds_named(const std::vector<std::string> &wor
 		const auto is_named = [&](const kind *k) { return k->word == word; };
 		if (std::none_of(all_kinds().begin(), all_kinds().end(), is_named))
 			throw usage_error(
-				fmt::format("unknown kind \"{}\", known are {}", word, known_words()));
+				fmt::format("unknown kind \"{}\", known are {}", word, words_of(is_any)));
 	}
 	std::vector<const kind *> kinds;
 	for (const kind *k : all_kinds()) {
-		if (words.empty() || contains(words, k->word))
+		if (words.empty() ? is_of_host(k) : contains(words, k->word))
 			kinds.push_back(k);
 	}
 	return kinds;
@@ -39,7 +64,15 @@ static std::vector<const kind *> kinds_named(const std::vector<std::string> &wor
 
 static std::string refuse_empty(const std::string &value)
 {
-	return value.empty() ? "a path must not be empty" : "";
+	return value.empty() ? "it must not be empty" : "";
+}
+
+// An option that changes nothing is a misunderstanding.
+static void refuse_idle(const char *option, const std::string &value, const std::vector<const kind *> &kinds,
+                        kind_test test)
+{
+	if (!value.empty() && std::none_of(kinds.begin(), kinds.end(), test))
+		throw usage_error(fmt::format("{} is for {}", option, words_of(test)));
 }
 
 // --help and --version reach us as exceptions as well, the only ones with status 0.
@@ -56,7 +89,7 @@ options parse_options(int argc, char **argv)
 {
 	options opts;
 	std::vector<std::string> words;
-	CLI::App app("Shows the disks, partitions and CD-ROM drives that the plug-in finds on this host.",
+	CLI::App app("Shows the storage that the plug-in finds on this host, hardware RAID included.",
 	             "diskscout");
 	app.set_version_flag("--version", "diskscout " DISKSCOUT_VERSION);
 	app.add_flag("--json", opts.json, "print one JSON document instead of tables");
@@ -64,13 +97,20 @@ options parse_options(int argc, char **argv)
 	app.add_option("--sysroot", opts.sysroot, "show the host that is captured in this directory")
 		->type_name("DIR")
 		->check(refuse_empty);
+	app.add_option("--controller", opts.controller, "show this RAID controller, not the first one")
+		->type_name("NAME")
+		->check(refuse_empty);
+	app.add_option("--config", opts.config, "the controller tool's configuration")
+		->type_name("FILE")
+		->check(refuse_empty);
 	// An empty group keeps an option out of the help: this one is between us and our second start.
 	app.add_flag("--replayed", opts.replayed)->group("");
 	app.require_subcommand(1);
 	app.footer("Exit status: 0, 1 when a query or the output failed, 2 for bad usage.");
 
 	CLI::App *const list = app.add_subcommand("list", "show what there is");
-	list->add_option("KIND", words, "what to show, of " + known_words() + "; without any: all")
+	list->add_option("KIND", words,
+	                 "what to show, of " + words_of(is_any) + "; without any: " + words_of(is_of_host))
 		->type_name("");
 	// Options of the program are taken behind the subcommand too.
 	list->fallthrough();
@@ -81,6 +121,8 @@ options parse_options(int argc, char **argv)
 		return opts;
 	}
 	opts.kinds = kinds_named(words);
+	refuse_idle("--controller", opts.controller, opts.kinds, is_of_controller);
+	refuse_idle("--config", opts.config, opts.kinds, is_of_raid);
 	return opts;
 }
 
@@ -90,6 +132,10 @@ std::vector<std::string> replayed_command_line(const options &opts, const std::s
 	std::vector<std::string> arguments = {program, "--replayed", "--plugin", plugin};
 	if (opts.json)
 		arguments.emplace_back("--json");
+	if (!opts.controller.empty())
+		arguments.push_back("--controller=" + opts.controller);
+	if (!opts.config.empty())
+		arguments.push_back("--config=" + opts.config);
 	arguments.emplace_back("list");
 	for (const kind *k : opts.kinds)
 		arguments.emplace_back(k->word);

@@ -11,9 +11,11 @@ struct options {
 	std::string answer;              /* text that --help or --version asks for; else empty */
 	std::vector<const kind *> kinds; /* to be listed; each once, in the order of all_kinds() */
 	bool json = false;
-	bool replayed = false; /* restarted: a captured host is to be seen */
-	std::string plugin;    /* empty: the one that comes with the program */
-	std::string sysroot;   /* empty: this host */
+	bool replayed = false;  /* restarted: a captured host is to be seen */
+	std::string plugin;     /* empty: the one that comes with the program */
+	std::string sysroot;    /* empty: this host */
+	std::string controller; /* empty: the first one */
+	std::string config;     /* of the controller tool; empty: the file that the plug-in knows */
 };
 
 /* Throws usage_error when the command line is none of ours. */

@@ -1,8 +1,10 @@
 // The plug-in, loaded and asked as an agent does.
 #include "plugin.h"
 
+#include "text.h"
 #include "usage_error.h"
 
+#include <cstring>
 #include <dlfcn.h>
 #include <fmt/format.h>
 
@@ -11,12 +13,12 @@ void plugin::unloader::operator()(void *handle) const
 	dlclose(handle);
 }
 
-template <typename Function> Function *plugin::symbol(const char *name) const
+template <typename Symbol> Symbol *plugin::symbol(const char *name) const
 {
 	void *const address = dlsym(m_handle.get(), name);
 	if (!address)
 		throw usage_error(fmt::format("the plug-in cannot be used: {}", dlerror()));
-	return reinterpret_cast<Function *>(address);
+	return reinterpret_cast<Symbol *>(address);
 }
 
 // RTLD_NOW: what is missing is missed here, and not in the middle of a query.
@@ -35,9 +37,15 @@ static IPMICOMMAND request(UINT command)
 	return result;
 }
 
-int plugin::get(UINT command, void **result, int *length) const
+int plugin::get(UINT command, const std::string &argument, void **result, int *length) const
 {
-	const IPMICOMMAND cmd = request(command);
+	IPMICOMMAND cmd = request(command);
+	// The request wants bytes that may be written to.
+	std::string data = argument;
+	if (!data.empty()) {
+		cmd.szData = data.data();
+		cmd.nDataLen = static_cast<UINT>(data.size() + 1);
+	}
 	return m_get_item_info(&cmd, result, length);
 }
 
@@ -47,8 +55,28 @@ int plugin::set(UINT command, void **result) const
 	return m_set_item_info(&cmd, result);
 }
 
-item_list::item_list(const plugin &from, UINT query)
-    : m_plugin(from), m_query(query), m_failed(from.get(query, &m_head, &m_length) != 0)
+// The exported variable that every host of the plug-in may write to; its size is part of the interface.
+static const char configuration_symbol[] = "g_szConfigFileName";
+using configuration_name = char[256];
+
+std::string plugin::configuration() const
+{
+	const void *const name = dlsym(m_handle.get(), configuration_symbol);
+	return name ? text_of(*static_cast<const configuration_name *>(name)) : "";
+}
+
+void plugin::set_configuration(const std::string &file) const
+{
+	const std::size_t most = sizeof(configuration_name) - 1;
+	if (file.size() > most)
+		throw usage_error(fmt::format("the configuration's path has {} bytes, the plug-in takes {}",
+		                              file.size(), most));
+	configuration_name &name = *symbol<configuration_name>(configuration_symbol);
+	memcpy(name, file.c_str(), file.size() + 1);
+}
+
+item_list::item_list(const plugin &from, UINT query, const std::string &argument)
+    : m_plugin(from), m_query(query), m_failed(from.get(query, argument, &m_head, &m_length) != 0)
 {
 }
 

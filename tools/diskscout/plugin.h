@@ -6,6 +6,8 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 class plugin
 {
@@ -13,15 +15,23 @@ public:
 	/* Throws usage_error when the file is no plug-in. */
 	explicit plugin(const std::filesystem::path &file);
 
-	int get(UINT command, void **result, int *length) const;
+	/* Without an argument, which is empty then, the plug-in gets a null. */
+	int get(UINT command, const std::string &argument, void **result, int *length) const;
 	int set(UINT command, void **result) const;
+
+	/*
+	 * The controller tool's configuration file, which the plug-in reads at its first hardware query.
+	 * Empty when the plug-in does not tell; throws usage_error when it cannot be made to read this one.
+	 */
+	std::string configuration() const;
+	void set_configuration(const std::string &file) const;
 
 private:
 	struct unloader {
 		void operator()(void *handle) const;
 	};
-	/* The function of this name, of the type it is declared with. */
-	template <typename Function> Function *symbol(const char *name) const;
+	/* What the plug-in exports by this name, of the type it is declared with. */
+	template <typename Symbol> Symbol *symbol(const char *name) const;
 
 	std::unique_ptr<void, unloader> m_handle;
 	decltype(&GetItemInfo) m_get_item_info;
@@ -35,20 +45,21 @@ private:
 class item_list
 {
 public:
-	item_list(const plugin &from, UINT query);
+	item_list(const plugin &from, UINT query, const std::string &argument = {});
 	~item_list();
 	item_list(const item_list &) = delete;
 	item_list &operator=(const item_list &) = delete;
 
 	bool failed() const { return m_failed; }
-	bool empty() const { return !m_head || m_length <= 0; }
 
-	/* Calls visit with every record. Both the links and the length end the list: the links may go on. */
-	template <typename Record, typename Visit> void each(Visit visit) const
+	/* All records. Both the links and the length end the list: the links may go on. */
+	template <typename Record> std::vector<Record> records() const
 	{
+		std::vector<Record> result;
 		auto record = static_cast<const Record *>(m_head);
 		for (int i = 0; record && i < m_length; i++, record = record->next)
-			visit(*record);
+			result.push_back(*record);
+		return result;
 	}
 
 private:

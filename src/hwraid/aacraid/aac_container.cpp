@@ -87,12 +87,12 @@ static int HotSpareOf(const char *lpszLine)
 	if (lpszAddress != lpszLine)
 		lpszAddress--;
 
-	int nChannel = 0;
-	int nID = 0;
-	int nLun = 0;
-	const bool bRead =
-		FieldScan(lpszAddress).Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun).IsGood();
-	return bRead ? GetC_ID_L(nChannel, nID, nLun) : OTHER_TOOL_ERROR;
+	int nChannel = -1;
+	int nID = -1;
+	int nLun = -1;
+	FieldScan(lpszAddress).Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun);
+	// A number below 0 is no part of an address: the sum would pass for a code.
+	return nChannel < 0 || nID < 0 || nLun < 0 ? OTHER_TOOL_ERROR : GetC_ID_L(nChannel, nID, nLun);
 }
 
 int AnalyzeContainerShowFailoverFile(const char *lpszFile)

@@ -199,7 +199,7 @@ static bool IsAddressHead(const char *p)
 
 static bool IsAddress(const char *p)
 {
-	return IsHexDigit(p[0]) && IsAddressHead(p) && IsHexDigit(p[5]) &&
+	return IsAddressHead(p) && IsHexDigit(p[0]) && IsHexDigit(p[5]) &&
 	       (p[6] == '\0' || IS_IN(p[6], " \t\n"));
 }
 

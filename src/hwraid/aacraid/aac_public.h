@@ -10,11 +10,9 @@
 
 // ---- configuration ----
 //
-// Process-wide and read once, by the first operation that finds the file; one thread at a time.
+// Process-wide and read once, by the first operation that finds the file g_szConfigFileName; one thread at a
+// time.
 
-// The file to read: /root/hardraid.cfg, unless the host has written another name here before the first
-// hardware operation.
-extern "C" __attribute__((visibility("default"))) char g_szConfigFileName[256];
 extern int g_nHaveInit;             // 1 once the file has been opened, whatever it said
 extern char g_szCliPath[1024];      // directory of the tool
 extern char g_szCliName[256];       // file name of the tool

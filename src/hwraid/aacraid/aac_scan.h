@@ -22,7 +22,6 @@ public:
 	}
 	FieldScan &SkipWord();
 	FieldScan &Literal(char c);
-	bool IsGood() const { return !m_bFailed; }
 
 private:
 	FieldScan &Word(char *lpszWord, size_t nSize, int nWidth);

@@ -1,0 +1,264 @@
+#include "parsers.h"
+
+#include "hwraid/aacraid/aac_container.h"
+#include "hwraid/aacraid/aac_controller.h"
+#include "hwraid/aacraid/aac_disk.h"
+#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_raid.h"
+#include "hwraid/aacraid/aac_task.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <string.h>
+
+namespace
+{
+
+using Codes = std::initializer_list<int>;
+
+std::string wrong_code(int code, Codes documented)
+{
+	if (std::find(documented.begin(), documented.end(), code) != documented.end())
+		return "";
+	return "result " + std::to_string(code);
+}
+
+struct Promise {
+	bool kept;
+	const char *field;
+};
+
+std::string broken(std::initializer_list<Promise> promises)
+{
+	for (const Promise &promise : promises)
+		if (!promise.kept)
+			return promise.field;
+	return "";
+}
+
+template <size_t size> bool ends(const char (&text)[size])
+{
+	return strnlen(text, size) < size;
+}
+
+// A stored code reads back as a word.
+bool is_word(const char *word)
+{
+	return strcmp(word, "overflow") != 0;
+}
+
+bool is_between(int value, int least, int most)
+{
+	return value >= least && value <= most;
+}
+
+std::string wrong_record(const aac_controller &record, int position)
+{
+	return broken({
+		{record.ControllerID == position, "ControllerID"},
+		{ends(record.Adapter_Name), "Adapter_Name"},
+		{ends(record.Adapter_Type), "Adapter_Type"},
+		{is_word(Controller_GetControllerAavailability(&record)), "Availability"},
+		{is_word(Controller_GetControllerClustering(&record)), "Clustering"},
+	});
+}
+
+// Members stand in the first slots, and none is stored that was not counted.
+bool are_members(const aac_container &record)
+{
+	const int *end = record.C_ID_L + 64;
+	const int *unused = std::find(record.C_ID_L, end, NO_MEMBER);
+	return unused - record.C_ID_L <= record.nDiskNumber &&
+	       std::all_of(unused, end, [](int slot) { return slot == NO_MEMBER; });
+}
+
+std::string wrong_record(const aac_container &record, int)
+{
+	const int stripe = record.StripeSize;
+	return broken({
+		{is_between(record.nCntnerID, -1, 63), "nCntnerID"},
+		{are_members(record), "C_ID_L"},
+		{is_between(record.Container_Type, -1, 5), "Container_Type"},
+		{record.TotalSize >= 0, "TotalSize"},
+		{stripe == 0 || stripe == 16 || stripe == 32 || stripe == 64, "StripeSize"},
+		{is_between(record.Usage, -1, 9), "Usage"},
+		{record.HotSpare == -1, "HotSpare"}, // there is no tool to ask
+		{ends(record.Label), "Label"},
+	});
+}
+
+std::string wrong_record(const aac_disk &record, int)
+{
+	return broken({
+		{ends(record.VendorID), "VendorID"},
+		{ends(record.ProductID), "ProductID"},
+		{is_word(Disk_GetDeviceType(&record)), "Device_Type"},
+		{is_word(Disk_GetUsage(&record)), "Usage"},
+		{is_word(Disk_GetShared(&record)), "Shared"},
+	});
+}
+
+// Any two numbers are an area; reading them shows that the record is there.
+std::string wrong_record(const aac_space &record, int)
+{
+	return broken({{is_between(record.nOffset, INT32_MIN, INT32_MAX) &&
+	                        is_between(record.nFreeSpace, INT32_MIN, INT32_MAX),
+	                "nOffset"}});
+}
+
+std::string wrong_record(const aac_partition &record, int)
+{
+	return broken({
+		{is_between(record.ContainerType, -1, 5), "ContainerType"},
+		{is_between(record.nMultilevelContainerType, -1, 1), "nMultilevelContainerType"},
+		{is_between(record.nReadWriteAttribute, 0, 3), "nReadWriteAttribute"},
+	});
+}
+
+std::string wrong_record(const aac_task &record, int)
+{
+	return broken({
+		{is_word(Task_GetFunction(&record)), "Function"},
+		{is_word(Task_GetState(&record)), "State"},
+	});
+}
+
+template <typename Record>
+std::string check_list(Codes documented, int (*parse)(const char *, Record **), int (*clear)(Record *),
+                       const char *path)
+{
+	Record *head = nullptr;
+	std::string wrong = wrong_code(parse(path, &head), documented);
+	int position = 0;
+	for (const Record *record = head; record && wrong.empty(); record = record->next)
+		wrong = wrong_record(*record, position++);
+	clear(head);
+	return wrong;
+}
+
+std::string check_controllers(const char *path)
+{
+	return check_list<aac_controller>({0, -100, -200, -300}, AnalyzeControllerFile,
+	                                  Aac_Clear_Controller_List, path);
+}
+
+// A configuration that names no tool: the question for each container's hot spare fails at once.
+void use_no_tool()
+{
+	g_nHaveInit = 1;
+	g_szCliFullName[0] = g_szFilterScript[0] = '\0';
+}
+
+int parse_containers(const char *path, aac_container **head)
+{
+	use_no_tool();
+	return Get_Container_List_From_File("aac0", path, head);
+}
+
+std::string check_containers(const char *path)
+{
+	return check_list<aac_container>({0, -1, -100, -200, -300}, parse_containers,
+	                                 Aac_Clear_Container_List, path);
+}
+
+std::string check_deletion(const char *path)
+{
+	return wrong_code(AnalyzeContainerDeleteFile(path), {0, -5, -100, -200, -300});
+}
+
+std::string check_failover(const char *path)
+{
+	return wrong_code(AnalyzeContainerSetFailoverFile(path), {0, -2, -5, -90, -100, -200, -300});
+}
+
+// An address or a code. Numbers with a sign add up to any number at all.
+std::string check_spare(const char *path)
+{
+	AnalyzeContainerShowFailoverFile(path);
+	return "";
+}
+
+std::string check_device(const char *path)
+{
+	std::vector<char> name(256, 'x');
+	name[0] = '\0';
+	const int result = AnalyzeContainerDiskNameFile(path, name.data());
+	if (strnlen(name.data(), name.size()) == name.size())
+		return "name without an end";
+	if ((result == 0) != (name[0] == '/'))
+		return "name and result";
+	return wrong_code(result, {0, -5, -100, -200, -300});
+}
+
+std::string check_creation(const char *path)
+{
+	return wrong_code(Analyze_Create_Raid_Created_File(path, 0),
+	                  {0, -3, -5, -20, -30, -70, -100, -200, -300});
+}
+
+std::string check_disks(const char *path)
+{
+	return check_list<aac_disk>({0, -100, -200, -300}, AnalyzeDiskFile, Aac_Clear_Disk_List, path);
+}
+
+std::string check_initialisation(const char *path)
+{
+	return wrong_code(AnalyzeDiskInitializeFile(path), {0, -2, -300});
+}
+
+std::string check_defects(const char *path)
+{
+	int primary = 0;
+	int grown = 0;
+	return wrong_code(AnalyzeDiskShowDefectFile(path, &primary, &grown),
+	                  {0, -2, -6, -50, -100, -200, -300});
+}
+
+int parse_spaces(const char *path, aac_space **head)
+{
+	return AnalyzeDiskShowSpaceFile(path, 0, 1, 0, head);
+}
+
+std::string check_spaces(const char *path)
+{
+	return check_list<aac_space>({0, -2, -100, -200, -300}, parse_spaces, Aac_Clear_Disk_Space_List,
+	                             path);
+}
+
+std::string check_partitions(const char *path)
+{
+	return check_list<aac_partition>({0, -2, -100, -200, -300}, AnalyzePartitionFile,
+	                                 Aac_Clear_Disk_Partition_List, path);
+}
+
+std::string check_tasks(const char *path)
+{
+	return check_list<aac_task>({0, -100, -200, -300}, AnalyzeTaskFile, Aac_Clear_Task_List, path);
+}
+
+} // namespace
+
+const std::vector<Parser> PARSERS = {
+	{"controllers", check_controllers},
+	{"containers", check_containers},
+	{"deletion", check_deletion},
+	{"failover", check_failover},
+	{"spare", check_spare},
+	{"device", check_device},
+	{"creation", check_creation},
+	{"disks", check_disks},
+	{"initialisation", check_initialisation},
+	{"defects", check_defects},
+	{"spaces", check_spaces},
+	{"partitions", check_partitions},
+	{"tasks", check_tasks},
+	{"text", check_text},
+};
+
+const Parser *find_parser(const std::string &name)
+{
+	for (const Parser &parser : PARSERS)
+		if (name == parser.name)
+			return &parser;
+	return nullptr;
+}
