@@ -54,16 +54,16 @@ static aac_container *MakeContainer()
 	return pContainer;
 }
 
-// The list's end is the caller's variable: it moves on to the new record.
+// The list's end is the caller's variable: it moves on to the new record. An empty one begins a list.
 static int AppendContainer(aac_container **pnode)
 {
 	aac_container *pContainer = MakeContainer();
 	if (!pContainer)
 		return -1;
-	if (!pContainerHeader)
-		pContainerHeader = pContainer;
-	else
+	if (*pnode)
 		(*pnode)->next = pContainer;
+	else
+		pContainerHeader = pContainer;
 	*pnode = pContainer;
 	return 0;
 }
