@@ -245,7 +245,9 @@ extern "C" {
  *
  * *result is read: null asks for a new list. The head of an earlier list of the same kind has its records
  * refilled in place; the first *length hold the answer, older ones stay linked behind them. A failed
- * partition query leaves the records made so far in *result and *length; release them as usual.
+ * partition query leaves the records made so far in *result and *length; release them as usual. The hardware
+ * RAID queries instead release the list that is passed in and make a new one; when they fail, *result is null
+ * and *length 0.
  */
 int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length);
 
@@ -263,6 +265,8 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result);
 int stcli(int argc, char **argv, int ZERO);
 
 /*
+ * Data, to be reached with dlsym: a program that links the library would see copies of its own.
+ *
  * The file that says where the RAID controller's command-line tool is: "/root/hardraid.cfg", unless the agent
  * writes another name here before the first hardware operation.
  */

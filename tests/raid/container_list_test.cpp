@@ -443,6 +443,21 @@ TEST_F(ContainerListTest, OutputEndsAtANul)
 	          "result 0\n" + MIRROR_RECORD);
 }
 
+// What a prompt leaves behind may be a prompt itself, wherever it was cut in two.
+TEST_F(ContainerListTest, PagerPromptWithinAnother)
+{
+	without_tool();
+	for (size_t at = 1; at < PROMPT.size(); at++) {
+		// The blanks behind the inner one would go with it, and leave half of the outer one.
+		if (PROMPT[at] == ' ')
+			continue;
+		const std::string nested = PROMPT.substr(0, at) + PROMPT + PROMPT.substr(at);
+		EXPECT_EQ(records(nested + MIRROR.substr(0, 90) + nested + nested + MIRROR.substr(90)),
+		          MIRROR_RECORD)
+			<< at;
+	}
+}
+
 // A parser that starts again at the top for each paragraph, or for each prompt, would take hours.
 TEST_F(ContainerListTest, LargeOutputsTakeNoLongerThanTheirSize)
 {

@@ -17,7 +17,6 @@
 #include <string.h>
 
 static constexpr int RUN_FAILED = -1;
-static constexpr int NO_SUCH_DEVICE = -2;
 static constexpr int NO_SUCH_CONTAINER = -5;
 static constexpr int NO_HOT_SPARE = -10;
 static constexpr int IS_NO_HOT_SPARE = -90;
@@ -49,7 +48,7 @@ template <size_t rows> static int CodeOfFirstError(const char *lpszFile, const T
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
 		return RUN_FAILED;
-	while (output.Next())
+	while (output.Read())
 		if (Including(output.Line(), "Command Error"))
 			return CodeOfErrorLine(output.Line(), own);
 	return 0;
@@ -87,12 +86,14 @@ static int HotSpareOf(const char *lpszLine)
 	if (lpszAddress != lpszLine)
 		lpszAddress--;
 
-	int nChannel = -1;
-	int nID = -1;
-	int nLun = -1;
-	FieldScan(lpszAddress).Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun);
-	// A number below 0 is no part of an address: the sum would pass for a code.
-	return nChannel < 0 || nID < 0 || nLun < 0 ? OTHER_TOOL_ERROR : GetC_ID_L(nChannel, nID, nLun);
+	int nChannel = 0;
+	int nID = 0;
+	int nLun = 0;
+	FieldScan scan(lpszAddress);
+	scan.Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun);
+	const int nC_ID_L = GetC_ID_L(nChannel, nID, nLun);
+	// A sum below 0 is no address and would pass for a code.
+	return scan.IsGood() && nC_ID_L >= 0 ? nC_ID_L : OTHER_TOOL_ERROR;
 }
 
 int AnalyzeContainerShowFailoverFile(const char *lpszFile)
@@ -105,13 +106,13 @@ int AnalyzeContainerShowFailoverFile(const char *lpszFile)
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
 		return RUN_FAILED;
-	while (output.Next()) {
+	while (output.Read()) {
 		if (Including(output.Line(), "Command Error"))
 			return CodeOfErrorLine(output.Line(), SHOW_ERRORS);
 		if (strstr(output.Line(), "--------- ----------------------------------"))
-			return output.Next() ? HotSpareOf(output.Line()) : 0;
+			return output.Read() ? HotSpareOf(output.Line()) : 0;
 	}
-	// Deliberately the disk 0:0:0: agents in the field know an answer without a table as that.
+	// Deliberately the disk 0:0:0: so an answer without a table has always read.
 	return 0;
 }
 
@@ -141,7 +142,7 @@ int AnalyzeContainerDiskNameFile(const char *lpszFile, char *lpszFilled)
 	if (!output.IsOpen())
 		return RUN_FAILED;
 	bool bInTable = false;
-	while (output.Next()) {
+	while (output.Read()) {
 		const char *lpszLine = output.Line();
 		if (bInTable && lpszLine[0] == '/') {
 			CopyDeviceName(lpszLine, lpszFilled);

@@ -7,7 +7,6 @@
 #include "hwraid/aacraid/aac_public.h"
 #include "hwraid/aacraid/aac_scan.h"
 
-#include <charconv>
 #include <stdio.h>
 #include <string.h>
 #include <string_view>
@@ -59,7 +58,7 @@ static const char *TypeIn(const char *lpszLine)
 	return SkipBlanks(p);
 }
 
-static constexpr struct {
+static constexpr struct ContainerType {
 	std::string_view word;
 	int nOrdinary;   // type of a container made of disks
 	int nMultilevel; // and of one made of containers
@@ -71,22 +70,22 @@ static constexpr struct {
 	{"Reconf", KESTREL_HWRAID_TYPE_RECONF, KESTREL_HWRAID_TYPE_RECONF},
 };
 
-int nodeGetContainerType(const char *lpszSingleLine, aac_container *node, int nIfRaid10)
+static const ContainerType *FindType(const char *lpszType)
 {
-	const char *lpszType = TypeIn(lpszSingleLine);
-	node->Container_Type = KESTREL_HWRAID_TYPE_UNKNOWN;
-	for (const auto &row : TYPES)
+	for (const ContainerType &row : TYPES)
 		if (Including(lpszType, row.word.data()))
-			node->Container_Type = nIfRaid10 ? row.nMultilevel : row.nOrdinary;
-	return 0;
+			return &row;
+	return nullptr;
 }
 
-static const char *BehindType(const char *lpszType)
+int nodeGetContainerType(const char *lpszSingleLine, aac_container *node, int nIfRaid10)
 {
-	for (const auto &row : TYPES)
-		if (Including(lpszType, row.word.data()))
-			return lpszType + row.word.size();
-	return nullptr;
+	const ContainerType *pType = FindType(TypeIn(lpszSingleLine));
+	if (!pType)
+		node->Container_Type = KESTREL_HWRAID_TYPE_UNKNOWN;
+	else
+		node->Container_Type = nIfRaid10 ? pType->nMultilevel : pType->nOrdinary;
+	return 0;
 }
 
 static int Megabytes(const char *lpszSize)
@@ -96,20 +95,18 @@ static int Megabytes(const char *lpszSize)
 	if (lpszUnit == lpszSize || (!bGigabytes && !Including(lpszUnit, "MB")))
 		return 0;
 	double dSize = 0;
-	const auto parsed = std::from_chars(lpszSize, lpszUnit, dSize, std::chars_format::fixed);
-	if (parsed.ec == std::errc::result_out_of_range)
-		dSize = INT_MAX;
+	ReadNumber(lpszSize, lpszUnit, &dSize);
 	return NearestInt(bGigabytes ? dSize * 1024 : dSize);
 }
 
 int nodeGetTotalSize(const char *lpszSingleLine, aac_container *node)
 {
-	const char *lpszType = TypeIn(lpszSingleLine);
-	const char *lpszSize = BehindType(lpszType);
-	if (!lpszSize) {
+	const char *lpszSize = TypeIn(lpszSingleLine);
+	const ContainerType *pType = FindType(lpszSize);
+	if (pType)
+		lpszSize += pType->word.size();
+	else
 		node->Container_Type = KESTREL_HWRAID_TYPE_UNKNOWN;
-		lpszSize = lpszType;
-	}
 	node->TotalSize = Megabytes(SkipBlanks(lpszSize));
 	return 0;
 }

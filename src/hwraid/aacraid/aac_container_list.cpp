@@ -27,7 +27,6 @@
 #include <new>
 #include <stdio.h>
 #include <string.h>
-#include <strings.h>
 
 aac_container *pContainerHeader;
 
@@ -35,7 +34,7 @@ aac_container *pContainerHeader;
 static constexpr int FIRST_SUB_CONTAINER = 24;
 static constexpr int MAX_CONTAINERS = 64;
 
-typedef char paragraph_t[2048];
+typedef char Paragraph[2048];
 
 // ---- one line ----
 
@@ -110,7 +109,7 @@ int Deal_With_Single_Line(const char *, const char *, char *lpszSingleLine, aac_
 		TakeFirstLine(lpszSingleLine, node, pnIfRaid10);
 	else if (nNum == 2 && node->nCntnerID < FIRST_SUB_CONTAINER)
 		TakeLabelLine(lpszSingleLine, node, *pnIfRaid10);
-	else
+	else if (nNum == 2 || !*pnIfRaid10)
 		nodeGetCIDL(lpszSingleLine, node);
 	return 0;
 }
@@ -150,14 +149,16 @@ static const char *NextLine(const char *lpszText)
 	return p ? p + 1 : lpszText + strlen(lpszText);
 }
 
+// From the first slot on, whatever line 2 has put there.
 static void TakeSubContainerNumbers(const char *lpszText, aac_container *node)
 {
+	int nSlot = 0;
 	for (const char *p = lpszText; *p != '\0'; p = NextLine(p)) {
 		const int nNumber = SubContainerNumber(p);
 		if (nNumber == -1)
 			continue;
-		if (node->nDiskNumber < MAX_CONTAINERS)
-			node->C_ID_L[node->nDiskNumber] = nNumber;
+		if (nSlot < MAX_CONTAINERS)
+			node->C_ID_L[nSlot++] = nNumber;
 		node->nDiskNumber++;
 	}
 }
@@ -174,7 +175,7 @@ static void DealWithSubContainers(const char *lpszControllername, const char *lp
 {
 	for (const char *p = NextSubContainer(lpszText); *p != '\0';) {
 		const char *lpszNext = NextSubContainer(NextLine(p));
-		paragraph_t szPart;
+		Paragraph szPart;
 		snprintf(szPart, sizeof szPart, "%.*s", static_cast<int>(lpszNext - p), p);
 		Deal_With_A_Large_Node(lpszControllername, szPart, pnode);
 		p = lpszNext;
@@ -244,15 +245,23 @@ static const char *FindListing(const char *lpszText)
 	return lpszEnd && lpszEnd[1] != '\0' ? lpszEnd + 1 : nullptr;
 }
 
+static char LowerCase(char c)
+{
+	return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// "AAC0>" for the controller aac0, whatever the host's language knows of letters.
 static bool IsControllerPrompt(const char *lpszParagraph, const char *lpszControllername)
 {
-	const size_t nLength = strlen(lpszControllername);
-	return strncasecmp(lpszParagraph, lpszControllername, nLength) == 0 && lpszParagraph[nLength] == '>';
+	for (; *lpszControllername != '\0'; lpszControllername++, lpszParagraph++)
+		if (LowerCase(*lpszParagraph) != LowerCase(*lpszControllername))
+			return false;
+	return *lpszParagraph == '>';
 }
 
 static void TakeContainers(const char *lpszControllername, const char *lpszListing, aac_container **pnode)
 {
-	paragraph_t szParagraph;
+	Paragraph szParagraph;
 	for (PieceWalk paragraphs(lpszListing, '\n', 2); paragraphs.Next();) {
 		if (paragraphs.Length() == 0 || paragraphs.Length() >= sizeof szParagraph)
 			continue;

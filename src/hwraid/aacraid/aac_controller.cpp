@@ -37,7 +37,8 @@ int AnalyzeControllerFile(const char *lpszFile, aac_controller **pHead)
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
 		return -1;
-	const int nError = FindEcho(&output, "Executing: controller list");
+	int nError;
+	FindEcho(&output, "Executing: controller list", &nError);
 	if (nError != 0)
 		return nError;
 	RecordList<aac_controller> list(pHead);
@@ -52,20 +53,25 @@ int Aac_Get_Controller_List(aac_controller **pHead)
 	ToolScript script;
 	script.Add("controller list\n                                          \n    \nexit\n");
 	const int nResult = RunTool(script, TRACES, [pHead](const char *lpszFile) {
-		return AnalyzeControllerFile(lpszFile, pHead);
+		const int nParsed = AnalyzeControllerFile(lpszFile, pHead);
+		if (nParsed != 0)
+			OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nParsed);
+		return nParsed;
 	});
-	if (nResult == 0)
-		return CountRecords(*pHead);
-	OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nResult);
-	return nResult;
+	return nResult == 0 ? CountRecords(*pHead) : nResult;
 }
 
 static const aac_controller *FindController(const aac_controller *pHead, int nPosition)
 {
-	while (pHead && nPosition-- > 0)
+	for (; nPosition > 0; nPosition--) {
+		if (!pHead) {
+			OutputDebugString("find pointer is NULL, so return -1...\n");
+			return nullptr;
+		}
 		pHead = pHead->next;
+	}
 	if (!pHead)
-		OutputDebugString("find pointer is NULL, so return -1...\n");
+		OutputDebugString("After while loop, find pointer is NULL\n");
 	return pHead;
 }
 

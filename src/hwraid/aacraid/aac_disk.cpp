@@ -1,11 +1,9 @@
-// The disks behind a controller. The tool's list:
+// The disks behind a controller. The rows of "disk list" are wide; one reads
 //
-//   Executing: disk list /full=TRUE
-//   C:ID:L  Device Type     Removable media  Vendor-ID Product-ID        Rev   Blocks    Bytes/Block Usage
-//   ...
-//   ------  --------------  ---------------  --------- ----------------  ----- --------- ----------- -----
-//   ... 0:00:0   Disk            N                ACME      EX103073FL3800    SA1B  143374805 512 Initialized
-//   ...
+//   0:00:0   Disk   N   ACME   EX103073FL3800   SA1B   143374805 512   Initialized   NO   320
+//
+// for address, device type, removable medium, vendor, product, revision, blocks, bytes of one, usage, shared,
+// rate.
 #include "hwraid/aacraid/aac_disk.h"
 
 #include "hwraid/aacraid/aac_disk_run.h"
@@ -79,9 +77,8 @@ int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
 		return -1;
-	static constexpr char ECHO_TEXT[] = "Executing: disk list";
-	const int nError = FindEcho(&output, ECHO_TEXT);
-	if (nError != 0 || !Including(output.Line(), ECHO_TEXT))
+	int nError;
+	if (!FindEcho(&output, "Executing: disk list", &nError))
 		return nError;
 	for (ToolTable table(&output); table.Next();)
 		list.Append(MakeDisk(output.Line()));

@@ -6,7 +6,6 @@
 
 extern const ToolTraces DISK_TRACES;
 
-constexpr int NO_SUCH_DEVICE = -2;
 constexpr ToolError DEVICE_ERRORS[] = {
 	{"<The specified channel was not found on the controller", NO_SUCH_DEVICE},
 	{"<The specified device was not found", NO_SUCH_DEVICE},

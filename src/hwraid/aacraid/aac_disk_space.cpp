@@ -101,7 +101,7 @@ int Aac_Disk_Show_Space(const char *lpszControllerName, int nC_ID_L, aac_space *
 	           lpszControllerName, nChannel, nID, nLun);
 	const int nResult = RunTool(script, DISK_TRACES, [=](const char *lpszFile) {
 		const int nParsed = AnalyzeDiskShowSpaceFile(lpszFile, nChannel, nID, nLun, pHead);
-		// Deliberately in the words of the defect operation: traces are searched for them.
+		// Deliberately in the words of the defect operation: the trace's text is fixed.
 		OutputDebugString("AnalyzeDiskShowDefectFile Return value is %d\n", nParsed);
 		return nParsed;
 	});
@@ -165,9 +165,11 @@ int AnalyzePartitionFile(const char *lpszFile, aac_partition **pHead)
 		return -1;
 	bool bEcho = false;
 	bool bRule = false;
-	// A line that is cleaned to nothing ends the table, but not what stands above it.
-	while (output.Next() || !(output.AtEnd() || (bEcho && bRule))) {
+	while (output.Read()) {
 		const char *lpszLine = output.Line();
+		// What stands above the table may hold such lines.
+		if (bEcho && bRule && lpszLine[0] == '\0')
+			return 0;
 		if (Including(lpszLine, "Command Error"))
 			return CodeOfErrorLine(lpszLine, DEVICE_ERRORS);
 		if (bEcho && bRule && IsPartitionRow(lpszLine))

@@ -104,7 +104,7 @@ char *GetCliConfig()
 	// Before the parsing: a file that names no tool has been read as well.
 	g_nHaveInit = 1;
 	char szLine[256];
-	while (fgets(szLine, sizeof szLine, pFile))
+	while (fgets(szLine, sizeof szLine, pFile) && szLine[0] != '\0')
 		TakeConfigLine(szLine);
 	JoinToolName();
 	fclose(pFile);

@@ -110,7 +110,7 @@ int Analyze_Create_Raid_Created_File(const char *lpszFile, int)
 		OutputDebugString("can not open the file %s\n", lpszFile);
 		return -1;
 	}
-	while (output.Next()) {
+	while (output.Read()) {
 		if (strstr(output.Line(), "Parsing Error:")) {
 			OutputDebugString("finding parsing error in line:%s\n", output.Line());
 			return OTHER_TOOL_ERROR;

@@ -3,23 +3,22 @@
 #include <stdio.h>
 
 // The row's number is the code.
-typedef char word_t[16];
+typedef char Word[16];
 
-const word_t g_szControllerAvailability[4] = {"Unavailability", "Unknown", "read only", "read/write"};
-const word_t g_szControllerClustering[2] = {"No", "Yes"};
-const word_t g_szTaskFunction[10] = {"Create", "FATfmt",  "NTFSfmt", "Rebuild", "Reconfig",
-                                     "Scrub",  "Unknown", "Verify",  "Zero",    "Bld/Vfy"};
-const word_t g_szTaskState[5] = {"BAD", "DNE", "RUN", "SUS", "UNK"};
-static const word_t DEVICE_TYPES[] = {"Disk",  "Sequential", "Printer", "Processor",     "Write_once",
-                                      "CDROM", "Scanner",    "Optical", "Media_changer", "Network"};
+const Word g_szControllerAvailability[4] = {"Unavailability", "Unknown", "read only", "read/write"};
+const Word g_szControllerClustering[2] = {"No", "Yes"};
+const Word g_szTaskFunction[10] = {"Create", "FATfmt",  "NTFSfmt", "Rebuild", "Reconfig",
+                                   "Scrub",  "Unknown", "Verify",  "Zero",    "Bld/Vfy"};
+const Word g_szTaskState[5] = {"BAD", "DNE", "RUN", "SUS", "UNK"};
+static const Word DEVICE_TYPES[] = {"Disk",  "Sequential", "Printer", "Processor",     "Write_once",
+                                    "CDROM", "Scanner",    "Optical", "Media_changer", "Network"};
 // The parser joins the words of a row's field; people read them apart.
-static const word_t DISK_USAGE_KEYS[] = {"Initialized", "Not_Initialized", "Detached",
-                                         "DOS",         "Offline",         "Unowned"};
-static const word_t DISK_USAGES[] = {"Initialized", "Not Initialized", "Detached",
-                                     "DOS",         "Offline",         "Unowned"};
-static const word_t SHARED[] = {"NO", "YES"};
+static const Word DISK_USAGE_KEYS[] = {"Initialized", "Not_Initialized", "Detached",
+                                       "DOS",         "Offline",         "Unowned"};
+static const Word DISK_USAGES[] = {"Initialized", "Not Initialized", "Detached", "DOS", "Offline", "Unowned"};
+static const Word SHARED[] = {"NO", "YES"};
 
-template <size_t rows> static int CodeOfWord(const word_t (&table)[rows], const char *lpszWord)
+template <size_t rows> static int CodeOfWord(const Word (&table)[rows], const char *lpszWord)
 {
 	for (size_t i = 0; i < rows; i++)
 		if (Including(lpszWord, table[i]))
@@ -27,7 +26,7 @@ template <size_t rows> static int CodeOfWord(const word_t (&table)[rows], const 
 	return -1;
 }
 
-template <size_t rows> static const char *WordOfCode(const word_t (&table)[rows], int nCode)
+template <size_t rows> static const char *WordOfCode(const Word (&table)[rows], int nCode)
 {
 	if (nCode < 0)
 		return "I dont know";
@@ -35,34 +34,34 @@ template <size_t rows> static const char *WordOfCode(const word_t (&table)[rows]
 }
 
 // Of the disks' codes only -1 is known to be unknown.
-template <size_t rows> static const char *WordOfDiskCode(const word_t (&table)[rows], int nCode)
+template <size_t rows> static const char *WordOfDiskCode(const Word (&table)[rows], int nCode)
 {
 	return nCode < -1 ? "overflow" : WordOfCode(table, nCode);
 }
 
-struct keyed_code_t {
+struct KeyedCode {
 	const char *lpszKey;
 	int nCode;
 };
 
 template <size_t rows>
-static int CodeOfKey(const keyed_code_t (&table)[rows], const char *lpszWord, int nUnknown)
+static int CodeOfKey(const KeyedCode (&table)[rows], const char *lpszWord, int nUnknown)
 {
-	for (const keyed_code_t &row : table)
+	for (const KeyedCode &row : table)
 		if (Including(lpszWord, row.lpszKey))
 			return row.nCode;
 	return nUnknown;
 }
 
 // No word stands for RAID 10: the tool calls a stripe of containers a stripe as well.
-static constexpr keyed_code_t CONTAINER_TYPES[] = {{"Stripe", KESTREL_HWRAID_TYPE_RAID0},
-                                                   {"Mirror", KESTREL_HWRAID_TYPE_RAID1},
-                                                   {"RAID-5", KESTREL_HWRAID_TYPE_RAID5},
-                                                   {"Volume", KESTREL_HWRAID_TYPE_VOLUME},
-                                                   {"Reconf", KESTREL_HWRAID_TYPE_RECONF}};
-static constexpr keyed_code_t MULTILEVEL_TYPES[] = {{"None", KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE},
-                                                    {"Stripe", KESTREL_HWRAID_PART_MULTILEVEL_TYPE_STRIPE}};
-static constexpr keyed_code_t ATTRIBUTES[] = {
+static constexpr KeyedCode CONTAINER_TYPES[] = {{"Stripe", KESTREL_HWRAID_TYPE_RAID0},
+                                                {"Mirror", KESTREL_HWRAID_TYPE_RAID1},
+                                                {"RAID-5", KESTREL_HWRAID_TYPE_RAID5},
+                                                {"Volume", KESTREL_HWRAID_TYPE_VOLUME},
+                                                {"Reconf", KESTREL_HWRAID_TYPE_RECONF}};
+static constexpr KeyedCode MULTILEVEL_TYPES[] = {{"None", KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE},
+                                                 {"Stripe", KESTREL_HWRAID_PART_MULTILEVEL_TYPE_STRIPE}};
+static constexpr KeyedCode ATTRIBUTES[] = {
 	{"RW", KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ_AND_WRITE},
 	{"R", KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ},
 	{"W", KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_WRITE},
@@ -306,9 +305,9 @@ const char *Task_GetFunction(const aac_task *p)
 	return WordOfCode(g_szTaskFunction, p->Function);
 }
 
-float Task_SetDone(aac_task *p, float dDone)
+float Task_SetDone(aac_task *p, float fDone)
 {
-	return p->Done = dDone;
+	return p->Done = fDone;
 }
 
 float Task_GetDone(const aac_task *p)

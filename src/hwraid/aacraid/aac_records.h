@@ -2,7 +2,7 @@
 //
 // Setters store and return what they stored, getters return the field or its word. A word is known by its
 // beginning; an unknown or missing one stores -1 and reads back as "I dont know", a code that no setter
-// stores as "overflow".
+// stores as "overflow", or as unknown below 0 where the row of a table is the code.
 #ifndef DISKSCOUT_HWRAID_AAC_RECORDS_H
 #define DISKSCOUT_HWRAID_AAC_RECORDS_H
 
@@ -50,7 +50,7 @@ int Disk_Space_GetFreeSpace(const aac_space *p);
 
 int Disk_Partition_Set_C_ID_L(aac_partition *p, int nC_ID_L);
 long long Disk_Partition_Set_OffSet(aac_partition *p, long long nOffset); // kilobytes
-// These three deliberately write the offset as well: code in the field is built around it.
+// These three deliberately write the offset as well; the parser sets the fields themselves.
 long long Disk_Partition_SetSize(aac_partition *p, long long nSize);
 int Disk_Partition_SetContainerID(aac_partition *p, int nID);
 int Disk_Partition_SetMultilevelContainerID(aac_partition *p, int nID);
@@ -62,7 +62,7 @@ int Task_SetTaskID(aac_task *p, int nID);
 int Task_GetTaskID(const aac_task *p);
 int Task_SetFunction(aac_task *p, const char *lpszWord);
 const char *Task_GetFunction(const aac_task *p);
-float Task_SetDone(aac_task *p, float dDone); // 0 to 1
+float Task_SetDone(aac_task *p, float fDone); // 0 to 1
 float Task_GetDone(const aac_task *p);
 int Task_SetContainerID(aac_task *p, int nID);
 int Task_GetContainerID(const aac_task *p);

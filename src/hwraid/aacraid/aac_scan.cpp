@@ -3,7 +3,7 @@
 #include "hwraid/aacraid/aac_public.h"
 
 #include <charconv>
-#include <float.h>
+#include <limits>
 #include <math.h>
 #include <string.h>
 
@@ -43,33 +43,60 @@ FieldScan &FieldScan::Int(int *pnValue, int nWidth)
 	return *this;
 }
 
-// Of a number beyond the range: whether it is too small, not too large.
-static bool IsSmall(const char *lpszDigits, const char *lpszEnd)
+// The power of ten that the first digit other than 0 stands for, as far as it matters: 2 for 512, -3 for
+// 0.004.
+static long long MagnitudeOf(const char *lpszNumber, const char *lpszEnd)
 {
-	const auto nLength = static_cast<size_t>(lpszEnd - lpszDigits);
-	return memchr(lpszDigits, '-', nLength) || lpszDigits[strspn(lpszDigits, "0")] == '.';
+	long long nMagnitude = 0;
+	const char *p = lpszNumber + (*lpszNumber == '-');
+	while (*p == '0')
+		p++;
+	if (*p == '.') {
+		for (p++; *p == '0'; p++)
+			nMagnitude--;
+		nMagnitude--;
+	} else {
+		nMagnitude = static_cast<long long>(strspn(p, "0123456789")) - 1;
+	}
+	while (p != lpszEnd && *p != 'e' && *p != 'E')
+		p++;
+	int nExponent = 0;
+	if (p != lpszEnd)
+		FieldScan(p + 1).Int(&nExponent);
+	return nMagnitude + nExponent;
 }
+
+template <class Number> const char *ReadNumber(const char *lpszText, const char *lpszEnd, Number *pValue)
+{
+	constexpr Number LARGEST = std::numeric_limits<Number>::max();
+	const bool bSigned = *lpszText == '-' || *lpszText == '+';
+	// Not the words for infinity and for no number: the tool prints none.
+	if (!Is_0_9(lpszText[bSigned]) && lpszText[bSigned] != '.')
+		return nullptr;
+	if (*lpszText == '+')
+		lpszText++;
+	Number value = 0;
+	const auto parsed = std::from_chars(lpszText, lpszEnd, value);
+	if (parsed.ec == std::errc::invalid_argument)
+		return nullptr;
+	if (parsed.ec == std::errc::result_out_of_range && MagnitudeOf(lpszText, parsed.ptr) > 0)
+		value = *lpszText == '-' ? -LARGEST : LARGEST;
+	*pValue = value;
+	return parsed.ptr;
+}
+
+template const char *ReadNumber(const char *lpszText, const char *lpszEnd, float *pValue);
+template const char *ReadNumber(const char *lpszText, const char *lpszEnd, double *pValue);
 
 FieldScan &FieldScan::Float(float *pfValue)
 {
 	if (m_bFailed)
 		return *this;
 	SkipSpace();
-	const char *p = *m_p == '+' ? m_p + 1 : m_p;
-	// Not the words for infinity and for no number: the tool prints none.
-	const char *lpszDigit = *p == '-' ? p + 1 : p;
-	m_bFailed = !Is_0_9(*lpszDigit) && *lpszDigit != '.';
-	if (m_bFailed)
-		return *this;
-	float fValue = 0;
-	const auto parsed = std::from_chars(p, p + strlen(p), fValue);
-	m_bFailed = parsed.ec == std::errc::invalid_argument;
-	if (m_bFailed)
-		return *this;
-	if (parsed.ec == std::errc::result_out_of_range && !IsSmall(lpszDigit, parsed.ptr))
-		fValue = *p == '-' ? -FLT_MAX : FLT_MAX;
-	*pfValue = fValue;
-	m_p = parsed.ptr;
+	const char *lpszEnd = ReadNumber(m_p, m_p + strlen(m_p), pfValue);
+	m_bFailed = lpszEnd == nullptr;
+	if (!m_bFailed)
+		m_p = lpszEnd;
 	return *this;
 }
 

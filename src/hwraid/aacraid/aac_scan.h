@@ -22,6 +22,7 @@ public:
 	}
 	FieldScan &SkipWord();
 	FieldScan &Literal(char c);
+	bool IsGood() const { return !m_bFailed; }
 
 private:
 	FieldScan &Word(char *lpszWord, size_t nSize, int nWidth);
@@ -30,6 +31,10 @@ private:
 	const char *m_p;
 	bool m_bFailed = false;
 };
+
+// Reads a number without blanks before it, of type float or double; one beyond the type's range is the
+// nearest in it. Returns where it ends, or null when there is none.
+template <class Number> const char *ReadNumber(const char *lpszText, const char *lpszEnd, Number *pValue);
 
 // The nearest int to a number, rounded towards 0; 0 when it is none.
 int NearestInt(double dValue);

@@ -44,7 +44,8 @@ int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
 		return -1;
-	const int nError = FindEcho(&output, "Executing: task list");
+	int nError;
+	FindEcho(&output, "Executing: task list", &nError);
 	if (nError != 0)
 		return nError;
 	for (ToolTable table(&output); table.Next();)

@@ -31,6 +31,8 @@ const ToolTraces COMMAND_TRACES = {
 	[](const char *lpszFile) { OutputDebugString("stat file < 0:%s\n", lpszFile); },
 };
 
+#define TRACE_POSITION() OutputDebugString("File:%s, Line:%4d\n", SOURCE, __LINE__)
+
 // The files of one run, named by fresh UUIDs. Once there is a script, all three are removed when the scope
 // ends, whether they exist or not.
 struct RunFiles {
@@ -75,14 +77,14 @@ static int WriteScript(RunFiles *pFiles, const char *lpszScript)
 }
 
 // A command that does not fit its buffer is a failed one: the part that fits would be another command.
-static int RunCommand(const ToolTraces &traces, const char *lpszCommand, int nLength)
+static int RunCommand(const ToolTraces &traces, const char (&szCommand)[1024], int nLength)
 {
-	if (nLength < 0 || nLength >= 1024)
+	if (nLength < 0 || nLength >= static_cast<int>(sizeof szCommand))
 		return -1;
-	const int nStatus = system(lpszCommand);
+	const int nStatus = system(szCommand);
 	if (nStatus == 0)
 		return 0;
-	traces.pfnCommandFailed(nStatus, lpszCommand);
+	traces.pfnCommandFailed(nStatus, szCommand);
 	return -1;
 }
 
@@ -99,25 +101,30 @@ int RunTool(const ToolScript &script, const ToolTraces &traces,
 {
 	if (!script.Fits() || !IsConfigured())
 		return -1;
+	TRACE_POSITION();
 	RunFiles files;
 	if (WriteScript(&files, script.Text()) != 0)
 		return -1;
+	TRACE_POSITION();
 	// The tool paints a terminal and wants one that it knows.
 	if (setenv("TERM", "linux", 1) != 0) {
 		OutputDebugString("ERROR! ==> setenv return != 0\n");
 		return -1;
 	}
 
+	TRACE_POSITION();
 	files.bRun = true;
 	char szCommand[1024];
 	int nLength = snprintf(szCommand, sizeof szCommand, "%s <%s >%s", GetCliConfig(), files.szScript,
 	                       files.szRaw);
 	if (RunCommand(traces, szCommand, nLength) != 0)
 		return -1;
+	TRACE_POSITION();
 	nLength = snprintf(szCommand, sizeof szCommand, "%s %s %s", GetFilterScript(), files.szRaw,
 	                   files.szFiltered);
 	if (RunCommand(traces, szCommand, nLength) != 0)
 		return -1;
+	TRACE_POSITION();
 	struct stat status;
 	if (stat(files.szFiltered, &status) != 0) {
 		traces.pfnAnswerMissing(files.szFiltered);
@@ -137,12 +144,13 @@ ToolOutput::~ToolOutput()
 		fclose(m_pFile);
 }
 
-bool ToolOutput::Next()
+bool ToolOutput::Read()
 {
-	if (!fgets(m_szLine, sizeof m_szLine, m_pFile))
+	const bool bRead = fgets(m_szLine, sizeof m_szLine, m_pFile) != nullptr;
+	if (!bRead)
 		m_szLine[0] = '\0';
 	CutOffHeaderString(m_szLine, PAGER_PROMPT, " \t", 1);
-	return m_szLine[0] != '\0';
+	return bRead;
 }
 
 static const ToolError *FindError(const char *lpszLine, const ToolError *pRows, size_t nRows)
@@ -161,15 +169,18 @@ int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn, size_t nOwn)
 	return pRow ? pRow->nCode : OTHER_TOOL_ERROR;
 }
 
-int FindEcho(ToolOutput *pOutput, const char *lpszEcho)
+bool FindEcho(ToolOutput *pOutput, const char *lpszEcho, int *pnError)
 {
+	*pnError = 0;
 	while (pOutput->Next()) {
 		if (Including(pOutput->Line(), lpszEcho))
-			return 0;
-		if (Including(pOutput->Line(), "Command Error"))
-			return CodeOfErrorLine(pOutput->Line());
+			return true;
+		if (Including(pOutput->Line(), "Command Error")) {
+			*pnError = CodeOfErrorLine(pOutput->Line());
+			return false;
+		}
 	}
-	return 0;
+	return false;
 }
 
 bool ToolTable::Next()

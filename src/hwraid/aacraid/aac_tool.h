@@ -62,10 +62,11 @@ public:
 	ToolOutput &operator=(const ToolOutput &) = delete;
 
 	bool IsOpen() const { return m_pFile != nullptr; }
-	// False at the end of the output, and at a line that is cleaned to nothing: a bare newline is
+	// False at the end of the output.
+	bool Read();
+	// False also at a line that is cleaned to nothing, where most tables end: a bare newline is
 	// something.
-	bool Next();
-	bool AtEnd() const { return feof(m_pFile) || ferror(m_pFile); }
+	bool Next() { return Read() && m_szLine[0] != '\0'; }
 	char *Line() { return m_szLine; }
 
 private:
@@ -82,6 +83,8 @@ struct ToolError {
 constexpr int CONTROLLER_UNUSABLE = -100; // wrong, missing or not opened
 constexpr int CONTROLLER_BUSY = -200;     // held by another application
 constexpr int OTHER_TOOL_ERROR = -300;
+// Of several operations.
+constexpr int NO_SUCH_DEVICE = -2; // channel or device
 
 // The errors that every operation knows, tried first and in this order.
 constexpr ToolError CONTROLLER_ERRORS[] = {
@@ -91,8 +94,8 @@ constexpr ToolError CONTROLLER_ERRORS[] = {
 	{"<Another application has opened th", CONTROLLER_BUSY},
 };
 
-// The code of the first row whose text stands anywhere in the line: CONTROLLER_ERRORS, then an operation's own
-// rows. OTHER_TOOL_ERROR when there is none.
+// The code of the first row whose text stands anywhere in the line: CONTROLLER_ERRORS, then an operation's
+// own rows. OTHER_TOOL_ERROR when there is none.
 int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn, size_t nOwn);
 template <size_t rows> int CodeOfErrorLine(const char *lpszLine, const ToolError (&own)[rows])
 {
@@ -103,9 +106,9 @@ inline int CodeOfErrorLine(const char *lpszLine)
 	return CodeOfErrorLine(lpszLine, nullptr, 0);
 }
 
-// Reads up to the echo of the command. 0 at the echo or at the end of the output, or the code of a
-// "Command Error" before it.
-int FindEcho(ToolOutput *pOutput, const char *lpszEcho);
+// Reads up to the echo of the command. False when the output ends before it, or has a "Command Error", whose
+// code *pnError then is.
+bool FindEcho(ToolOutput *pOutput, const char *lpszEcho, int *pnError);
 
 // The rows of a table: what stands between its dashed rule and the blank line or the prompt behind it.
 class ToolTable

@@ -10,8 +10,7 @@
 
 // ---- records ----
 
-// Deliberately formed in 32 bits and only then widened, so that large sizes wrap: agents in the field undo
-// it.
+// Deliberately formed in 32 bits and only then widened, so that large sizes wrap: the interface says so.
 static long long NarrowProduct(int nValue, int nFactor)
 {
 	return static_cast<int>(static_cast<unsigned>(nValue) * static_cast<unsigned>(nFactor));
@@ -28,7 +27,7 @@ static void CopyContainer(const aac_container &from, tagHwRaid *pTo)
 	pTo->nStripeSize = NarrowProduct(from.StripeSize, 1024);
 	pTo->Usage = from.Usage;
 	pTo->nHotSpare = from.HotSpare;
-	// Deliberately cut: the field's first agents showed eight characters.
+	// Deliberately cut to eight characters: the interface says so.
 	snprintf(pTo->szLabel, sizeof pTo->szLabel, "%.8s", from.Label);
 }
 
@@ -200,8 +199,9 @@ int HWRAID__GetItemInfo(const IPMICOMMAND *pCmd, void **ppList, int *pnLength)
 		if (pCmd->nCommand != kind.nQuery && pCmd->nCommand != kind.nQuery + 1)
 			continue;
 		kind.pfnRelease(ppList);
-		if (pCmd->nCommand == kind.nQuery)
-			return kind.pfnQuery(kind.pfnRead(pCmd->szData), ppList, pnLength);
+		if (pCmd->nCommand != kind.nQuery)
+			return 0;
+		return kind.pfnQuery(kind.pfnRead(pCmd->szData), ppList, pnLength);
 	}
 	return 0;
 }
