@@ -2,11 +2,11 @@
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_DIAGNOSIS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_DIAGNOSIS_H
 
-#include "session.h"
+#include "enquiry.h"
 
 #include <string>
 
 /* A line for whoever has to find it out: what stands in the way, or where to look. */
-std::string diagnosis(session &from);
+std::string diagnosis(enquiry &from);
 
 #endif

@@ -33,7 +33,7 @@ static ordered_json object(const cdrom &c)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.ask(CMD_GET_CDROMS), columns, object);
 }

@@ -91,7 +91,7 @@ static ordered_json object(const container &c)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.ask(CMD_GET_CONTAINERS, from.controller().value_or("")), columns, object);
 }

@@ -31,7 +31,7 @@ static ordered_json object(const controller &c)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.controllers(), columns, object);
 }

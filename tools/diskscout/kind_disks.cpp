@@ -58,7 +58,7 @@ static ordered_json object(const disk &d)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.ask(CMD_GET_DISKS), columns, object);
 }

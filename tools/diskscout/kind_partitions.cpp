@@ -59,7 +59,7 @@ static ordered_json object(const partition &p)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.ask(CMD_GET_PARTITIONS), columns, object);
 }

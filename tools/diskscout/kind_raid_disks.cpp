@@ -75,7 +75,7 @@ static ordered_json object(const raid_disk &d)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.raid_disks(), columns, object);
 }

@@ -55,7 +55,7 @@ static ordered_json object(const raid_partition &p)
 	};
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	return answer_of(from.ask(CMD_GET_RAID_PARTITIONS, from.controller().value_or("")), columns, object);
 }

@@ -30,7 +30,7 @@ static std::string argument_for(int disk, const std::string &controller)
 	return std::string(reinterpret_cast<const char *>(&disk), sizeof disk) + controller;
 }
 
-static answer ask(session &from)
+static answer ask(enquiry &from)
 {
 	const std::string controller = from.controller().value_or("");
 	std::vector<free_area> areas;

@@ -6,7 +6,7 @@
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 
-#include "session.h"
+#include "enquiry.h"
 #include "table.h"
 #include "text.h"
 
@@ -39,8 +39,8 @@ struct kind {
 	std::string_view name;    /* in messages, "the ... query" */
 	std::string_view none;    /* what is said in place of an empty table */
 	scope of;
-	/* A kind of one controller is asked for only when the session has one. */
-	answer (*ask)(session &from);
+	/* A kind of one controller is asked for only when the enquiry has one. */
+	answer (*ask)(enquiry &from);
 	std::string_view note = {}; /* under its table, for what its headings cannot say */
 };
 

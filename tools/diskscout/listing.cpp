@@ -8,12 +8,12 @@
 #include <fmt/format.h>
 #include <functional>
 
-static bool lacks_controller(const kind &k, session &from)
+static bool lacks_controller(const kind &k, enquiry &from)
 {
 	return k.of == scope::controller && !from.controller();
 }
 
-static answer ask(const kind &k, session &from)
+static answer ask(const kind &k, enquiry &from)
 {
 	if (!lacks_controller(k, from))
 		return k.ask(from);
@@ -33,7 +33,7 @@ static void complain_about_query(const kind &k, const answer &a)
 using visitor = std::function<void(const kind &k, const answer &a)>;
 
 // Words of the kinds whose query failed.
-static std::vector<std::string_view> ask_all(session &from, const std::vector<const kind *> &kinds,
+static std::vector<std::string_view> ask_all(enquiry &from, const std::vector<const kind *> &kinds,
                                              const visitor &visit)
 {
 	std::vector<std::string_view> failed;
@@ -53,14 +53,14 @@ static std::vector<std::string_view> ask_all(session &from, const std::vector<co
 	return failed;
 }
 
-static std::string heading_of(const kind &k, session &from)
+static std::string heading_of(const kind &k, enquiry &from)
 {
 	if (k.of != scope::controller || lacks_controller(k, from))
 		return fmt::format("{}\n", k.heading);
 	return fmt::format("{} ON {}\n", k.heading, printable(*from.controller()));
 }
 
-static std::string body_of(const kind &k, const answer &a, session &from)
+static std::string body_of(const kind &k, const answer &a, enquiry &from)
 {
 	if (!a.table.empty())
 		return a.table + (k.note.empty() ? "" : fmt::format("{}\n", k.note));
@@ -70,7 +70,7 @@ static std::string body_of(const kind &k, const answer &a, session &from)
 	return fmt::format("{}\n", lacks_controller(k, from) ? controllers_kind.none : k.none);
 }
 
-listing list_as_tables(session &from, const std::vector<const kind *> &kinds)
+listing list_as_tables(enquiry &from, const std::vector<const kind *> &kinds)
 {
 	std::string text;
 	const auto failed = ask_all(from, kinds, [&](const kind &k, const answer &a) {
@@ -79,7 +79,7 @@ listing list_as_tables(session &from, const std::vector<const kind *> &kinds)
 	return {text, failed.empty()};
 }
 
-listing list_as_json(session &from, const std::vector<const kind *> &kinds)
+listing list_as_json(enquiry &from, const std::vector<const kind *> &kinds)
 {
 	ordered_json document = {{"format", 1}};
 	const auto is_of_one = [](const kind *k) { return k->of == scope::controller; };

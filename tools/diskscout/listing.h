@@ -10,7 +10,7 @@ struct listing {
 	bool complete;
 };
 
-listing list_as_tables(session &from, const std::vector<const kind *> &kinds);
-listing list_as_json(session &from, const std::vector<const kind *> &kinds);
+listing list_as_tables(enquiry &from, const std::vector<const kind *> &kinds);
+listing list_as_json(enquiry &from, const std::vector<const kind *> &kinds);
 
 #endif

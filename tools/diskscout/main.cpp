@@ -18,7 +18,7 @@ static int show(const plugin &from, const options &opts)
 {
 	if (!opts.config.empty())
 		from.set_configuration(opts.config);
-	session asked(from, opts.controller);
+	enquiry asked(from, opts.controller);
 	const listing shown = opts.json ? list_as_json(asked, opts.kinds) : list_as_tables(asked, opts.kinds);
 	const bool written = write_output(shown.text);
 	return shown.complete && written ? STATUS_FINE : STATUS_FAILED;

@@ -1,32 +1,32 @@
 // What one run asks the plug-in.
-#include "session.h"
+#include "enquiry.h"
 
 #include "text.h"
 
-session::session(const plugin &from, std::string controller) : m_plugin(from), m_named(std::move(controller))
+enquiry::enquiry(const plugin &from, std::string controller) : m_plugin(from), m_named(std::move(controller))
 {
 }
 
-item_list session::ask(UINT query, const std::string &argument) const
+item_list enquiry::ask(UINT query, const std::string &argument) const
 {
 	return {m_plugin, query, argument};
 }
 
-const item_list &session::controllers()
+const item_list &enquiry::controllers()
 {
 	if (!m_controllers)
 		m_controllers.emplace(m_plugin, CMD_GET_CONTROLLERS);
 	return *m_controllers;
 }
 
-const item_list &session::raid_disks()
+const item_list &enquiry::raid_disks()
 {
 	if (!m_raid_disks)
 		m_raid_disks.emplace(m_plugin, CMD_GET_RAID_DISKS, controller().value_or(""));
 	return *m_raid_disks;
 }
 
-std::optional<std::string> session::controller()
+std::optional<std::string> enquiry::controller()
 {
 	if (!m_named.empty())
 		return m_named;

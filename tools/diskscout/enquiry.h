@@ -1,17 +1,17 @@
 /* What one run asks the plug-in. Lists that several kinds need are asked for once. */
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_SESSION_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_SESSION_H
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 
 #include "plugin.h"
 
 #include <optional>
 #include <string>
 
-class session
+class enquiry
 {
 public:
 	/* The controller is named by the caller of the program; empty: the first one of the list. */
-	session(const plugin &from, std::string controller);
+	enquiry(const plugin &from, std::string controller);
 
 	item_list ask(UINT query, const std::string &argument = {}) const;
 	/* One run of the controller tool each, at the first call. */
