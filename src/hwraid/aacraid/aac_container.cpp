@@ -37,8 +37,9 @@ static void AddClosing(ToolScript *pScript)
 
 static void AddFailoverCommand(ToolScript *pScript, const char *lpszVerb, int nContainerID, int nC_ID_L)
 {
-	pScript->Add("container %s failover %d (%d,%d,%d)\n", lpszVerb, nContainerID,
-	             GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L));
+	pScript->Add("container %s failover %d ", lpszVerb, nContainerID);
+	pScript->AddAddress(nC_ID_L);
+	pScript->Add("\n");
 }
 
 // ---- answers that are an error or nothing ----

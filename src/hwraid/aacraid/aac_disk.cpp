@@ -91,10 +91,8 @@ int Aac_Get_Disk_List(const char *lpszControllerName, aac_disk **pHead)
 	ToolScript script;
 	script.Add("open %s\ndisk list /full=true\n                                          \n    \nexit\n",
 	           lpszControllerName);
-	const int nResult = RunTool(script, DISK_TRACES, [pHead](const char *lpszFile) {
-		const int nParsed = AnalyzeDiskFile(lpszFile, pHead);
-		OutputDebugString("AnalyzeDiskFile Return value is %d\n", nParsed);
-		return nParsed;
+	const int nResult = RunOnDisks(script, "AnalyzeDiskFile", [pHead](const char *lpszFile) {
+		return AnalyzeDiskFile(lpszFile, pHead);
 	});
 	return nResult == 0 ? CountRecords(*pHead) : nResult;
 }
@@ -147,15 +145,12 @@ static const char *TrueOrFalse(int nFlag)
 int Aac_Disk_Initialize(const char *lpszControllerName, int nAlways, int nUnconditional, int nC_ID_L)
 {
 	ToolScript script;
-	script.Add("open %s\ndisk initialize /always=%s /unconditional=%s (%d,%d,%d)\n"
-	           "                                          \n    \n  \n  \n  \n  \n  exit\n        \n",
-	           lpszControllerName, TrueOrFalse(nAlways), TrueOrFalse(nUnconditional),
-	           GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L));
-	return RunTool(script, DISK_TRACES, [](const char *lpszFile) {
-		const int nParsed = AnalyzeDiskInitializeFile(lpszFile);
-		OutputDebugString("AnalyzeDiskInitializeFile Return value is %d\n", nParsed);
-		return nParsed;
-	});
+	script.Add("open %s\ndisk initialize /always=%s /unconditional=%s ", lpszControllerName,
+	           TrueOrFalse(nAlways), TrueOrFalse(nUnconditional));
+	script.AddAddress(nC_ID_L);
+	script.Add("\n                                          \n    \n  \n  \n  \n  \n  exit\n        \n");
+	return RunOnDisks(script, "AnalyzeDiskInitializeFile",
+	                  [](const char *lpszFile) { return AnalyzeDiskInitializeFile(lpszFile); });
 }
 
 // ---- disk show defect ----
@@ -199,13 +194,10 @@ int Aac_Disk_Show_Defect(const char *lpszControllerName, int nC_ID_L, int *pnPri
 	*pnPrimary = -1;
 	*pnGrown = -1;
 	ToolScript script;
-	script.Add("open %s\ndisk show defect (%d,%d,%d)\n"
-	           "                                            \n    \nexit\n        \n",
-	           lpszControllerName, GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L),
-	           GetLunFromC_ID_L(nC_ID_L));
-	return RunTool(script, DISK_TRACES, [pnPrimary, pnGrown](const char *lpszFile) {
-		const int nParsed = AnalyzeDiskShowDefectFile(lpszFile, pnPrimary, pnGrown);
-		OutputDebugString("AnalyzeDiskShowDefectFile Return value is %d\n", nParsed);
-		return nParsed;
+	script.Add("open %s\ndisk show defect ", lpszControllerName);
+	script.AddAddress(nC_ID_L);
+	script.Add("\n                                            \n    \nexit\n        \n");
+	return RunOnDisks(script, "AnalyzeDiskShowDefectFile", [pnPrimary, pnGrown](const char *lpszFile) {
+		return AnalyzeDiskShowDefectFile(lpszFile, pnPrimary, pnGrown);
 	});
 }

@@ -96,14 +96,12 @@ int Aac_Disk_Show_Space(const char *lpszControllerName, int nC_ID_L, aac_space *
 	const int nID = GetIDFromC_ID_L(nC_ID_L);
 	const int nLun = GetLunFromC_ID_L(nC_ID_L);
 	ToolScript script;
-	script.Add("open %s\ndisk show space (%d,%d,%d)\n"
-	           "                                            \n    \nexit\n        \n",
-	           lpszControllerName, nChannel, nID, nLun);
-	const int nResult = RunTool(script, DISK_TRACES, [=](const char *lpszFile) {
-		const int nParsed = AnalyzeDiskShowSpaceFile(lpszFile, nChannel, nID, nLun, pHead);
-		// Deliberately in the words of the defect operation: the trace's text is fixed.
-		OutputDebugString("AnalyzeDiskShowDefectFile Return value is %d\n", nParsed);
-		return nParsed;
+	script.Add("open %s\ndisk show space ", lpszControllerName);
+	script.AddAddress(nC_ID_L);
+	script.Add("\n                                            \n    \nexit\n        \n");
+	// Traced deliberately in the words of the defect operation: the text is fixed.
+	const int nResult = RunOnDisks(script, "AnalyzeDiskShowDefectFile", [=](const char *lpszFile) {
+		return AnalyzeDiskShowSpaceFile(lpszFile, nChannel, nID, nLun, pHead);
 	});
 	return nResult == 0 ? CountRecords(*pHead) : nResult;
 }
@@ -187,10 +185,8 @@ int Aac_Disk_Show_Partition(const char *lpszControllerName, aac_partition **pHea
 	script.Add("open %s\ndisk show partition\n"
 	           "                \n    \n     \n    \n       \n      \n    \nexit\n",
 	           lpszControllerName);
-	const int nResult = RunTool(script, DISK_TRACES, [pHead](const char *lpszFile) {
-		const int nParsed = AnalyzePartitionFile(lpszFile, pHead);
-		OutputDebugString("AnalyzePartitionFile Return value is %d\n", nParsed);
-		return nParsed;
+	const int nResult = RunOnDisks(script, "AnalyzePartitionFile", [pHead](const char *lpszFile) {
+		return AnalyzePartitionFile(lpszFile, pHead);
 	});
 	return nResult == 0 ? CountRecords(*pHead) : nResult;
 }

@@ -40,15 +40,9 @@ static void AddQuickInit(ToolScript *pScript, int nQuick_init)
 		pScript->Add("/quick_init=true ");
 }
 
-static void AddAddress(ToolScript *pScript, int nC_ID_L)
-{
-	pScript->Add("(%d,%d,%d)", GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L),
-	             GetLunFromC_ID_L(nC_ID_L));
-}
-
 static void AddDisk(ToolScript *pScript, int nC_ID_L)
 {
-	AddAddress(pScript, nC_ID_L);
+	pScript->AddAddress(nC_ID_L);
 	pScript->Add(" ");
 }
 
@@ -56,7 +50,7 @@ static void AddDisk(ToolScript *pScript, int nC_ID_L)
 static void AddFirstDisk(ToolScript *pScript, int nC_ID_L, int nSpace)
 {
 	pScript->Add("(");
-	AddAddress(pScript, nC_ID_L);
+	pScript->AddAddress(nC_ID_L);
 	if (IsGiven(nSpace))
 		pScript->Add(",%dM", nSpace);
 	pScript->Add(") ");
@@ -172,7 +166,7 @@ int Aac_Create_Raid5(const char *lpszControllerName, const char *lpszLabel, int 
 	AddFirstDisk(&script, nC_ID_L1, nSpace);
 	AddDisk(&script, nC_ID_L2);
 	// Deliberately no blank behind it: a fourth disk follows directly.
-	AddAddress(&script, nC_ID_L3);
+	script.AddAddress(nC_ID_L3);
 	va_list further;
 	va_start(further, nC_ID_L3);
 	AddFurther(&script, further, AddDisk);

@@ -24,6 +24,11 @@ void ToolScript::Add(const char *lpszFormat, ...)
 	m_nLength = nAdded < 0 ? sizeof m_szText : m_nLength + static_cast<size_t>(nAdded);
 }
 
+void ToolScript::AddAddress(int nC_ID_L)
+{
+	Add("(%d,%d,%d)", GetChannelFromC_ID_L(nC_ID_L), GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L));
+}
+
 const ToolTraces COMMAND_TRACES = {
 	[](int nStatus, const char *lpszCommand) {
 		OutputDebugString("system call return = %d, szCommandLine= %s\n", nStatus, lpszCommand);

@@ -13,6 +13,7 @@ class ToolScript
 public:
 	ToolScript() { m_szText[0] = '\0'; }
 	__attribute__((format(printf, 2, 3))) void Add(const char *lpszFormat, ...);
+	void AddAddress(int nC_ID_L); // "(channel,ID,LUN)", decimal
 	// False once something did not fit: such a script is never run.
 	bool Fits() const { return m_nLength < sizeof m_szText; }
 	const char *Text() const { return m_szText; }
