@@ -16,6 +16,12 @@ struct defect_row_t {
 	int grown;
 };
 
+// For a test's name in a report; of its bytes some are padding.
+void PrintTo(const defect_row_t &row, std::ostream *stream)
+{
+	*stream << row.what;
+}
+
 const std::string PAGER = "( <SPACEBAR>:next screen, <Enter>:next line, <C>:Continous, <Q>:Quit Early )";
 
 const defect_row_t ROWS[] = {

@@ -66,6 +66,12 @@ def test_mirror_is_checked_in_the_background(tool):
     assert tool.answer("task list")[2:] == ["  101   Bld/Vfy  20.0%      1      RUN   00000000  00000000"]
 
 
+def test_a_blank_follows_the_longest_task_name(tool):
+    line = "task id=101 function=Reconfig done=1000 step=0 container=0 state=SUS"
+    tool.replace("controller name=aac1", line + "\ncontroller name=aac1")
+    assert tool.answer("task list")[2:] == ["  101   Reconfig 100.0%      0      SUS   00000000  00000000"]
+
+
 def test_quick_mirror_has_no_task(tool):
     tool.answer("container create new_mirror /quick_init=true ((0,2,0),1024M) (0,3,0) ")
     assert tool.answer("task list")[2:] == []

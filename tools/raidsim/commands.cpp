@@ -43,7 +43,7 @@ static void task_list(context &at, const command &what)
 	at.answer = {"TaskId Function  Done%  Container State Specific1 Specific2",
 	             "------ -------- ------- --------- ----- --------- ---------"};
 	for (const task &t : at.open_controller().tasks) {
-		at.answer.push_back(fmt::format("{:>5}   {:<8}{:>3}.{}% {:>6}      {:<5} {:08x}  {:08x}",
+		at.answer.push_back(fmt::format("{:>5}   {:<7} {:>3}.{}% {:>6}      {:<5} {:08x}  {:08x}",
 		                                t.id, t.function, t.done / 10, t.done % 10, t.container,
 		                                t.state, 0, 0));
 	}
