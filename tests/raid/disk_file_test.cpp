@@ -105,6 +105,12 @@ struct answer_t {
 	std::string name;
 };
 
+// For a test's name in a report; of its bytes some are not set.
+void PrintTo(const answer_t &answer, std::ostream *stream)
+{
+	*stream << answer.kind->directory << ' ' << answer.name;
+}
+
 std::vector<answer_t> answers()
 {
 	std::vector<answer_t> found;

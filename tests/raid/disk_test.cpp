@@ -57,6 +57,12 @@ struct operation_t {
 	const char *failed; // what the trace says of a parser's failure
 };
 
+// For a test's name in a report; of its bytes some are not set.
+void PrintTo(const operation_t &operation, std::ostream *stream)
+{
+	*stream << operation.name;
+}
+
 const operation_t OPERATIONS[] = {
 	{"list", [](const char *name) { return run_list(Aac_Get_Disk_List, Aac_Clear_Disk_List, name); },
          "disk list /full=true\n" + blanks(42) + blanks(4) + "exit\n", nullptr},

@@ -28,6 +28,12 @@ struct initialize_row_t {
 	int result;
 };
 
+// For a test's name in a report; of its bytes some are not set.
+void PrintTo(const initialize_row_t &row, std::ostream *stream)
+{
+	*stream << row.what;
+}
+
 const initialize_row_t ROWS[] = {
 	{"success", OPEN + "\nAAC0>\n" + INIT + "\nAAC0>\nExecuting: exit\n", 0},
 	{"success_with_words", OPEN + "\nAAC0>\n" + INIT + "Disk initialized\n", 0},

@@ -96,6 +96,12 @@ struct query_t {
 	size_t next_offset;
 };
 
+// For a test's name in a report; of its bytes some are not set.
+void PrintTo(const query_t &query, std::ostream *stream)
+{
+	*stream << query.name;
+}
+
 const std::string CONTAINERS = "Executing: open \"aac0\"\n\nAAC0>\nExecuting: container list\n"
 			       "Num          Total  Oth Stripe          Scsi   Partition\n"
 			       "Label Type   Size   Ctr Size   Usage   C:ID:L Offset:Size\n"

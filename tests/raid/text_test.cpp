@@ -55,6 +55,12 @@ struct change_row_t {
 	const char *expected;
 };
 
+// For reports; of the bytes of a row some are not set.
+void PrintTo(const change_row_t &row, std::ostream *stream)
+{
+	*stream << row.text;
+}
+
 class TailSpace : public testing::TestWithParam<change_row_t>
 {
 };
@@ -159,6 +165,11 @@ struct piece_row_t {
 	const char *expected; // null: a null pointer
 };
 
+void PrintTo(const piece_row_t &row, std::ostream *stream)
+{
+	*stream << (row.text ? row.text : "null");
+}
+
 class Piece : public testing::TestWithParam<piece_row_t>
 {
 };
@@ -205,6 +216,11 @@ struct error_row_t {
 	std::string text;
 	int code;
 };
+
+void PrintTo(const error_row_t &row, std::ostream *stream)
+{
+	*stream << row.text;
+}
 
 class CommonError : public testing::TestWithParam<error_row_t>
 {
