@@ -188,7 +188,7 @@ int nodeGetUsage(const char *lpszSingleLine, aac_container *node)
 
 // ---- members ----
 
-// 0:0a:0, up to the second colon with a decimal channel or to the end.
+// What follows the channel in 0:0a:0, up to the second colon.
 static bool IsAddressHead(const char *p)
 {
 	return p[1] == ':' && IsHexDigit(p[2]) && IsHexDigit(p[3]) && p[4] == ':';
