@@ -8,7 +8,12 @@
 
 int fdopen_ro(const char *path)
 {
-	return open(path, O_RDONLY | O_CLOEXEC);
+	return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+}
+
+int fdopen_rw(const char *path)
+{
+	return open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK);
 }
 
 int fdseeks(int fd, unsigned long sector)
@@ -29,6 +34,19 @@ int fdread_buf(int fd, void *buf, unsigned long len)
 		if (got > 0)
 			done += static_cast<unsigned long>(got);
 		else if (got == 0 || errno != EINTR)
+			return -1;
+	}
+	return 0;
+}
+
+int fdwrite_buf(int fd, const void *buf, unsigned long len)
+{
+	unsigned long done = 0;
+	while (done < len) {
+		const ssize_t put = write(fd, static_cast<const char *>(buf) + done, len - done);
+		if (put > 0)
+			done += static_cast<unsigned long>(put);
+		else if (put == 0 || errno != EINTR)
 			return -1;
 	}
 	return 0;

@@ -1,6 +1,9 @@
 #include "hdd/sal/src/0/fs.h"
 
+#include "hdd/sal/src/0/fd.h"
 #include "hdd/sal/src/0/str.h"
+
+#include <unistd.h>
 
 // Part of every line read and of every close: what the host has printed so far appears before whatever
 // follows from the reading.
@@ -11,7 +14,12 @@ static void flush_all()
 
 FILE *fsopen_ro(const char *path)
 {
-	return fopen(path, "re");
+	// Opened as devices are: some paths come from outside, and a pipe must not hold the host.
+	const int fd = fdopen_ro(path);
+	FILE *fs = fd >= 0 ? fdopen(fd, "r") : nullptr;
+	if (fd >= 0 && !fs)
+		close(fd);
+	return fs;
 }
 
 int fsclose(FILE *fs)

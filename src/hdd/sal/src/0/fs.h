@@ -4,7 +4,7 @@
 
 #include "hdd/sal/src/0/def.h"
 
-FILE *fsopen_ro(const char *path); // null on failure
+FILE *fsopen_ro(const char *path); // null on failure; does not wait for a pipe's other end
 // Flushes all output streams, then closes fs. Returns what closing returned: 0, or EOF.
 int fsclose(FILE *fs);
 // Zeroes the line_t, then reads at most 1023 characters up to and including a newline, and flushes all

@@ -12,6 +12,7 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 // Minors that one disk takes: itself and its partitions.
@@ -155,6 +156,24 @@ int get_device_idlun(int fd, idlun_t *idlun)
 	idlun->channel = static_cast<uint8_t>(answer.address >> 16);
 	idlun->lun = static_cast<uint8_t>(answer.address >> 8);
 	idlun->id = static_cast<uint8_t>(answer.address);
+	return 0;
+}
+
+// Divided as a signed number: a count of bytes beyond 63 bits is negative and shows as a huge size.
+static size32_t bytes_to_units(uint64_t bytes)
+{
+	return static_cast<size32_t>(static_cast<size64_t>(bytes) / 512);
+}
+
+int get_volspace(const char *path, volspace_t *space)
+{
+	*space = {};
+	struct statfs status;
+	if (statfs(path, &status) != 0)
+		return -1;
+	const auto block_size = static_cast<uint64_t>(status.f_bsize);
+	space->total = bytes_to_units(block_size * status.f_blocks);
+	space->free = bytes_to_units(block_size * status.f_bfree);
 	return 0;
 }
 

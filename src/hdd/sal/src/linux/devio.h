@@ -1,4 +1,5 @@
-// Block devices: their canonical names, their nodes, and what they answer when asked directly.
+// Block devices: their canonical names, their nodes, and what they and the file systems on them answer when
+// asked directly.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_DEVIO_H
 #define DISKSCOUT_HDD_SAL_LINUX_DEVIO_H
 
@@ -17,6 +18,9 @@ int get_device_size(int fd, unsigned long *size);
 int get_device_geometry(int fd, hdgeo_t *geo);
 // SCSI address (SCSI_IOCTL_GET_IDLUN). 0, or -1 with *idlun all zero.
 int get_device_idlun(int fd, idlun_t *idlun);
+
+// Space of the mounted file system that the path lies in (statfs). 0, or -1 with *space all zero.
+int get_volspace(const char *path, volspace_t *space);
 
 // Whole seconds since boot (/proc/uptime), or -1.
 int get_uptime();

@@ -173,7 +173,7 @@ int read_raidtab_devlist(const char *path, raidtab_devlist_t *list, filter_func_
 	while (fsread_line(file.get(), line) == 0)
 		if (take_line(&state, str_trim(line)) != 0)
 			return -1;
-	return 0;
+	return file.failed() ? -1 : 0;
 }
 
 static void dump_disks(const char *kind, const raidtab_subdevlist_t &disks)

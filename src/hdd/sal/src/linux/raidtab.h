@@ -43,8 +43,8 @@ struct raidtab_devlist_t {
 };
 typedef raidtab_devlist_t raidtab_t;
 
-// 0, or -1 when the file cannot be opened or declares more than 16 arrays (the first 16 are kept). The
-// filter and its argument are accepted and not used. A disk slot outside 0 to 7, or taken twice, ends the
+// 0, or -1 when the file cannot be opened or read or declares more than 16 arrays (the first 16 are kept).
+// The filter and its argument are accepted and not used. A disk slot outside 0 to 7, or taken twice, ends the
 // process with status -1 after a message on standard error.
 int read_raidtab_devlist(const char *path, raidtab_devlist_t *list, filter_func_t filter, void *arg);
 

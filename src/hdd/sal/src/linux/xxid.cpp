@@ -4,6 +4,11 @@
 
 #include <uuid/uuid.h>
 
+void xxid_generate(unsigned char *id)
+{
+	uuid_generate(id);
+}
+
 int xxid_unparse(const unsigned char *id, char *text)
 {
 	b0_str(text);
