@@ -253,6 +253,7 @@ const std::vector<Parser> PARSERS = {
 	{"partitions", check_partitions},
 	{"tasks", check_tasks},
 	{"text", check_text},
+	{"mdstat", check_mdstat},
 };
 
 const Parser *find_parser(const std::string &name)

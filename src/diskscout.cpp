@@ -1,10 +1,14 @@
-// The boundary: each command code goes to its provider, null arguments and unknown codes go nowhere.
+// The boundary: each command code goes to its provider, null arguments and unknown codes go nowhere; the
+// diagnostic command line goes to its tree or to the console.
 #include "diskscout.h"
 
+#include "hdd/cli.h"
 #include "hdd/hdd.h"
+#include "hwraid/aac_mycli/aac_mycli.h"
 #include "hwraid/aacraid/hsa_20_need.h"
 
 #include <stdio.h>
+#include <string.h>
 
 int memory_counter_hdd;
 // Nothing changes this one: the hardware RAID side deliberately does not count its records.
@@ -53,9 +57,32 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 	}
 }
 
-int stcli(int, char **, int)
+// Whether the command line can be walked: its handlers look at every word.
+static bool has_words(int argc, char **argv, int start)
+{
+	if (!argv || start < 0 || start >= argc)
+		return false;
+	for (int i = start; i < argc; i++)
+		if (!argv[i])
+			return false;
+	return true;
+}
+
+int stcli(int argc, char **argv, int ZERO)
 {
 	fputs("stcli: Hello world!\n", stderr);
-	fputs("stcli error: invalid cli command.\n", stderr);
-	return -1;
+	if (argc > 1 && argv && argv[1] && strcmp(argv[1], "hwraid") == 0) {
+		call_mycli();
+		fputs("stcli: Ok!\n", stderr);
+		return 0;
+	}
+
+	int result = 0;
+	const int ret = has_words(argc, argv, ZERO) ? cli_hdd(argc, argv, ZERO, &result) : 0;
+	if (result == 0) {
+		fputs("stcli error: invalid cli command.\n", stderr);
+		return -1;
+	}
+	fputs(ret == 0 ? "stcli: Ok!\n" : "stcli error: operation failed.\n", stderr);
+	return ret == 0 ? 0 : -1;
 }

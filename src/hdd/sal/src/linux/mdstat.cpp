@@ -1,0 +1,296 @@
+// /proc/mdstat, up to three lines an array and a blank one between them:
+//
+//   md0 : active raid1 sdb1[1] sda1[0](F)
+//         130944 blocks [2/1] [_U]
+//         [==>..................]  recovery = 12.6% (16512/130944) finish=0.3min speed=5504K/sec
+//
+// A member is a device, its role in brackets, and marks: (F) failed, (S) spare. A device that the kernel has
+// no name for stands as [dev 08:11]. Blocks are of 1024 bytes.
+#include "hdd/sal/src/linux/mdstat.h"
+
+#include "hdd/sal/src/0/fs.h"
+#include "hdd/sal/src/0/list.h"
+#include "hdd/sal/src/0/str.h"
+#include "hdd/sal/src/linux/devio.h"
+
+#include <limits.h>
+
+// ---- pieces of a line ----
+
+static bool begins_with_digit(std::string_view text)
+{
+	return !text.empty() && text[0] >= '0' && text[0] <= '9';
+}
+
+// The number at the text's start. False when there is none.
+static bool take_number(std::string_view *text, int64_t *value)
+{
+	return begins_with_digit(*text) && str_next_int(text, value);
+}
+
+static bool take_int(std::string_view *text, int *value)
+{
+	int64_t number;
+	if (!take_number(text, &number))
+		return false;
+	*value = number > INT_MAX ? INT_MAX : static_cast<int>(number);
+	return true;
+}
+
+static void skip_blanks(std::string_view *text)
+{
+	while (!text->empty() && (text->front() == ' ' || text->front() == '\t'))
+		text->remove_prefix(1);
+}
+
+// What follows the first such character; empty, without data, when there is none.
+static std::string_view behind(std::string_view text, char c)
+{
+	const size_t position = text.find(c);
+	return position == std::string_view::npos ? std::string_view() : str_columns(text, position + 1);
+}
+
+// ---- the array line ----
+
+struct level_t {
+	std::string_view word;
+	char level;
+};
+
+static constexpr level_t LEVELS[] = {{"linear", 'l'}, {"raid0", '0'}, {"raid1", '1'}, {"raid5", '5'}};
+
+// Takes "active" or "inactive" and the level. 0, or -1.
+static int take_state(std::string_view *text, mdstat_dev_t *dev)
+{
+	std::string_view word;
+	str_next_word(text, &word);
+	dev->active = str_begins(word, "active");
+	if (!dev->active && !str_begins(word, "inactive"))
+		return -1;
+
+	std::string_view rest = *text;
+	str_next_word(&rest, &word);
+	for (const level_t &row : LEVELS) {
+		if (!str_begins(word, row.word))
+			continue;
+		dev->mdlevel = row.level;
+		*text = rest;
+		return 0;
+	}
+	// An array that is not running may tell no level: its members follow at once.
+	return dev->active ? -1 : 0;
+}
+
+struct member_t {
+	std::string_view device;
+	int role;
+	bool faulty;
+};
+
+// Splits the member at the text's start into its device and what follows the bracket before its role.
+static bool split_member(std::string_view text, std::string_view *device, std::string_view *role)
+{
+	constexpr std::string_view NAMELESS = "[dev ";
+	if (str_begins(text, "[")) {
+		const std::string_view inside = str_columns(text, NAMELESS.size());
+		const size_t end = inside.find(']');
+		if (end == std::string_view::npos)
+			return false;
+		*device = str_columns(inside, 0, end);
+		*role = behind(str_columns(inside, end), '[');
+		return role->data() != nullptr;
+	}
+	const size_t end = text.find_first_of("[ \t");
+	if (end == std::string_view::npos || text[end] != '[')
+		return false;
+	*device = str_columns(text, 0, end);
+	*role = str_columns(text, end + 1);
+	return true;
+}
+
+// Takes one member off the text. False at its end, and at anything that is no member.
+static bool take_member(std::string_view *text, member_t *member)
+{
+	constexpr std::string_view FAULTY = "(F)";
+	std::string_view rest;
+	skip_blanks(text);
+	if (!split_member(*text, &member->device, &rest) || !take_int(&rest, &member->role))
+		return false;
+	const size_t blank = rest.find_first_of(" \t");
+	const std::string_view marks = str_columns(rest, 0, blank);
+	member->faulty =
+		marks.size() >= FAULTY.size() && str_columns(marks, marks.size() - FAULTY.size()) == FAULTY;
+	*text = str_columns(rest, marks.size());
+	return true;
+}
+
+static int add_member(mdstat_subdevlist_t *list, const member_t &member)
+{
+	fname_t device;
+	CLEARED_BY_CALLEE mdstat_subdev_t subdev;
+	b0(&subdev, sizeof subdev);
+	str_copy(device, member.device);
+	if (ok_devname(device, subdev.name) != 0)
+		return -1;
+	subdev.faulty = member.faulty;
+	list->nr_faulty += subdev.faulty;
+	return list_add(list, member.role, subdev);
+}
+
+static int parse_array_line(mdstat_dev_t *dev, std::string_view line)
+{
+	std::string_view number = str_columns(line, 2);
+	take_int(&number, &dev->mdminor);
+	std::string_view text = behind(line, ':');
+	if (!text.data() || take_state(&text, dev) != 0)
+		return -1;
+
+	list_clear(&dev->subdevlist);
+	dev->subdevlist.parent = dev;
+	int result = 0;
+	member_t member;
+	while (take_member(&text, &member))
+		if (add_member(&dev->subdevlist, member) != 0)
+			result = -1;
+
+	dev->nr_faulty = dev->subdevlist.nr_faulty;
+	if (dev->mdlevel == 'l' || dev->mdlevel == '0') {
+		dev->nr_original = dev->subdevlist.num_real;
+		dev->nr_normal = dev->subdevlist.num_real;
+	}
+	return result;
+}
+
+// ---- the lines below ----
+
+static int parse_size_line(mdstat_dev_t *dev, std::string_view line)
+{
+	int64_t blocks;
+	skip_blanks(&line);
+	if (!take_number(&line, &blocks))
+		return -1;
+	dev->size = static_cast<size32_t>(blocks) * 2;
+
+	std::string_view counts = behind(line, '[');
+	take_int(&counts, &dev->nr_original);
+	counts = behind(counts, '/');
+	take_int(&counts, &dev->nr_normal);
+	const std::string_view status = behind(counts, '[');
+	const size_t end = status.find(']');
+	if (end != std::string_view::npos)
+		str_copy(dev->status, str_columns(status, 0, end));
+	return 0;
+}
+
+// "12.6%" as 126: one digit behind the point counts.
+static int take_tenths(std::string_view text)
+{
+	int whole = 0;
+	int tenths = 0;
+	take_int(&text, &whole);
+	if (str_begins(text, "."))
+		text.remove_prefix(1);
+	else
+		text = {};
+	text = str_columns(text, 0, 1);
+	take_int(&text, &tenths);
+	return whole > (INT_MAX - tenths) / 10 ? INT_MAX : whole * 10 + tenths;
+}
+
+static int parse_progress_line(mdstat_dev_t *dev, std::string_view line)
+{
+	static constexpr std::string_view WORDS[] = {"resync", "recovery"};
+	const size_t at[] = {line.find(WORDS[0]), line.find(WORDS[1])};
+	const bool is_recovery = at[0] == std::string_view::npos;
+	if (is_recovery == (at[1] == std::string_view::npos))
+		return 0;
+
+	const int found = is_recovery ? 1 : 0;
+	std::string_view text = str_columns(line, at[found] + WORDS[found].size());
+	skip_blanks(&text);
+	if (!str_begins(text, "="))
+		return -1;
+	text.remove_prefix(1);
+	skip_blanks(&text);
+	dev->resync_type = found + 1;
+	dev->resync_progress = take_tenths(text);
+	return 0;
+}
+
+// ---- arrays ----
+
+static std::string_view line_text(const char *line)
+{
+	return str_cut(std::string_view(line, strnlen(line, LINE_SIZE)));
+}
+
+int parse_mdstat_dev(mdstat_dev_t *dev, filter_func_t filter, void *arg, char lines[][LINE_SIZE])
+{
+	b0(dev, sizeof *dev);
+	const bool parsed = parse_array_line(dev, line_text(lines[0])) == 0 &&
+	                    parse_size_line(dev, line_text(lines[1])) == 0 &&
+	                    parse_progress_line(dev, line_text(lines[2])) == 0;
+	if (parsed && keeps(filter, dev, arg))
+		dev->tag = 1;
+	else
+		b0(dev, sizeof *dev);
+	return parsed ? 0 : -1;
+}
+
+// Parses an array into the next free slot. 0, or -1 when it is malformed or there is none.
+static int add_array(mdstat_devlist_t *list, filter_func_t filter, void *arg, char lines[][LINE_SIZE])
+{
+	CLEARED_BY_CALLEE mdstat_dev_t surplus;
+	mdstat_dev_t *slot = list_open(list, LIST_FIRST_FREE);
+	mdstat_dev_t *dev = slot ? slot : &surplus;
+	if (parse_mdstat_dev(dev, filter, arg, lines) != 0)
+		return -1;
+	if (dev->tag == 0)
+		return 0;
+	if (!slot)
+		return -1;
+	list_keep(list, slot);
+	return 0;
+}
+
+int parse_mdstat_devlist(mdstat_devlist_t *list, filter_func_t filter, void *arg)
+{
+	list_clear(list);
+	const Stream table(fsopen_ro(PMDSTAT_PATH));
+	if (!table)
+		return -1;
+
+	int result = 0;
+	line_t lines[3];
+	while (fsread_line(table.get(), lines[0]) == 0) {
+		if (!str_begins(lines[0], "md"))
+			continue;
+		// Without progress the third one is the blank line.
+		fsread_line(table.get(), lines[1]);
+		fsread_line(table.get(), lines[2]);
+		if (add_array(list, filter, arg, lines) != 0)
+			result = -1;
+	}
+	return table.failed() ? -1 : result;
+}
+
+static void dump_members(const mdstat_subdevlist_t &members)
+{
+	fprintf(stderr, "    subdev(num=%d,num_real=%d):", members.num, members.num_real);
+	for (const mdstat_subdev_t &member : live_items(members))
+		fprintf(stderr, " %s[%d]%s", member.name, member.index, member.faulty ? "(F)" : "");
+	fputs("\n", stderr);
+}
+
+void display_mdstat_devlist(const mdstat_devlist_t *list)
+{
+	dump_list_head(list);
+	for (const mdstat_dev_t &dev : live_items(*list)) {
+		dump_item_head(dev);
+		fprintf(stderr, "md%d: %s %c %10d [%d/%d](F%d) %s %d.%d%%%d\n", dev.mdminor,
+		        dev.active ? "active  " : "inactive", dev.mdlevel, static_cast<int>(dev.size),
+		        dev.nr_original, dev.nr_normal, dev.nr_faulty, dev.status, dev.resync_progress / 10,
+		        dev.resync_progress % 10, dev.resync_type);
+		dump_members(dev.subdevlist);
+	}
+}
