@@ -243,6 +243,25 @@ REPLAY_CALL int mknod(const char *path, mode_t mode, dev_t number) __THROW
 	return mknodat(AT_FDCWD, path, mode, number);
 }
 
+REPLAY_CALL int mkdirat(int directory, const char *path, mode_t mode) __THROW
+{
+	place at;
+	if (must_fail(CALL_MKDIR))
+		return -1;
+	find_place(path, KEEP_LINK, &at);
+	if (at.kind == RUNNING)
+		return REPLAY_REAL(mkdirat)(directory, path, mode);
+	if (at.kind == DEVICE_IN_HOST || REPLAY_REAL(access)(at.stored, F_OK) == 0)
+		return refuse(EEXIST);
+	log_mkdir(at.shown, mode);
+	return 0;
+}
+
+REPLAY_CALL int mkdir(const char *path, mode_t mode) __THROW
+{
+	return mkdirat(AT_FDCWD, path, mode);
+}
+
 REPLAY_CALL int unlink(const char *path) __THROW
 {
 	place at;

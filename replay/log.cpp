@@ -120,6 +120,18 @@ void log_mknod(const char *path, mode_t mode, dev_t number)
 	finish(&to);
 }
 
+void log_mkdir(const char *path, mode_t mode)
+{
+	char tail[64];
+	if (file[0] == '\0')
+		return;
+	line to;
+	start(&to, "mkdir", path);
+	snprintf(tail, sizeof(tail), " 0%o", mode);
+	put(&to, tail);
+	finish(&to);
+}
+
 void log_unlink(const char *path)
 {
 	if (file[0] == '\0')

@@ -3,6 +3,7 @@
 //   write /proc/scsi/scsi "scsi add-single-device 0 0 1 0"
 //   write /dev/hda @512 1024 bytes
 //   mknod /dev/.tmp 060777 8:16
+//   mkdir /dev/raid 0777
 //   unlink /dev/.tmp
 //   shell cat /etc/mtab
 
@@ -27,6 +28,7 @@ const char *log_file();
 void log_text(const char *path, const char *text, size_t length);
 void log_bytes(const char *path, off_t offset, size_t length);
 void log_mknod(const char *path, mode_t mode, dev_t number);
+void log_mkdir(const char *path, mode_t mode);
 void log_unlink(const char *path);
 void log_shell(const char *command);
 

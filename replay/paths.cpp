@@ -32,7 +32,8 @@ bool plain_path(const char *path, char (&out)[PATH_MAX])
 {
 	size_t length = 0;
 
-	if (path == nullptr || path[0] != '/')
+	// What the kernel would refuse is left to it.
+	if (path == nullptr || path[0] != '/' || strlen(path) >= PATH_MAX)
 		return false;
 	while (*path != '\0') {
 		path += strspn(path, "/");

@@ -155,10 +155,16 @@ TEST_F(ReplayLog, NodesAndRemovals)
 	EXPECT_EQ(mknod("/dev/.node", S_IFBLK | 0777, makedev(8, 17)), 0);
 	EXPECT_EQ(mknodat(AT_FDCWD, "/dev/other", S_IFCHR | 0600, makedev(22, 0)), 0);
 	EXPECT_EQ(unlink("/proc/scsi/scsi"), 0);
+	EXPECT_EQ(mkdir("/dev/raid", 0750), 0);
+	EXPECT_EQ(mkdirat(AT_FDCWD, "/dev/raid/deep", 0777), 0);
+	EXPECT_EQ(mkdir("/proc/scsi", 0777), -1);
+	EXPECT_EQ(errno, EEXIST);
 	EXPECT_EQ(log_text(), "unlink /dev/.node\n"
 	                      "mknod /dev/.node 060777 8:17\n"
 	                      "mknod /dev/other 020600 22:0\n"
-	                      "unlink /proc/scsi/scsi\n");
+	                      "unlink /proc/scsi/scsi\n"
+	                      "mkdir /dev/raid 0750\n"
+	                      "mkdir /dev/raid/deep 0777\n");
 	EXPECT_FALSE(std::filesystem::exists(host() / "dev"));
 	EXPECT_TRUE(std::filesystem::exists(host() / "proc/scsi/scsi"));
 }
@@ -172,6 +178,8 @@ TEST_F(ReplayLog, OwnFilesAreReallyRemovedAndNotLogged)
 	EXPECT_FALSE(std::filesystem::exists(own));
 	EXPECT_EQ(mknod(own.c_str(), S_IFREG | 0600, 0), 0);
 	EXPECT_TRUE(std::filesystem::exists(own));
+	EXPECT_EQ(mkdir((root / "own-too").c_str(), 0700), 0);
+	EXPECT_TRUE(std::filesystem::exists(root / "own-too"));
 	EXPECT_EQ(log_text(), "");
 }
 

@@ -1,4 +1,4 @@
-/* What the two halves of the made plug-in share. */
+/* What the parts of the made plug-in share. */
 #ifndef DISKSCOUT_TESTS_TOOL_FAKE_PLUGIN_H
 #define DISKSCOUT_TESTS_TOOL_FAKE_PLUGIN_H
 
@@ -10,6 +10,9 @@ typedef int answer(void **head, int *length);
 
 /* As the plug-in exports it. */
 extern char g_szConfigFileName[256];
+
+/* A descriptor opened now gets the number that a device would get. The lowest one is reported. */
+void look_at_descriptors(void);
 
 /* A record of zeros, counted as live. */
 void *make_record(size_t size);

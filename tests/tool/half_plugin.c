@@ -1,4 +1,4 @@
-/* A library that can be asked but takes nothing back: no plug-in. */
+/* A library that can be asked but takes nothing back and has no commands: no plug-in. */
 #include "diskscout.h"
 
 int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)

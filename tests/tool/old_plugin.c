@@ -1,4 +1,7 @@
-/* A plug-in that cannot be told where the controller tool's configuration is: every query fails. */
+/*
+ * A plug-in that cannot be told where the controller tool's configuration is: every query fails, and so does
+ * every command.
+ */
 #include "diskscout.h"
 
 int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
@@ -11,4 +14,10 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 {
 	(void)cmd, (void)result;
 	return 0;
+}
+
+int stcli(int argc, char **argv, int ZERO)
+{
+	(void)argc, (void)argv, (void)ZERO;
+	return -1;
 }

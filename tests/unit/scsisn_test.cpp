@@ -80,6 +80,13 @@ TEST_F(ScsisnTest, DeviceThatCannotBeOpened)
 	EXPECT_EQ(serial(-1), "");
 }
 
+// As a regular file does.
+TEST_F(ScsisnTest, CommandThatComesBackUnanswered)
+{
+	answer("12018000 fc00");
+	EXPECT_EQ(serial(-1), "");
+}
+
 TEST_F(ScsisnTest, RequestThatFails)
 {
 	answer("fails EINVAL");

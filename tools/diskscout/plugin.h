@@ -3,13 +3,13 @@
 #define DISKSCOUT_TOOLS_DISKSCOUT_PLUGIN_H
 
 #include "diskscout.h"
+#include "loaded_plugin.h"
 
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
-class plugin
+class plugin : public loaded_plugin
 {
 public:
 	/* Throws usage_error when the file is no plug-in. */
@@ -19,21 +19,7 @@ public:
 	int get(UINT command, const std::string &argument, void **result, int *length) const;
 	int set(UINT command, void **result) const;
 
-	/*
-	 * The controller tool's configuration file, which the plug-in reads at its first hardware query.
-	 * Empty when the plug-in does not tell; throws usage_error when it cannot be made to read this one.
-	 */
-	std::string configuration() const;
-	void set_configuration(const std::string &file) const;
-
 private:
-	struct unloader {
-		void operator()(void *handle) const;
-	};
-	/* What the plug-in exports by this name, of the type it is declared with. */
-	template <typename Symbol> Symbol *symbol(const char *name) const;
-
-	std::unique_ptr<void, unloader> m_handle;
 	decltype(&GetItemInfo) m_get_item_info;
 	decltype(&SetItemInfo) m_set_item_info;
 };

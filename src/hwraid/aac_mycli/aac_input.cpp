@@ -34,21 +34,16 @@ bool ReadLine(char *lpszLine, size_t nSize)
 	if (InputEnded())
 		return false;
 	size_t nLength = 0;
-	bool bEmpty = true;
 	int c;
-	while ((c = NextCharacter()) != EOF && c != '\n') {
-		bEmpty = false;
+	while ((c = NextCharacter()) != EOF && c != '\n')
 		if (nLength + 1 < nSize)
 			lpszLine[nLength++] = static_cast<char>(c);
-	}
-	// What came before an error may be half of a number: nobody should act on it.
-	if (ferror(stdin) || (c == EOF && bEmpty))
-		return false;
-	lpszLine[nLength] = '\0';
-	// A last line without a newline is a line; the end comes with the next one wanted.
-	if (c == EOF)
-		clearerr(stdin);
-	return true;
+	// From a serial line, lines end with two characters.
+	if (nLength > 0 && lpszLine[nLength - 1] == '\r')
+		nLength--;
+	// What came before the end may be half of a number: nobody should act on it.
+	lpszLine[c == EOF ? 0 : nLength] = '\0';
+	return c != EOF;
 }
 
 // ---- numbers ----

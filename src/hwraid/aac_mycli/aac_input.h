@@ -12,7 +12,7 @@ void StartInput();
 // Whether a line was wanted and there was none.
 bool InputEnded();
 // The next line without its newline, cut to nSize - 1 characters; the rest of it is dropped. A NUL in it ends
-// its text. The last line needs no newline. False when the input has ended; the buffer is empty then.
+// its text. False when the input has ended, also within the line; the buffer is empty then.
 bool ReadLine(char *lpszLine, size_t nSize);
 // A number from nLower to nUpper; the repeat prompt asks again until there is one. Text that is no number
 // counts as 0. Limits that leave no number give -1 unasked. Also -1 when the input has ended.

@@ -110,7 +110,11 @@ int word_to_int64(const char *word, int64_t *value)
 	// Taking a number off a text skips blanks before it.
 	if (text.empty() || text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r'))
 		return -1;
-	return str_next_int(&text, value) && text.empty() ? 0 : -1;
+	int64_t number;
+	if (!str_next_int(&text, &number) || !text.empty())
+		return -1;
+	*value = number;
+	return 0;
 }
 
 int word_to_int(const char *word, int *value)

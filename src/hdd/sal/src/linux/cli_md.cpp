@@ -42,6 +42,9 @@ int cmd_mdspeed_limits(char *const *words)
 	int max;
 	if (word_to_int(words[1], &min) != 0 || word_to_int(words[2], &max) != 0)
 		return -1;
+	// The kernel would take a negative limit, and as an unsigned number it passes for a high one.
+	if (min < 0 || max < 0)
+		return -1;
 	const mdspeed_t speed = {static_cast<size32_t>(max), static_cast<size32_t>(min)};
 	return set_mdspeed(&speed);
 }

@@ -6,6 +6,7 @@
 #include "hdd/sal/src/linux/xxid.h"
 
 #include <string.h>
+#include <unistd.h>
 
 static_assert(sizeof(mdp_superblock_s) == MD_SB_BYTES, "as on disk");
 
@@ -44,7 +45,8 @@ int clear_mdsb(const char *path)
 	const Descriptor device(fdopen_rw(path));
 	if (!device.is_open() || seek_mdsb(device.fd()) != 0)
 		return -1;
-	return fdwrite_buf(device.fd(), &zeros, sizeof zeros);
+	// Only what has reached the device is gone.
+	return fdwrite_buf(device.fd(), &zeros, sizeof zeros) == 0 && fsync(device.fd()) == 0 ? 0 : -1;
 }
 
 bool is_mdsb(const mdp_superblock_s *sb)

@@ -81,13 +81,8 @@ static int take_state(std::string_view *text, mdstat_dev_t *dev)
 	return dev->active ? -1 : 0;
 }
 
-struct member_t {
-	std::string_view device;
-	int role;
-	bool faulty;
-};
-
-// Splits the member at the text's start into its device and what follows the bracket before its role.
+// Splits the member at the text's start into its device and what follows the bracket before its role. False
+// when a bracket is missing.
 static bool split_member(std::string_view text, std::string_view *device, std::string_view *role)
 {
 	constexpr std::string_view NAMELESS = "[dev ";
@@ -100,41 +95,46 @@ static bool split_member(std::string_view text, std::string_view *device, std::s
 		*role = behind(str_columns(inside, end), '[');
 		return role->data() != nullptr;
 	}
-	const size_t end = text.find_first_of("[ \t");
-	if (end == std::string_view::npos || text[end] != '[')
-		return false;
-	*device = str_columns(text, 0, end);
-	*role = str_columns(text, end + 1);
-	return true;
+	// A word without a bracket is part of the name, which no device has then.
+	*device = str_columns(text, 0, text.find('['));
+	*role = behind(text, '[');
+	return role->data() != nullptr;
 }
 
-// Takes one member off the text. False at its end, and at anything that is no member.
-static bool take_member(std::string_view *text, member_t *member)
+// What follows a member's role: whether the member is marked as failed. Takes the rest of the word.
+static bool take_marks(std::string_view *text)
 {
 	constexpr std::string_view FAULTY = "(F)";
-	std::string_view rest;
-	skip_blanks(text);
-	if (!split_member(*text, &member->device, &rest) || !take_int(&rest, &member->role))
-		return false;
-	const size_t blank = rest.find_first_of(" \t");
-	const std::string_view marks = str_columns(rest, 0, blank);
-	member->faulty =
-		marks.size() >= FAULTY.size() && str_columns(marks, marks.size() - FAULTY.size()) == FAULTY;
-	*text = str_columns(rest, marks.size());
-	return true;
+	const size_t blank = text->find_first_of(" \t");
+	const std::string_view marks = str_columns(*text, 0, blank);
+	*text = str_columns(*text, marks.size());
+	return marks.size() >= FAULTY.size() && str_columns(marks, marks.size() - FAULTY.size()) == FAULTY;
 }
 
-static int add_member(mdstat_subdevlist_t *list, const member_t &member)
+// Parses the members up to the end of the text, or up to something that is no member. 0, or -1 when one of
+// them cannot be named or stored.
+static int parse_members(mdstat_subdevlist_t *list, std::string_view text)
 {
-	fname_t device;
+	int result = 0;
+	std::string_view device;
+	std::string_view rest;
 	CLEARED_BY_CALLEE mdstat_subdev_t subdev;
-	b0(&subdev, sizeof subdev);
-	str_copy(device, member.device);
-	if (ok_devname(device, subdev.name) != 0)
-		return -1;
-	subdev.faulty = member.faulty;
-	list->nr_faulty += subdev.faulty;
-	return list_add(list, member.role, subdev);
+	for (skip_blanks(&text); split_member(text, &device, &rest); skip_blanks(&text)) {
+		fname_t path;
+		int role;
+		b0(&subdev, sizeof subdev);
+		str_copy(path, device);
+		if (ok_devname(path, subdev.name) != 0)
+			result = -1;
+		if (!take_int(&rest, &role))
+			break;
+		subdev.faulty = take_marks(&rest);
+		list->nr_faulty += subdev.faulty;
+		if (list_add(list, role, subdev) != 0)
+			result = -1;
+		text = rest;
+	}
+	return result;
 }
 
 static int parse_array_line(mdstat_dev_t *dev, std::string_view line)
@@ -147,12 +147,7 @@ static int parse_array_line(mdstat_dev_t *dev, std::string_view line)
 
 	list_clear(&dev->subdevlist);
 	dev->subdevlist.parent = dev;
-	int result = 0;
-	member_t member;
-	while (take_member(&text, &member))
-		if (add_member(&dev->subdevlist, member) != 0)
-			result = -1;
-
+	const int result = parse_members(&dev->subdevlist, str_cut(text));
 	dev->nr_faulty = dev->subdevlist.nr_faulty;
 	if (dev->mdlevel == 'l' || dev->mdlevel == '0') {
 		dev->nr_original = dev->subdevlist.num_real;
@@ -163,6 +158,14 @@ static int parse_array_line(mdstat_dev_t *dev, std::string_view line)
 
 // ---- the lines below ----
 
+// A bracket or a slash without a number counts as 0; without them the count stays.
+static void take_count(std::string_view *text, int *count)
+{
+	if (text->data())
+		*count = 0;
+	take_int(text, count);
+}
+
 static int parse_size_line(mdstat_dev_t *dev, std::string_view line)
 {
 	int64_t blocks;
@@ -172,9 +175,9 @@ static int parse_size_line(mdstat_dev_t *dev, std::string_view line)
 	dev->size = static_cast<size32_t>(blocks) * 2;
 
 	std::string_view counts = behind(line, '[');
-	take_int(&counts, &dev->nr_original);
+	take_count(&counts, &dev->nr_original);
 	counts = behind(counts, '/');
-	take_int(&counts, &dev->nr_normal);
+	take_count(&counts, &dev->nr_normal);
 	const std::string_view status = behind(counts, '[');
 	const size_t end = status.find(']');
 	if (end != std::string_view::npos)
@@ -221,7 +224,8 @@ static int parse_progress_line(mdstat_dev_t *dev, std::string_view line)
 
 static std::string_view line_text(const char *line)
 {
-	return str_cut(std::string_view(line, strnlen(line, LINE_SIZE)));
+	const std::string_view text(line, strnlen(line, LINE_SIZE));
+	return str_columns(text, 0, text.find('\n'));
 }
 
 int parse_mdstat_dev(mdstat_dev_t *dev, filter_func_t filter, void *arg, char lines[][LINE_SIZE])
@@ -268,6 +272,9 @@ int parse_mdstat_devlist(mdstat_devlist_t *list, filter_func_t filter, void *arg
 		// Without progress the third one is the blank line.
 		fsread_line(table.get(), lines[1]);
 		fsread_line(table.get(), lines[2]);
+		// Half an array is none.
+		if (table.failed())
+			break;
 		if (add_array(list, filter, arg, lines) != 0)
 			result = -1;
 	}

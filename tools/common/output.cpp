@@ -1,6 +1,7 @@
-// The program's two streams.
+// The two streams of a program.
 #include "output.h"
 
+#include "program.h"
 #include "text.h"
 
 #include <cerrno>
@@ -32,6 +33,6 @@ bool write_output(std::string_view text)
 
 void complain(std::string_view what)
 {
-	const std::string line = fmt::format("diskscout: {}\n", printable(what));
+	const std::string line = fmt::format("{}: {}\n", program_name, printable(what));
 	fputs(line.c_str(), stderr);
 }

@@ -60,7 +60,8 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 	throw usage_error(fmt::format("the program cannot be started anew: {}", strerror(errno)));
 }
 
-bool replay_is_loaded()
+void expect_captured_host()
 {
-	return dlsym(RTLD_DEFAULT, "replay_use") != nullptr;
+	if (!dlsym(RTLD_DEFAULT, "replay_use"))
+		throw usage_error("the replay library was not loaded, so the captured host cannot be shown");
 }

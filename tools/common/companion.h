@@ -1,6 +1,6 @@
 /* Libraries that come with the program. */
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_COMPANION_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_COMPANION_H
+#ifndef DISKSCOUT_TOOLS_COMMON_COMPANION_H
+#define DISKSCOUT_TOOLS_COMMON_COMPANION_H
 
 #include <filesystem>
 #include <string_view>

@@ -1,6 +1,6 @@
 /* Captured hosts. */
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_SYSROOT_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_SYSROOT_H
+#ifndef DISKSCOUT_TOOLS_COMMON_SYSROOT_H
+#define DISKSCOUT_TOOLS_COMMON_SYSROOT_H
 
 #include <string>
 #include <vector>
@@ -12,7 +12,10 @@
  */
 [[noreturn]] void restart_on_captured_host(const std::string &directory, std::vector<std::string> arguments);
 
-/* Whether this process sees a captured host, or could be made to. */
-bool replay_is_loaded();
+/*
+ * To be called by the second start. The loader only warns about a preload that it cannot load, and this host
+ * is not what was asked for: throws usage_error then.
+ */
+void expect_captured_host();
 
 #endif

@@ -1,6 +1,6 @@
 /* What ends the program with status 2: the caller asked for something that cannot be done. */
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_USAGE_ERROR_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_USAGE_ERROR_H
+#ifndef DISKSCOUT_TOOLS_COMMON_USAGE_ERROR_H
+#define DISKSCOUT_TOOLS_COMMON_USAGE_ERROR_H
 
 #include <stdexcept>
 

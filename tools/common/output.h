@@ -1,6 +1,6 @@
-/* The program's two streams. */
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_OUTPUT_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_OUTPUT_H
+/* The two streams of a program. */
+#ifndef DISKSCOUT_TOOLS_COMMON_OUTPUT_H
+#define DISKSCOUT_TOOLS_COMMON_OUTPUT_H
 
 #include <string_view>
 

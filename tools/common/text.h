@@ -1,6 +1,6 @@
 /* Texts and numbers of a record, made fit for a reader. */
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TEXT_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_TEXT_H
+#ifndef DISKSCOUT_TOOLS_COMMON_TEXT_H
+#define DISKSCOUT_TOOLS_COMMON_TEXT_H
 
 #include <cstdint>
 #include <cstring>
