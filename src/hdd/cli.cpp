@@ -4,7 +4,8 @@
 #include "hdd/exe/cli.h"
 #include "hdd/hdd.h"
 
-#include <unistd.h>
+#include <errno.h>
+#include <time.h>
 
 // The leak diagnostics: a query and its release leave them as they were.
 static void print_counters()
@@ -87,9 +88,16 @@ static int run_round(answer_t *answers)
 	return 0;
 }
 
+// Time to plug something in or out; a signal that the host handles does not shorten it.
+static void pause_between_rounds()
+{
+	timespec left = {2, 0};
+	while (nanosleep(&left, &left) != 0 && errno == EINTR)
+		continue;
+}
+
 static int cmd_sttest(char *const *words)
 {
-	constexpr unsigned PAUSE = 2; // seconds: time to plug something in or out
 	int rounds = 0;
 	word_to_int(words[1], &rounds); // no number: no round
 
@@ -97,7 +105,7 @@ static int cmd_sttest(char *const *words)
 	print_counters();
 	for (int round = 0; round < rounds; round++) {
 		if (round != 0)
-			sleep(PAUSE);
+			pause_between_rounds();
 		// Deliberately without releasing: the counters go on telling what the failed query left.
 		if (run_round(answers) != 0)
 			return -1;

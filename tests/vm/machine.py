@@ -4,6 +4,7 @@ A scenario is a directory below scenarios/:
   disks.sh    makes the disk images, in the functions of disk-lib.sh
   vm.conf     attaches them: run-vm options, one per line
   mounts.sh   runs in the machine, before anything is asked
+  collect.sh  what is asked there; without it, guest-collect asks for the inventory
 """
 
 import json
@@ -16,7 +17,7 @@ PROGRAMS = ("bash", "qemu-system-x86_64", "busybox", "sfdisk", "mke2fs", "mkfs.v
 ISO_PROGRAMS = ("xorriso", "genisoimage")
 SEARCH_PATH = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 TIME_LIMIT = 300  # seconds, of a run that takes 4 to 10 on an idle machine without KVM
-PAYLOAD = ("diskscout", "diskscout.so", "vm-geometry")
+PROGRAM_FILES = ("diskscout", "stcli", "diskscout.so", "vm-geometry", "vm-md")
 
 
 def missing_programs():
@@ -50,17 +51,20 @@ class Machine:
     def _make(self, build_dir):
         subprocess.run([HERE / "make-disks", self.name, self.disks], check=True, timeout=TIME_LIMIT)
         self.payload.mkdir()
-        for program in PAYLOAD:
+        scenario = HERE / "scenarios" / self.name
+        for program in PROGRAM_FILES:
             shutil.copy(build_dir / program, self.payload)
-        shutil.copy(HERE / "guest-collect", self.payload)
-        shutil.copy(HERE / "scenarios" / self.name / "mounts.sh", self.payload)
+        own = scenario / "collect.sh"
+        shutil.copy(own if own.exists() else HERE / "guest-collect", self.payload / "collect")
+        shutil.copy(HERE / "guest-lib.sh", self.payload)
+        shutil.copy(scenario / "mounts.sh", self.payload)
 
     def _boot(self, kernel, work):
         # Instrumented programs are large, and the payload lies in the machine's memory twice for a while.
         size = sum(file.stat().st_size for file in self.payload.iterdir()) >> 20
         command = [HERE / "run-vm", "--config", self.disks / "vm.conf", "--payload", self.payload]
         command += ["--memory", str(max(256, 4 * size + 192)), "--timeout", str(TIME_LIMIT)]
-        command += ["--console", work / "console", "--", "sh", "guest-collect"]
+        command += ["--console", work / "console", "--", "sh", "collect"]
         environment = {"PATH": SEARCH_PATH, "DISKSCOUT_VM_KERNEL": str(kernel), "TMPDIR": str(work)}
         run = subprocess.run(command, env=environment, capture_output=True, text=True, errors="replace",
                              timeout=2 * TIME_LIMIT)
@@ -70,6 +74,12 @@ class Machine:
     def text(self, name):
         # The kernel's texts are bytes; no scenario goes beyond what Latin-1 gives back unchanged.
         return (self.seen / name).read_text(encoding="latin-1")
+
+    def lines(self, name):
+        return self.text(name).splitlines()
+
+    def binary(self, name):
+        return (self.seen / name).read_bytes()
 
     def document(self, name):
         try:

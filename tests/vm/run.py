@@ -12,33 +12,26 @@ import argparse
 import os
 import pathlib
 import sys
-import tempfile
 import unittest
 
 import expect
 import machine
+import scenario
+# The machines of the diagnostic command line: unittest looks for them among the names of this module.
+from array_tests import Arrays  # noqa: F401
+from command_tests import Commands  # noqa: F401
 
 SKIPPED = 77
-OPTIONS = None  # set by main()
 
 
-class Scenario:
-    """What holds in every machine."""
+class Scenario(scenario.Booted):
+    """What holds in every machine that is asked for its inventory."""
 
-    maxDiff = None
-    name = None
     status = 0
 
     @classmethod
     def setUpClass(cls):
-        if OPTIONS.keep:
-            work = OPTIONS.keep / cls.name
-            work.mkdir(parents=True)
-        else:
-            directory = tempfile.TemporaryDirectory(prefix="diskscout-vm.")
-            cls.addClassCleanup(directory.cleanup)
-            work = pathlib.Path(directory.name)
-        cls.machine = machine.Machine(cls.name, OPTIONS.build_dir, OPTIONS.kernel, work)
+        super().setUpClass()
         cls.answer = cls.machine.document("list.json")
         cls.disks = {disk["device_name"]: disk for disk in cls.answer["disks"]}
         cls.partitions = {part["disk_device_name"] + str(part["part_index"] + 1): part
@@ -75,12 +68,7 @@ class Scenario:
             self.assertIn(heading, table)
 
     def test_nothing_is_left_behind(self):
-        for name in ("files", "nodes", "node-times", "mounts", "written"):
-            self.assertEqual(self.machine.text("before/" + name), self.machine.text("after/" + name), name)
-        for before, after in zip(*(self.machine.text(f"{when}/space").splitlines() for when in ("before", "after")),
-                                 strict=True):
-            if not before.endswith(" /run"):  # where the collector writes
-                self.assertEqual(before, after)
+        self.assert_nothing_changed()
 
     def fields(self, records, *names):
         """The named fields of each record, by device."""
@@ -281,16 +269,16 @@ def find_kernel(source_dir):
 
 
 def main():
-    global OPTIONS
     parser = argparse.ArgumentParser()
     parser.add_argument("--build-dir", type=pathlib.Path, required=True)
     parser.add_argument("--source-dir", type=pathlib.Path, required=True)
     parser.add_argument("--keep", type=pathlib.Path, help="keep images and answers in this new directory")
-    OPTIONS, rest = parser.parse_known_args()
-    OPTIONS.build_dir = OPTIONS.build_dir.resolve()
-    OPTIONS.kernel = find_kernel(OPTIONS.source_dir.resolve())
+    options, rest = parser.parse_known_args()
+    options.build_dir = options.build_dir.resolve()
+    options.kernel = find_kernel(options.source_dir.resolve())
+    scenario.Booted.options = options
     missing = machine.missing_programs()
-    if not OPTIONS.kernel:
+    if not options.kernel:
         missing.append("a kernel image (DISKSCOUT_VM_KERNEL names it)")
     if missing:
         print("skipped: no virtual machine can be run here; missing: " + ", ".join(missing))
