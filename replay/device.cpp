@@ -59,7 +59,7 @@ static bool copy_range(int from, int to, off_t start, off_t end)
 static bool copy_file(const char *path, int to)
 {
 	struct stat st = {};
-	const int from = REPLAY_REAL(open)(path, O_RDONLY | O_CLOEXEC);
+	const int from = REPLAY_REAL(open)(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 	if (from < 0)
 		return false;
 	bool good = fstat(from, &st) == 0 && ftruncate(to, st.st_size) == 0;

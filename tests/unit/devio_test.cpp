@@ -255,6 +255,27 @@ TEST_F(DevioTest, ScsiAddressThatFailsIsZero)
 	EXPECT_TRUE(is_zero(*idlun));
 }
 
+TEST_F(DevioTest, SpaceInSectors)
+{
+	volspace_t space;
+	memset(&space, 'x', sizeof space);
+	host.table("mount /data 1024 1000 300 200\nmount /odd 100 51 6\nmount /vast 4096 4503599627370495 0\n"
+	           "mount /stale fails ESTALE\n");
+	host.show();
+	EXPECT_EQ(get_volspace("/data", &space), 0);
+	EXPECT_EQ(space.total, 2000U);
+	EXPECT_EQ(space.free, 600U); // also what only root may fill
+	EXPECT_EQ(get_volspace("/odd", &space), 0);
+	EXPECT_EQ(space.total, 9U);
+	EXPECT_EQ(space.free, 1U);
+	// 2^64 - 4096 bytes: as a signed number -4096, eight units.
+	EXPECT_EQ(get_volspace("/vast", &space), 0);
+	EXPECT_EQ(space.total, static_cast<size32_t>(-8));
+	EXPECT_EQ(get_volspace("/stale", &space), -1);
+	EXPECT_TRUE(is_zero(space));
+	EXPECT_EQ(get_volspace("/none", &space), -1);
+}
+
 struct uptime_row_t {
 	const char *text;
 	int seconds;

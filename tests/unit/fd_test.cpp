@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <limits.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -98,6 +99,39 @@ TEST_F(FdTest, ReadWithoutADescriptorFailsAndZeroes)
 	char bytes[2] = {'x', 'x'};
 	EXPECT_EQ(fdread_buf(-1, bytes, 2), -1);
 	EXPECT_EQ(std::string(bytes, 2), std::string(2, '\0'));
+}
+
+// A path below /tmp is the running machine's own.
+TEST_F(FdTest, OpeningAPipeWithoutAWriterDoesNotWait)
+{
+	const std::string pipe = host.path("/pipe");
+	ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+	const Descriptor end(pipe.c_str());
+	ASSERT_TRUE(end.is_open());
+	char byte = 'x';
+	EXPECT_EQ(fdread_buf(end.fd(), &byte, 1), -1);
+	EXPECT_EQ(byte, '\0');
+}
+
+TEST_F(FdTest, WritesWholeBuffersWhereItStands)
+{
+	host.table("device /dev/block\n\tBLKGETSIZE 8\n");
+	host.show();
+	const Descriptor disk(fdopen_rw("/dev/block"));
+	ASSERT_TRUE(disk.is_open());
+	EXPECT_NE(fcntl(disk.fd(), F_GETFD) & FD_CLOEXEC, 0);
+	ASSERT_EQ(fdseeks(disk.fd(), 1), 0);
+	const char bytes[600] = {};
+	EXPECT_EQ(fdwrite_buf(disk.fd(), bytes, sizeof bytes), 0);
+	EXPECT_THAT(host.log(), ::testing::ElementsAre("write /dev/block @512 600 bytes"));
+}
+
+TEST_F(FdTest, WritingFailsWithoutAWritableDescriptor)
+{
+	const Descriptor disk("/dev/disk");
+	EXPECT_EQ(fdwrite_buf(disk.fd(), "x", 1), -1);
+	EXPECT_EQ(fdwrite_buf(-1, "x", 1), -1);
+	EXPECT_EQ(fdopen_rw("/dev/none"), -1);
 }
 
 TEST_F(FdTest, DescriptorClosesAtTheEndOfItsScope)

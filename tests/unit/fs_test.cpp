@@ -5,6 +5,7 @@
 #include "replay/replay.h"
 
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace
 {
@@ -168,6 +169,16 @@ TEST_F(FsTest, StreamClosesAtTheEndOfItsScope)
 	}
 	EXPECT_EQ(open_descriptors(), before);
 	EXPECT_FALSE(static_cast<bool>(Stream(fsopen_ro("/proc/none"))));
+}
+
+TEST_F(FsTest, OpeningAPipeWithoutAWriterDoesNotWait)
+{
+	const std::string pipe = host.path("/pipe");
+	ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+	const Stream fs(fsopen_ro(pipe.c_str()));
+	ASSERT_TRUE(static_cast<bool>(fs));
+	line_t line;
+	EXPECT_EQ(fsread_line(fs.get(), line), -1);
 }
 
 TEST_F(FsTest, PipeReadsWhatTheCommandWrites)

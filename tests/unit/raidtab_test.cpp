@@ -250,6 +250,12 @@ TEST_F(RaidtabTest, MissingAndEmptyFiles)
 	expect_empty(*list);
 }
 
+TEST_F(RaidtabTest, DirectoryIsNoTable)
+{
+	EXPECT_EQ(read_raidtab_devlist("/tmp", list.get(), nullptr, nullptr), -1);
+	expect_empty(*list);
+}
+
 TEST_F(RaidtabTest, FilterIsNotUsed)
 {
 	filter_calls_t calls = {0, 0};

@@ -28,6 +28,18 @@ TEST(Xxid, IsLowerCase)
 	EXPECT_EQ(unparsed(id), "abcdefff-ffff-ffff-ffff-fffffffffffe");
 }
 
+// Version 4 in the seventh byte, the variant in the ninth; the other bits are drawn.
+TEST(Xxid, NewOnesAreRandom)
+{
+	unsigned char first[16];
+	unsigned char second[16];
+	xxid_generate(first);
+	xxid_generate(second);
+	EXPECT_EQ(first[6] >> 4, 4);
+	EXPECT_EQ(first[8] >> 6, 2);
+	EXPECT_NE(memcmp(first, second, sizeof first), 0);
+}
+
 TEST(Xxid, ZeroIsWrittenOut)
 {
 	const unsigned char id[16] = {};

@@ -47,6 +47,8 @@ int run_node(const cli_func_t *children, size_t count, int argc, char **argv, in
 	int result = 0;
 	int child_matched = 0;
 	for (const clinode_t &node : live_items(list)) {
+		if (!node.cli)
+			continue;
 		if (node.cli(argc, argv, start, &child_matched) != 0 && child_matched != 0)
 			result = -1;
 		*matched += child_matched;
