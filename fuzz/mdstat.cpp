@@ -5,6 +5,7 @@
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/linux/mdstat.h"
 
+#include <algorithm>
 #include <memory>
 #include <string.h>
 
@@ -13,8 +14,8 @@ namespace
 
 bool is_zero(const mdstat_dev_t &dev)
 {
-	static const mdstat_dev_t ZERO = {};
-	return memcmp(&dev, &ZERO, sizeof dev) == 0;
+	const auto *bytes = reinterpret_cast<const char *>(&dev);
+	return std::all_of(bytes, bytes + sizeof dev, [](char byte) { return byte == 0; });
 }
 
 // Every member stands in the slot of its role, named, and belongs to its list.

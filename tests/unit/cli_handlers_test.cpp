@@ -137,7 +137,7 @@ TEST_F(CliHandlers, WithoutAWordNothingMatches)
 
 TEST_F(CliHandlers, UnknownWords)
 {
-	for (const handler_t &row : HANDLERS)
+	for (const handler_t &row : HANDLERS) {
 		for (const char *word : {"xml",           "xmlnew",  "nonsense",   "",
 		                         "Help",          "HELP",    "helpme",     "cliids",
 		                         "fnod",          "fnodex",  "UPTIME",     "mdspeed(default/max)",
@@ -145,6 +145,7 @@ TEST_F(CliHandlers, UnknownWords)
 		                         "clear",         "hwraid",  "cli_0",      "clifunc_hdd",
 		                         "exe",           "st",      "fnode froot"})
 			EXPECT_EQ(run(row.handler, {word}), "0 0\n") << row.name << " " << word;
+	}
 }
 
 // A word is known to its own leaf and to the nodes above it, and to nobody else.
@@ -223,11 +224,12 @@ TEST_F(CliHandlers, QueriesRun)
 		const char *word;
 		const char *kind;
 	} rows[] = {{"stdisk", "DISK"}, {"stcdrom", "CDROM"}, {"stpart", "PART"}};
-	for (const auto &row : rows)
+	for (const auto &row : rows) {
 		for (const cli_func_t handler : {cli_hdd, clifunc_hdd})
 			EXPECT_EQ(run(handler, {row.word}), "0 1\n" + counters + std::string(60, '*') + " " +
 			                                            row.kind + " (end/0)\n" + counters)
 				<< row.word;
+	}
 	for (const cli_func_t handler : {cli_hdd, clifunc_hdd})
 		EXPECT_EQ(run(handler, {"sttest", "0"}), "0 1\n" + counters + counters);
 }

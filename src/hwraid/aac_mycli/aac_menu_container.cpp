@@ -41,9 +41,9 @@ static void PrintContainer(const aac_container &container)
 
 static void ListContainers()
 {
-	static constexpr Listing<aac_container> LISTING = {ReportFailure, PrintContainer, RULE,
-	                                                   Aac_Clear_Container_List};
-	ShowList(LISTING, [](aac_container **pHead) { return Aac_Get_Container_List(CONTROLLER, pHead); });
+	static constexpr ListKind<aac_container> KIND = {ReportFailure, PrintContainer, RULE,
+	                                                 Aac_Clear_Container_List};
+	ShowList(KIND, [](aac_container **pHead) { return Aac_Get_Container_List(CONTROLLER, pHead); });
 }
 
 static void DeleteContainer()

@@ -22,9 +22,9 @@ static void PrintController(const aac_controller &controller)
 
 static void ListControllers()
 {
-	static constexpr Listing<aac_controller> LISTING = {ReportFailure, PrintController, RULE,
-	                                                    Aac_Clear_Controller_List};
-	ShowList(LISTING, Aac_Get_Controller_List);
+	static constexpr ListKind<aac_controller> KIND = {ReportFailure, PrintController, RULE,
+	                                                  Aac_Clear_Controller_List};
+	ShowList(KIND, Aac_Get_Controller_List);
 }
 
 static void NameController()
@@ -68,8 +68,8 @@ static void PrintTask(const aac_task &task)
 
 static void ListTasks()
 {
-	static constexpr Listing<aac_task> LISTING = {ReportFailure, PrintTask, NO_RULE, Aac_Clear_Task_List};
-	ShowList(LISTING, [](aac_task **pHead) { return Aac_Get_Task_List(CONTROLLER, pHead); });
+	static constexpr ListKind<aac_task> KIND = {ReportFailure, PrintTask, NO_RULE, Aac_Clear_Task_List};
+	ShowList(KIND, [](aac_task **pHead) { return Aac_Get_Task_List(CONTROLLER, pHead); });
 }
 
 static void ShowContainerTask()

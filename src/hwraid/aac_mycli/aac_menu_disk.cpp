@@ -47,8 +47,8 @@ static void PrintPartition(const aac_partition &partition)
 
 static void ListDisks()
 {
-	static constexpr Listing<aac_disk> LISTING = {ReportFailure, PrintDisk, RULE, Aac_Clear_Disk_List};
-	ShowList(LISTING, [](aac_disk **pHead) { return Aac_Get_Disk_List(CONTROLLER, pHead); });
+	static constexpr ListKind<aac_disk> KIND = {ReportFailure, PrintDisk, RULE, Aac_Clear_Disk_List};
+	ShowList(KIND, [](aac_disk **pHead) { return Aac_Get_Disk_List(CONTROLLER, pHead); });
 }
 
 static void ShowDefect()
@@ -64,22 +64,22 @@ static void ShowDefect()
 
 static void ShowSpace()
 {
-	static constexpr Listing<aac_space> LISTING = {
+	static constexpr ListKind<aac_space> KIND = {
 		[](int nResult) { fprintf(stderr, "disk show space return :%d\n", nResult); }, PrintSpace,
 		NO_RULE, Aac_Clear_Disk_Space_List};
 	int nC_ID_L;
 	if (!AskDisk("Disk", &nC_ID_L))
 		return;
-	ShowList(LISTING,
+	ShowList(KIND,
 	         [nC_ID_L](aac_space **pHead) { return Aac_Disk_Show_Space(CONTROLLER, nC_ID_L, pHead); });
 }
 
 static void ShowPartition()
 {
-	static constexpr Listing<aac_partition> LISTING = {
+	static constexpr ListKind<aac_partition> KIND = {
 		[](int nResult) { fprintf(stderr, "show disk partition return :%d\n", nResult); },
 		PrintPartition, RULE, Aac_Clear_Disk_Partition_List};
-	ShowList(LISTING, [](aac_partition **pHead) { return Aac_Disk_Show_Partition(CONTROLLER, pHead); });
+	ShowList(KIND, [](aac_partition **pHead) { return Aac_Disk_Show_Partition(CONTROLLER, pHead); });
 }
 
 int do_with_cmd_disk()

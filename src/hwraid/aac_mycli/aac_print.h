@@ -33,7 +33,7 @@ void PrintRecords(const Record *pHead, void (*pfnPrint)(const Record &), const c
 }
 
 // What happens to the answer of one kind of query.
-template <class Record> struct Listing {
+template <class Record> struct ListKind {
 	void (*pfnReport)(int nResult);
 	void (*pfnPrint)(const Record &record);
 	const char *lpszRule;
@@ -48,15 +48,15 @@ inline void ReportFailure(int nResult)
 }
 
 // Asks with get(&pHead), prints and releases.
-template <class Record, class Get> void ShowList(const Listing<Record> &listing, Get get)
+template <class Record, class Get> void ShowList(const ListKind<Record> &kind, Get get)
 {
 	Record *pHead = nullptr;
 	const int nResult = get(&pHead);
-	listing.pfnReport(nResult);
+	kind.pfnReport(nResult);
 	if (nResult > 0)
-		PrintRecords(pHead, listing.pfnPrint, listing.lpszRule);
+		PrintRecords(pHead, kind.pfnPrint, kind.lpszRule);
 	// After a failure, too: the records read before it are there.
-	listing.pfnClear(pHead);
+	kind.pfnClear(pHead);
 }
 
 #endif

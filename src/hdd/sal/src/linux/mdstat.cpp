@@ -246,6 +246,7 @@ static int add_array(mdstat_devlist_t *list, filter_func_t filter, void *arg, ch
 {
 	CLEARED_BY_CALLEE mdstat_dev_t surplus;
 	mdstat_dev_t *slot = list_open(list, LIST_FIRST_FREE);
+	// cppcheck-suppress uninitvar ; parsing clears it
 	mdstat_dev_t *dev = slot ? slot : &surplus;
 	if (parse_mdstat_dev(dev, filter, arg, lines) != 0)
 		return -1;
