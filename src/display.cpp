@@ -1,16 +1,11 @@
 #include "display.h"
 
 #include "diskscout.h"
+#include "hdd/sal/src/0/def.h"
 
 #include <stddef.h>
-#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
-
-static unsigned low_32_bits(const void *address)
-{
-	return static_cast<unsigned>(reinterpret_cast<uintptr_t>(address));
-}
 
 // ---- fields ----
 
@@ -38,7 +33,7 @@ static void print_address(const void *place)
 
 static void print_megabytes(const void *place)
 {
-	fprintf(stderr, "%dMB", static_cast<int>(static_cast<UINT>(value_at<ULONGLONG>(place) >> 20)));
+	fprintf(stderr, "%dMB", low_32(value_at<ULONGLONG>(place) >> 20));
 }
 
 // As the char that it is: a boot byte of 0x80 shows as a negative number.
@@ -49,7 +44,7 @@ static void print_boolean(const void *place)
 
 static void print_link(const void *place)
 {
-	fprintf(stderr, "0x%08x", low_32_bits(value_at<const void *>(place)));
+	fprintf(stderr, "0x%08x", low_32(value_at<const void *>(place)));
 }
 
 struct field_t {

@@ -78,12 +78,6 @@ int show_list(const char *source, int (*parse)(List *list, filter_func_t filter,
 	return result == 0 ? 0 : -1;
 }
 
-// Prints an integer of any width with a conversion of 32 bits.
-template <class Number> constexpr int low_32(Number value)
-{
-	return static_cast<int>(static_cast<uint32_t>(value));
-}
-
 // The leaf of what needs no system: file names, an input line, random numbers.
 int cli_0(int argc, char **argv, int start, int *matched);
 

@@ -64,6 +64,16 @@ struct volid_t {
 	str_t fsname;  // file-system type
 };
 
+// The low 32 bits of a number or an address, as every dump shows them.
+template <class Number> constexpr int low_32(Number value)
+{
+	return static_cast<int>(static_cast<uint32_t>(value));
+}
+inline unsigned low_32(const void *address)
+{
+	return static_cast<unsigned>(reinterpret_cast<uintptr_t>(address));
+}
+
 // The separator of path components, as a text.
 extern const char DCHAR_BUF[2];
 extern const char *const PDCHAR;

@@ -1,18 +1,13 @@
 #include "hdd/sal/src/0/list.h"
 
-static unsigned low_32_bits(const void *address)
-{
-	return static_cast<unsigned>(reinterpret_cast<uintptr_t>(address));
-}
-
 void dump_list_head(int num, int num_real, int lmt, const void *parent, const void *list)
 {
 	fputs("**********************************************************\n", stderr);
 	fprintf(stderr, "num=%d, num_real=%d, lmt=%d, parent=%08x, this=%08x\n", num, num_real, lmt,
-	        low_32_bits(parent), low_32_bits(list));
+	        low_32(parent), low_32(list));
 }
 
 void dump_item_head(int index, int tag, const void *parent)
 {
-	fprintf(stderr, "[*%d %-2d %08x*] ", index, tag, low_32_bits(parent));
+	fprintf(stderr, "[*%d %-2d %08x*] ", index, tag, low_32(parent));
 }

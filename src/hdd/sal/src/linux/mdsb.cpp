@@ -69,15 +69,14 @@ void display_mdsb(const mdp_superblock_s *sb)
 	get_mdsb_xxid(sb, id);
 	xxid_unparse(id, uuid);
 
-	const auto number = [](uint32_t value) { return static_cast<int>(value); };
-	fprintf(stderr, "md%d: md_magic=%08X csum=%08X version=%d.%d.%d valid=%d\n", number(sb->md_minor),
-	        sb->md_magic, sb->sb_csum, number(sb->major_version), number(sb->minor_version),
-	        number(sb->patch_version), is_mdsb(sb) ? 1 : 0);
-	fprintf(stderr, "  level=%d size=%d chunk_size=%d events=(hi-%d,lo-%d)\n", number(sb->level),
-	        number(sb->size), number(sb->chunk_size), number(sb->events_hi), number(sb->events_lo));
+	fprintf(stderr, "md%d: md_magic=%08X csum=%08X version=%d.%d.%d valid=%d\n", low_32(sb->md_minor),
+	        sb->md_magic, sb->sb_csum, low_32(sb->major_version), low_32(sb->minor_version),
+	        low_32(sb->patch_version), is_mdsb(sb) ? 1 : 0);
+	fprintf(stderr, "  level=%d size=%d chunk_size=%d events=(hi-%d,lo-%d)\n", low_32(sb->level),
+	        low_32(sb->size), low_32(sb->chunk_size), low_32(sb->events_hi), low_32(sb->events_lo));
 	fprintf(stderr, "  disks: nr=%d raid=%d active=%d working=%d failed=%d spare=%d\n",
-	        number(sb->nr_disks), number(sb->raid_disks), number(sb->active_disks),
-	        number(sb->working_disks), number(sb->failed_disks), number(sb->spare_disks));
+	        low_32(sb->nr_disks), low_32(sb->raid_disks), low_32(sb->active_disks),
+	        low_32(sb->working_disks), low_32(sb->failed_disks), low_32(sb->spare_disks));
 	fprintf(stderr, "  uuid: %s\n", uuid);
 	for (int i = 0; i < MD_SB_DISKS; i++) {
 		fprintf(stderr, "disk%2d: ", i);
@@ -89,8 +88,7 @@ void display_mdsb(const mdp_superblock_s *sb)
 
 void display_mdsb_subdev(const mdp_device_descriptor_s *d)
 {
-	const auto number = [](uint32_t value) { return static_cast<int>(value); };
-	fprintf(stderr, "number=%d raid_disk=%d %02X:%02X (%d,%d) state=%d\n", number(d->number),
-	        number(d->raid_disk), d->major, d->minor, number(d->major), number(d->minor),
-	        number(d->state));
+	fprintf(stderr, "number=%d raid_disk=%d %02X:%02X (%d,%d) state=%d\n", low_32(d->number),
+	        low_32(d->raid_disk), d->major, d->minor, low_32(d->major), low_32(d->minor),
+	        low_32(d->state));
 }

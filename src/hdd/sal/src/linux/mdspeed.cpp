@@ -30,7 +30,7 @@ int get_mdspeed(mdspeed_t *speed)
 static int write_limit(const char *path, size32_t limit)
 {
 	char digits[12];
-	snprintf(digits, sizeof digits, "%d", static_cast<int>(static_cast<uint32_t>(limit)));
+	snprintf(digits, sizeof digits, "%d", low_32(limit));
 	return limit == 0 ? 0 : fswrite_text_by_path(path, digits);
 }
 

@@ -296,8 +296,8 @@ void display_mdstat_devlist(const mdstat_devlist_t *list)
 	for (const mdstat_dev_t &dev : live_items(*list)) {
 		dump_item_head(dev);
 		fprintf(stderr, "md%d: %s %c %10d [%d/%d](F%d) %s %d.%d%%%d\n", dev.mdminor,
-		        dev.active ? "active  " : "inactive", dev.mdlevel, static_cast<int>(dev.size),
-		        dev.nr_original, dev.nr_normal, dev.nr_faulty, dev.status, dev.resync_progress / 10,
+		        dev.active ? "active  " : "inactive", dev.mdlevel, low_32(dev.size), dev.nr_original,
+		        dev.nr_normal, dev.nr_faulty, dev.status, dev.resync_progress / 10,
 		        dev.resync_progress % 10, dev.resync_type);
 		dump_members(dev.subdevlist);
 	}

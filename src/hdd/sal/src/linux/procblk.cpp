@@ -87,9 +87,9 @@ void display_procblk_devlist(const procblk_devlist_t *list)
 		dump_item_head(dev);
 		fprintf(stderr, "%s %d (%d:%d)\t%9d ", dev.name, dev.part,
 		        static_cast<int>(mami_major(dev.mami)), static_cast<int>(mami_minor(dev.mami)),
-		        static_cast<int>(dev.size));
+		        low_32(dev.size));
 		for (const unsigned int counter : dev.io)
-			fprintf(stderr, " %d", static_cast<int>(counter));
+			fprintf(stderr, " %d", low_32(counter));
 		fputs("\n", stderr);
 	}
 }
