@@ -24,9 +24,14 @@ const std::vector<std::string> IDE_DISKS = {"hda", "hdb", "hdd"};
 const std::vector<std::string> SCSI_DISKS = {"sda", "sdb", "sdc", "sdd", "sde", "sdf", "sdg",
                                              "sdh", "sdi", "sdj", "sdk", "sdl", "sdm"};
 
+FILE *open_table(const char *path)
+{
+	return fdopen(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK), "r");
+}
+
 void read_lines(const std::string &path)
 {
-	FILE *file = fopen(path.c_str(), "re");
+	FILE *file = open_table(path.c_str());
 	char line[1024];
 	while (fgets(line, sizeof line, file))
 		fflush(nullptr);
@@ -37,7 +42,7 @@ void read_lines(const std::string &path)
 
 void read_first_line(const std::string &path)
 {
-	FILE *file = fopen(path.c_str(), "re");
+	FILE *file = open_table(path.c_str());
 	char line[1024];
 	if (fgets(line, sizeof line, file))
 		fflush(nullptr);
@@ -125,7 +130,7 @@ void floor_disks()
 	read_lines("/proc/partitions");
 	read_ide();
 	read_lines("/proc/scsi/scsi");
-	FILE *table = fopen("/etc/mtab", "re");
+	FILE *table = open_table("/etc/mtab");
 	read_mounts(table);
 	fflush(nullptr);
 	fclose(table);

@@ -175,7 +175,8 @@ static FILE *open_stream(const place &at, const char *mode)
 		return nullptr;
 	const bool writes = (how.flags & O_ACCMODE) != O_RDONLY;
 	void *cookie = reinterpret_cast<void *>(static_cast<intptr_t>(fd));
-	FILE *stream = writes ? fopencookie(cookie, how.plain, functions) : fdopen(fd, how.plain);
+	FILE *stream =
+		writes ? fopencookie(cookie, how.plain, functions) : REPLAY_REAL(fdopen)(fd, how.plain);
 	if (stream == nullptr)
 		REPLAY_REAL(close)(fd);
 	return stream;
@@ -190,6 +191,12 @@ static FILE *replayed_fopen(const char *path, const char *mode)
 	if (to.kind == RUNNING)
 		return REPLAY_REAL(fopen)(path, mode);
 	return open_stream(to, mode);
+}
+
+// What the descriptor stands for was settled when it was opened.
+REPLAY_CALL FILE *fdopen(int fd, const char *mode) __THROW
+{
+	return must_fail(CALL_FDOPEN) ? nullptr : REPLAY_REAL(fdopen)(fd, mode);
 }
 
 REPLAY_CALL FILE *fopen(const char *path, const char *mode)

@@ -12,6 +12,7 @@ namespace replay
 enum counted_call {
 	CALL_OPEN,
 	CALL_FOPEN,
+	CALL_FDOPEN,
 	CALL_POPEN,
 	CALL_PCLOSE,
 	CALL_FCLOSE,

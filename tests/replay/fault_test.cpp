@@ -142,6 +142,17 @@ static const call_case call_cases[] = {
 		 char b[8];
 		 return run(arm, seen, [&] { return __readlink_chk("/dev/cdrom", b, 8, 8) == 3; });
 	 }},
+	{"fdopen", ENOMEM,
+         [](ARMED) {
+		 const int fd = open("/etc/mtab", O_RDONLY);
+		 FILE *stream = nullptr;
+		 const bool good = run(arm, seen, [&] { return (stream = fdopen(fd, "r")) != nullptr; });
+		 if (stream)
+			 fclose(stream);
+		 else
+			 close(fd);
+		 return good;
+	 }},
 	{"mknod", EPERM,
          [](ARMED) { return run(arm, seen, [&] { return mknod("/dev/x", S_IFBLK, 0) == 0; }); }},
 	{"mknodat", EPERM,

@@ -181,6 +181,15 @@ TEST_F(FsTest, OpeningAPipeWithoutAWriterDoesNotWait)
 	EXPECT_EQ(fsread_line(fs.get(), line), -1);
 }
 
+TEST_F(FsTest, DescriptorWithoutAStreamIsClosed)
+{
+	const char *path = table("one\n");
+	replay_fail_call(2, 0);
+	EXPECT_EQ(fsopen_ro(path), nullptr);
+	replay_fail_call(0, 0);
+	EXPECT_EQ(replay_calls(), 3);
+}
+
 TEST_F(FsTest, PipeReadsWhatTheCommandWrites)
 {
 	const Pipe output("echo one; echo two");

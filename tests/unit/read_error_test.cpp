@@ -63,13 +63,13 @@ TEST_F(ReadErrorTest, BlockDeviceTable)
 	expect_shape(*list, 0, 0, 32);
 }
 
-// The open, the heading, the blank line, the first device: then the fifth call fails.
+// The descriptor, the stream, the heading, the blank line, the first device: then the sixth call fails.
 TEST_F(ReadErrorTest, WhatWasReadBeforeIsKept)
 {
 	host.partitions("   8  0  100 sda\n   8  16  100 sdb\n");
 	host.show();
 	auto list = soiled<procblk_devlist_t>();
-	replay_fail_call(5, 0);
+	replay_fail_call(6, 0);
 	EXPECT_EQ(parse_procblk_devlist(list.get(), nullptr, nullptr), -1);
 	replay_fail_call(0, 0);
 	expect_shape(*list, 1, 1, 32);
