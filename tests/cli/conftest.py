@@ -16,6 +16,10 @@ HELLO = "stcli: Hello world!\n"
 OK = "stcli: Ok!\n"
 FAILED = "stcli error: operation failed.\n"
 INVALID = "stcli error: invalid cli command.\n"
+MENU = (
+    "1 - Controller  2 - Disk  3 - Container  4 - Raid  5 - task  "
+    "6 Server Management Interface -- GetIntemInfo 0 - Quit\n"
+)
 
 # The mount table is read through cat, which has its own words for a table that is not there.
 COMPLAINT_OF_CAT = "cat: /etc/mtab: No such file or directory\n"
@@ -60,6 +64,8 @@ class Programs:
         self.call_stcli = helpers / "call_stcli"
         self.fault_walk = helpers / "fault_walk"
         self.file_disk = helpers / "file_disk.so"
+        self.busy_host = helpers / "busy_host.so"
+        self.no_pause = helpers / "no_pause.so"
         self.scratch = scratch
         self.log = scratch / "replay.log"
 

@@ -1,20 +1,18 @@
 """The exported function itself, called as no launcher would."""
 
+import os
+
 import pytest
 
-from conftest import FAILED, HELLO, INVALID, OK
+from conftest import FAILED, HELLO, INVALID, MENU, OK
 
-MENU = (
-    "1 - Controller  2 - Disk  3 - Container  4 - Raid  5 - task  "
-    "6 Server Management Interface -- GetIntemInfo 0 - Quit\n"
-)
 CONSOLE = HELLO + MENU + "Command>Bye!\n" + OK
 
 INT_MIN, INT_MAX = -(2**31), 2**31 - 1
 
 
-def call(cli, argc, start, *words):
-    return cli.start([str(cli.call_stcli), str(cli.plugin), str(argc), str(start), *words])
+def call(cli, argc, start, *words, **settings):
+    return cli.start([str(cli.call_stcli), str(cli.plugin), str(argc), str(start), *words], **settings)
 
 
 @pytest.mark.parametrize("start", (2, 3, 1000000, INT_MAX, -1, -2, INT_MIN, INT_MIN + 1))
@@ -101,3 +99,28 @@ def test_console_word_later(cli):
 def test_console_through_the_launcher(cli):
     done = cli.run("hwraid", input=b"0\n")
     assert (done.status, done.stderr) == (0, CONSOLE)
+
+
+def test_console_again_after_an_end_of_input(cli):
+    """At a terminal the end of input ends one console; the next one reads on."""
+    keyboard, terminal = os.openpty()
+    try:
+        # Ctrl-D, and what is typed for the second console.
+        os.write(keyboard, b"\x040\n")
+        done = call(cli, 2, 1, "stcli", "hwraid", env={"CALLS": "2"}, stdin=terminal)
+    finally:
+        os.close(terminal)
+        os.close(keyboard)
+    assert (done.status, done.stderr) == (0, CONSOLE * 2)
+
+
+def test_commands_know_nothing_of_each_other(cli):
+    """No call leaves anything for the next one."""
+    for words, status, shown in (
+        (("fnode", "/dev/sda1"), 0, "sda1\n" + OK),
+        (("fnode",), 1, FAILED),
+        (("cliid",), 0, "cli_0\ncli_linux\ncli_1\nclifunc_exe\nclifunc_hdd\n" + OK),
+        (("x",), 1, INVALID),
+    ):
+        done = call(cli, len(words), 0, *words, env={"CALLS": "3"})
+        assert (done.status, done.stderr) == (status, (HELLO + shown) * 3)

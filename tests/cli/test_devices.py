@@ -150,6 +150,14 @@ def preloaded(cli):
     return {"LD_PRELOAD": str(cli.file_disk), "ASAN_OPTIONS": "verify_asan_link_order=0"}
 
 
+def test_clear_that_does_not_reach_the_disk(cli, tmp_path):
+    """What the kernel has taken and not written yet is not erased."""
+    disk = tmp_path / "disk"
+    disk.write_bytes(bytes(1000 * 512))
+    done = cli.run("mdsb", "clear", str(disk), env={**preloaded(cli), "LOSES_WRITES": "1"})
+    assert (done.status, done.stderr) == (1, HELLO + FAILED)
+
+
 def test_mkdev_leaves_what_is_there(cli, tmp_path):
     """A number that is none: the path is not touched, not even removed."""
     kept = tmp_path / "kept"
@@ -170,3 +178,26 @@ def test_mkdev_over_a_directory(cli, tmp_path):
 def test_mtab_costs_one_shell(cli):
     for words in ("mtab", "mtab dev x", "mtab mnt x"):
         assert cli.run(*words.split(), host="real-kernel").whole_log == ["shell cat /etc/mtab"]
+
+
+@pytest.mark.parametrize("piece", ("1", "100", "511"))
+def test_disk_that_moves_pieces(cli, tmp_path, piece):
+    """Interrupted transfers are begun again, and short ones go on where they ended."""
+    disk = tmp_path / "disk"
+    content = bytes(1 + place % 255 for place in range(1000 * 512))
+    disk.write_bytes(content)
+    slow = {**preloaded(cli), "PIECE": piece}
+    done = cli.run("sector", str(disk), "999", env=slow)
+    assert (done.status, done.body(OK)) == (0, hex_dump(content[999 * 512 :]))
+    done = cli.run("mdsb", "clear", str(disk), env=slow)
+    assert (done.status, done.stderr) == (0, HELLO + OK)
+    start = 768 * 512
+    assert disk.read_bytes() == content[:start] + bytes(4096) + content[start + 4096 :]
+
+
+def hex_dump(sector):
+    rows = ""
+    for position in range(0, 512, 16):
+        groups = (sector[start : start + 4].hex(" ").upper() for start in range(position, position + 16, 4))
+        rows += f"0x{position:04x} " + "".join(f"   {group}" for group in groups) + "\n"
+    return rows

@@ -65,7 +65,10 @@ def test_no_numbers(cli, count):
 
 
 @pytest.mark.parametrize("place", (0, 1, 2))
-@pytest.mark.parametrize("word", ("x", "", "1x", "0x1", "1.5", " 1", "1 ", "-", "+", "--1", "1e3"))
+@pytest.mark.parametrize(
+    "word",
+    ("x", "", "1x", "0x1", "1.5", " 1", "\t1", "\n1", "\v1", "\f1", "\r1", "1 ", "-", "+", "--1", "1e3"),
+)
 def test_no_number(cli, place, word):
     words = ["1", "5", "3"]
     words[place] = word

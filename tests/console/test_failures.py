@@ -3,7 +3,7 @@
 import pathlib
 
 import pytest
-from console_site import COPY, PAINTED
+from console_site import COPY, PAINTED, PLAIN
 from screens import (
     ALWAYS,
     ANOTHER,
@@ -222,3 +222,25 @@ def test_tool_that_paints_and_takes_its_time(site):
     plain = site.run("3\n1\n0\n0\n")
     assert site.run("3\n1\n0\n0\n", "terminal,status,pager=3,slow=5") == plain
     assert "ContainerID: 25\n" in plain
+
+
+LATE = """\
+#!/bin/sh
+"{}"
+echo 'Command Error: <The requested controller does not exist.>'
+"""
+
+
+@pytest.mark.parametrize(
+    "sub_menu, choice, asked, failure",
+    [
+        (CONTAINER, 1, [], NONE),
+        (DISK, 3, ADDRESS, "disk show space return :{}\n"),
+        (DISK, 4, [], "show disk partition return :{}\n"),
+    ],
+)
+def test_controller_that_goes_away_behind_its_answer(site, sub_menu, choice, asked, failure):
+    """The records that came before the error are not shown."""
+    site.configure(site.add_program("late", LATE.format(site.simulator)), COPY)
+    keys = "".join(f"{answer}\n" for answer in (sub_menu, choice, *(answer for _, answer in asked), 0, 0))
+    assert site.run(keys, PLAIN) == visit(sub_menu, numbers(*asked) + failure.format(-100))

@@ -1,18 +1,28 @@
 """Lines that nobody would type: far too long, not text, no numbers, numbers beyond every limit."""
 
+import os
+import subprocess
+
 import pytest
 from screens import (
+    ALWAYS,
     BYE,
+    CONTAINER_ID,
     CONTROLLER,
     HELLO,
     INDEX,
     LABEL,
+    LUN,
     MAIN,
+    QUICK,
     REPEAT,
+    SPACE,
     SUB_MENUS,
     TASK,
+    TASK_CONTAINER,
     UNKNOWN,
     numbers,
+    raid_disk,
     visit,
 )
 
@@ -143,3 +153,51 @@ def test_numbers_beyond_the_limits(site):
 @pytest.mark.parametrize("redirection", ["</dev/null", "</", "<&-"])
 def test_input_that_cannot_be_read(site, redirection):
     assert site.run("", redirection=redirection) == HELLO + MAIN + BYE
+
+
+def screen_until(console, prompt):
+    """Everything up to the prompt that the console waits at."""
+    screen = b""
+    while not screen.endswith(prompt.encode()):
+        piece = os.read(console.stderr.fileno(), 4096)
+        assert piece, screen
+        screen += piece
+    return screen
+
+
+@pytest.mark.parametrize(
+    "keys, prompt",
+    [
+        ("", "Command>"),
+        ("1\n2\n", INDEX),
+        ("2\n3\n0\n1\n", LUN),
+        ("3\n", "Command>Container>"),
+        ("3\n2\n", ALWAYS),
+        ("3\n2\n1\n", CONTAINER_ID),
+        ("4\n3\n", LABEL),
+        ("4\n2\na\n", QUICK),
+        ("4\n2\na\n1\n0\n2\n0\n", SPACE),
+        ("4\n2\na\n1\n0\n2\n0\n9\n0\n3\n", raid_disk(2)[2]),
+        ("5\n2\n", TASK_CONTAINER),
+        ("6\n3\n0\n1\n", LUN),
+    ],
+)
+def test_terminal_that_goes_away(site, keys, prompt):
+    """Reading fails then, which is no end of a file: nothing that was being asked for is done."""
+    site.record()
+    keyboard, terminal = os.openpty()
+    with subprocess.Popen(
+        site.command(),
+        stdin=terminal,
+        stderr=subprocess.PIPE,
+        cwd=site.work,
+        env=site.environment(""),
+        start_new_session=True,
+    ) as console:
+        os.close(terminal)
+        os.write(keyboard, keys.encode())
+        screen_until(console, prompt)
+        os.close(keyboard)
+        _, rest = console.communicate(timeout=20)
+    assert (console.returncode, rest.decode()) == (0, BYE)
+    assert not site.scripts.exists()

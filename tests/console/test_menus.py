@@ -19,7 +19,7 @@ def test_only_the_first_character_counts(site):
     assert site.run("5, please\n0x\n0 bye\n") == HELLO + MAIN + task + MAIN + BYE
 
 
-@pytest.mark.parametrize("line", ["", "7", "x", " 1", "-1", "clea", "Clear", "\t"])
+@pytest.mark.parametrize("line", ["", "7", "x", " 1", "-1", "clea", "Clear", " clear", "unclear", "\t"])
 def test_unknown_at_the_main_prompt(site, line):
     assert site.run(f"{line}\n0\n") == HELLO + MAIN + UNKNOWN + BYE
 
@@ -45,7 +45,7 @@ def test_clear_in_a_sub_menu(site, sub_menu, line):
 
 @every_sub_menu
 def test_unknown_in_a_sub_menu(site, sub_menu):
-    lines = ["c", "x", "A", " 1", "-1", "clea"]
+    lines = ["c", "x", "A", " 1", "-1", "clea", " clear", "unclear"]
     assert site.run("\n".join([sub_menu, *lines, "0", "0\n"])) == visit(
         sub_menu, *[SUB_MENUS[sub_menu][1]] * len(lines)
     )
