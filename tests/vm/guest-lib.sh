@@ -39,7 +39,7 @@ ask() {
 until_says() {
 	wanted=$1
 	shift
-	for _ in $(seq 300); do
+	for _ in $(seq 900); do
 		[ "$("$@")" != "$wanted" ] || return 0
 		sleep 0.1
 	done

@@ -149,6 +149,8 @@ until_says "frozen idle" actions 6 127
 array_state pending
 
 # --- everything is repaired ---
+# at once: of a busy disk the kernel takes no more than the lower limit
+echo 100000 > /proc/sys/dev/raid/speed_limit_min
 echo idle > /sys/block/md6/md/sync_action
 echo max > /sys/block/md6/md/sync_max
 echo max > /sys/block/md7/md/sync_max
