@@ -16,7 +16,7 @@ namespace
 std::vector<std::string> listings()
 {
 	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(RAID_DIRECTORY "/controllers"))
+	for (const auto &entry : fs::directory_iterator(HWRAID_DIRECTORY "/controllers"))
 		if (entry.path().extension() == ".txt")
 			names.push_back(entry.path().stem());
 	std::sort(names.begin(), names.end());
@@ -39,7 +39,7 @@ class Listing : public testing::TestWithParam<std::string>
 
 TEST_P(Listing, MeansWhatIsWrittenBesideIt)
 {
-	const fs::path path = fs::path(RAID_DIRECTORY "/controllers") / GetParam();
+	const fs::path path = fs::path(HWRAID_DIRECTORY "/controllers") / GetParam();
 	aac_controller *head = nullptr;
 	const int result = AnalyzeControllerFile((path.string() + ".txt").c_str(), &head);
 	EXPECT_EQ(described(result, head), read_file(path.string() + ".expected"));
@@ -65,7 +65,7 @@ class ControllerTest : public SiteTest
 protected:
 	void listing(const std::string &name)
 	{
-		answer(read_file(fs::path(RAID_DIRECTORY "/controllers") / (name + ".txt")));
+		answer(read_file(fs::path(HWRAID_DIRECTORY "/controllers") / (name + ".txt")));
 	}
 };
 

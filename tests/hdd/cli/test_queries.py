@@ -1,6 +1,6 @@
 """The printed records against what is told of every captured host.
 
-expected.json beside each host of ../hosts tells every field of every record.
+expected.json beside each host of ../../hosts tells every field of every record.
 """
 
 import json
@@ -11,7 +11,7 @@ import pytest
 from conftest import OK
 
 HERE = pathlib.Path(__file__).resolve().parent
-HOSTS = sorted(found.parent for found in (HERE.parent / "hosts").glob("*/host.txt"))
+HOSTS = sorted(found.parent for found in (HERE.parent.parent / "hosts").glob("*/host.txt"))
 COUNTERS = "MEMORY_COUNTER    hdd    : 0\nMEMORY_COUNTER    hwraid : 0\n"
 
 

@@ -5,7 +5,7 @@ import os
 import pathlib
 import subprocess
 
-SOURCES = pathlib.Path(__file__).resolve().parents[2]
+SOURCES = pathlib.Path(__file__).resolve().parents[3]
 FILTER = SOURCES / "tools" / "filter" / "diskscout-filter"
 PAINTED = "terminal,status"
 # Quicker than the filter for sites; the simulated tool must then write what needs no filter.

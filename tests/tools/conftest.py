@@ -83,7 +83,7 @@ class Tool:
 @pytest.fixture
 def tool(request, tmp_path):
     build_dir = pathlib.Path(request.config.getoption("--build-dir")).resolve()
-    modules = pathlib.Path(request.config.getoption("--modules") or build_dir / "tests" / "tool").resolve()
+    modules = pathlib.Path(request.config.getoption("--modules") or build_dir / "tests" / "tools").resolve()
     scratch = tmp_path / "tool"
     scratch.mkdir()
     return Tool(build_dir, modules, scratch)

@@ -95,7 +95,7 @@ void ContainerListTest::know_hot_spares()
 std::vector<std::string> listings()
 {
 	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(RAID_DIRECTORY "/containers"))
+	for (const auto &entry : fs::directory_iterator(HWRAID_DIRECTORY "/containers"))
 		if (entry.path().extension() == ".txt")
 			names.push_back(entry.path().stem());
 	std::sort(names.begin(), names.end());
@@ -109,7 +109,7 @@ class ContainerListing : public ContainerListTest, public testing::WithParamInte
 TEST_P(ContainerListing, MeansWhatIsWrittenBesideIt)
 {
 	know_hot_spares();
-	const std::string path = RAID_DIRECTORY "/containers/" + GetParam();
+	const std::string path = HWRAID_DIRECTORY "/containers/" + GetParam();
 	const int result = parse_file(path + ".txt");
 	EXPECT_EQ("result " + std::to_string(result) + "\n" + described(list_),
 	          read_file(path + ".expected"));

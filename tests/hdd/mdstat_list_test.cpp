@@ -73,7 +73,7 @@ std::string text_of_file(const fs::path &path)
 std::vector<std::string> tables()
 {
 	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(UNIT_DIRECTORY "/mdstat"))
+	for (const auto &entry : fs::directory_iterator(HDD_DIRECTORY "/mdstat"))
 		if (entry.path().extension() == ".txt")
 			names.push_back(entry.path().stem());
 	std::sort(names.begin(), names.end());
@@ -86,7 +86,7 @@ class MdstatTable : public MdstatList, public ::testing::WithParamInterface<std:
 
 TEST_P(MdstatTable, MeansWhatIsWrittenBesideIt)
 {
-	const std::string path = UNIT_DIRECTORY "/mdstat/" + GetParam();
+	const std::string path = HDD_DIRECTORY "/mdstat/" + GetParam();
 	EXPECT_EQ(meaning(text_of_file(path + ".txt")), text_of_file(path + ".expected"));
 }
 

@@ -9,7 +9,7 @@ import pytest
 from addresses import settle_addresses
 
 HERE = pathlib.Path(__file__).resolve().parent
-HOSTS = (HERE / "hosts", HERE.parent / "hosts")
+HOSTS = (HERE / "hosts", HERE.parent.parent / "hosts")
 STEERING = ("LD_PRELOAD", "REPLAY_SYSROOT", "REPLAY_LOG", "REPLAY_FAIL")
 
 HELLO = "stcli: Hello world!\n"

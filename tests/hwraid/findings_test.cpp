@@ -15,7 +15,7 @@ namespace
 std::vector<std::string> findings()
 {
 	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(RAID_DIRECTORY "/findings"))
+	for (const auto &entry : fs::directory_iterator(HWRAID_DIRECTORY "/findings"))
 		names.push_back(entry.path().filename());
 	std::sort(names.begin(), names.end());
 	return names;
@@ -29,7 +29,7 @@ TEST_P(Finding, IsSurvived)
 {
 	const Parser *parser = find_parser(GetParam().substr(0, GetParam().find('-')));
 	ASSERT_NE(parser, nullptr) << "the name begins with no parser's";
-	EXPECT_EQ(parser->check((fs::path(RAID_DIRECTORY "/findings") / GetParam()).c_str()), "");
+	EXPECT_EQ(parser->check((fs::path(HWRAID_DIRECTORY "/findings") / GetParam()).c_str()), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Findings, Finding, testing::ValuesIn(findings()),

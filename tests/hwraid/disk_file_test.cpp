@@ -115,7 +115,7 @@ std::vector<answer_t> answers()
 {
 	std::vector<answer_t> found;
 	for (const kind_t &kind : KINDS)
-		for (const auto &entry : fs::directory_iterator(fs::path(RAID_DIRECTORY) / kind.directory))
+		for (const auto &entry : fs::directory_iterator(fs::path(HWRAID_DIRECTORY) / kind.directory))
 			if (entry.path().extension() == ".txt")
 				found.push_back({&kind, entry.path().stem()});
 	std::sort(found.begin(), found.end(), [](const answer_t &a, const answer_t &b) {
@@ -126,7 +126,7 @@ std::vector<answer_t> answers()
 
 std::string path_of(const answer_t &answer)
 {
-	return std::string(RAID_DIRECTORY "/") + answer.kind->directory + "/" + answer.name;
+	return std::string(HWRAID_DIRECTORY "/") + answer.kind->directory + "/" + answer.name;
 }
 
 class Answer : public testing::TestWithParam<answer_t>
