@@ -182,7 +182,7 @@ def test_samples_of_the_inventory(tool, command, told):
 
 
 PROMPT = re.compile(
-    r"^(Command>(?:[A-Za-z]+>)?|Quick init:\(0/1\):|Please input (?:label:.*?\.\.\.\)|Disk 1 use space|.*?:))(.*)$"
+    r"^(Command>(?:[A-Za-z]+>)?|Quick init:\(0/1\):|Please input (?:label:.*?\.\.\.\)|.*?:))(.*)$"
 )
 
 

@@ -41,7 +41,8 @@ bool ReadLine(char *lpszLine, size_t nSize)
 	// From a serial line, lines end with two characters.
 	if (nLength > 0 && lpszLine[nLength - 1] == '\r')
 		nLength--;
-	// What came before the end may be half of a number: nobody should act on it.
+	// compat: a last line without its newline is no answer, for it may be half of a number. Whoever pipes
+	// keys in ends the last one, too.
 	lpszLine[c == EOF ? 0 : nLength] = '\0';
 	return c != EOF;
 }

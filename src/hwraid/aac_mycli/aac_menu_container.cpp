@@ -11,9 +11,8 @@ static constexpr char CONTAINER_PROMPT[] = "Please input Container ID(which defe
 
 static void PrintMembers(const aac_container &container)
 {
-	// A stripe of mirrors: nobody should take its members for disks.
-	if (container.Container_Type == KESTREL_HWRAID_TYPE_RAID10)
-		fputs("Members: containers, their numbers stand as Lun\n", stderr);
+	// compat: the members of a RAID 10 are containers, and their numbers stand as LUNs of disks 0:0; who
+	// reads on has to look at the type.
 	for (const int nMember : container.C_ID_L)
 		if (nMember != NO_MEMBER)
 			fprintf(stderr, "      Channel: %d ID:%d Lun:%d \n", GetChannelFromC_ID_L(nMember),

@@ -9,7 +9,7 @@
 #include <string.h>
 #include <utility>
 
-static constexpr int NOT_GIVEN = -1; // ends the disks of a creation, too
+static constexpr int NOT_GIVEN = -1; // a size or a stripe size, too; ends the disks of a creation
 
 // ---- members ----
 
@@ -58,8 +58,9 @@ static bool AskQuickInit(int *pnQuickInit)
 	return bAnswered;
 }
 
-// Of stripe sizes and container numbers: the limits leave no number, so nobody is asked and the tool gets
-// NOT_GIVEN. That is how the console has always been.
+// compat: of stripe sizes and container numbers the limits leave no number, so nobody is asked and the tool
+// gets NOT_GIVEN: it stripes as it likes, and refuses every RAID 10. Keys that are sent to the console count
+// on it.
 static bool AskNothing(const char *lpszPrompt, int *pnAnswer)
 {
 	return AskNumber(0, -1, lpszPrompt, pnAnswer);
@@ -82,12 +83,6 @@ static bool AskMemberMirror(Members *pMembers)
 	return AskNothing(lpszPrompt, &pMembers->nValues[pMembers->nCount++]);
 }
 
-// The space on the first disk is that on all.
-static bool AskFirstDisk(Members *pMembers, int *pnSpace)
-{
-	return AskMemberDisk(pMembers) && AskNumber(0, 99, "Please input Disk 1 use space", pnSpace);
-}
-
 static bool AskFurther(Members *pMembers, const char *lpszQuestion, bool (*pfnAsk)(Members *))
 {
 	while (pMembers->nCount < Members::MOST) {
@@ -103,6 +98,9 @@ static bool AskFurther(Members *pMembers, const char *lpszQuestion, bool (*pfnAs
 }
 
 // ---- levels ----
+//
+// compat: only RAID 0 asks for the space; RAID 1 and RAID 5 take all that there is. Keys that answered the
+// question there would answer the next disk's.
 
 static void CreateRaid0()
 {
@@ -111,7 +109,7 @@ static void CreateRaid0()
 	Members disks;
 	int nSpace;
 	if (!AskLabel(szLabel) || !AskNothing("Please input stripesize(16,32,64):", &nStripsize) ||
-	    !AskFirstDisk(&disks, &nSpace) ||
+	    !AskMemberDisk(&disks) || !AskNumber(0, 99, "Please input Disk 1 use space", &nSpace) ||
 	    !AskFurther(&disks, "Do you want to add abother disk?", AskMemberDisk))
 		return;
 	const auto Create = [&](auto... further) {
@@ -126,12 +124,11 @@ static void CreateRaid1()
 	char szLabel[256];
 	int nQuickInit;
 	Members disks;
-	int nSpace;
-	if (!AskLabel(szLabel) || !AskQuickInit(&nQuickInit) || !AskFirstDisk(&disks, &nSpace) ||
+	if (!AskLabel(szLabel) || !AskQuickInit(&nQuickInit) || !AskMemberDisk(&disks) ||
 	    !AskMemberDisk(&disks))
 		return;
 	fprintf(stderr, "create raid1 return:%d\n",
-	        Aac_Create_Raid1(CONTROLLER, szLabel, nQuickInit, disks.nValues[0], nSpace,
+	        Aac_Create_Raid1(CONTROLLER, szLabel, nQuickInit, disks.nValues[0], NOT_GIVEN,
 	                         disks.nValues[1]));
 }
 
@@ -156,13 +153,12 @@ static void CreateRaid5()
 	char szLabel[256];
 	int nQuickInit;
 	Members disks;
-	int nSpace;
-	if (!AskLabel(szLabel) || !AskQuickInit(&nQuickInit) || !AskFirstDisk(&disks, &nSpace) ||
+	if (!AskLabel(szLabel) || !AskQuickInit(&nQuickInit) || !AskMemberDisk(&disks) ||
 	    !AskFurther(&disks, "Do you want to add another disk?(0/1)", AskMemberDisk))
 		return;
 	const auto Create = [&](auto... further) {
-		return Aac_Create_Raid5(CONTROLLER, szLabel, nQuickInit, NOT_GIVEN, disks.nValues[0], nSpace,
-		                        disks.nValues[1], disks.nValues[2], further...);
+		return Aac_Create_Raid5(CONTROLLER, szLabel, nQuickInit, NOT_GIVEN, disks.nValues[0],
+		                        NOT_GIVEN, disks.nValues[1], disks.nValues[2], further...);
 	};
 	fprintf(stderr, "create raid5 return:%d\n", PassFrom<3>(disks, Create));
 }

@@ -46,7 +46,7 @@ def created(site, *answers):
 
 SETTINGS = ["label", *(0, 2, 0), 50]
 NO_LABEL = ["", *(0, 2, 0), 0]
-QUICKLY = ["label", 1, *(0, 2, 0), 50]
+QUICKLY = ["label", 1, *(0, 2, 0)]
 
 
 @pytest.mark.parametrize(
@@ -71,13 +71,14 @@ def test_raid_0(recorded, answers, command):
 @pytest.mark.parametrize(
     "answers, command",
     [
-        (QUICKLY + [1, 3, 4], 'new_mirror /label="label" /quick_init=true ((0,2,0),50M) (1,3,4) '),
-        (["", "", 9, 99, 9, 0, 8, 98, 8], "new_mirror ((9,99,9)) (8,98,8) "),
+        (QUICKLY + [1, 3, 4], 'new_mirror /label="label" /quick_init=true ((0,2,0)) (1,3,4) '),
+        (["", "", 9, 99, 9, 8, 98, 8], "new_mirror ((9,99,9)) (8,98,8) "),
     ],
 )
 def test_raid_1(recorded, answers, command):
     found, transcript = created(recorded, 2, *answers)
     assert found == f"container create {command}"
+    assert SPACE not in transcript
     assert "create raid1 return:0\n" in transcript
 
 
@@ -86,20 +87,21 @@ def test_raid_1(recorded, answers, command):
     [
         (
             QUICKLY + [1, 0, 3, 0, 1, 0, 4, 0, 0],
-            'raid5 /label="label" /quick_init=true ((0,2,0),50M) (0,3,0) (0,4,0)',
+            'raid5 /label="label" /quick_init=true ((0,2,0)) (0,3,0) (0,4,0)',
         ),
         (
             QUICKLY + [1, 1, 3, 0, 1, 0, 4, 1, 1, 0, 5, 0, 1, 9, 99, 9, 0],
-            'raid5 /label="label" /quick_init=true ((0,2,0),50M) (1,3,0) (0,4,1)(0,5,0) (9,99,9) ',
+            'raid5 /label="label" /quick_init=true ((0,2,0)) (1,3,0) (0,4,1)(0,5,0) (9,99,9) ',
         ),
-        (["", 0, 0, 2, 0, 0, 1, 0, 3, 0, 0], "raid5 ((0,2,0)) (0,3,0) (255,255,255)"),
-        (["", 0, 0, 2, 0, 0, 0], "raid5 ((0,2,0)) (255,255,255) (255,255,255)"),
+        (["", 0, 0, 2, 0, 1, 0, 3, 0, 0], "raid5 ((0,2,0)) (0,3,0) (255,255,255)"),
+        (["", 0, 0, 2, 0, 0], "raid5 ((0,2,0)) (255,255,255) (255,255,255)"),
     ],
 )
 def test_raid_5(recorded, answers, command):
     found, transcript = created(recorded, 4, *answers)
     assert found == f"container create {command}"
     assert "tripesize" not in transcript
+    assert SPACE not in transcript
     assert "create raid5 return:0\n" in transcript
 
 
@@ -115,7 +117,7 @@ def test_raid_10_names_no_container(recorded, more):
 @pytest.mark.parametrize("answer", ["", "0", "2", "yes", "true", "11", "1x", "01", " 1"])
 @pytest.mark.parametrize("choice, disks", [(2, [0, 3, 0]), (4, [0])])
 def test_only_1_initialises_quickly(recorded, choice, disks, answer):
-    assert "quick_init" not in created(recorded, choice, "", answer, 0, 2, 0, 0, *disks)[0]
+    assert "quick_init" not in created(recorded, choice, "", answer, 0, 2, 0, *disks)[0]
 
 
 @pytest.mark.parametrize(
@@ -157,10 +159,10 @@ def test_disks_that_raid_0_collects(recorded):
 
 
 def test_disks_that_raid_5_collects(recorded):
-    answers = ["", 0, *DISKS[0], 7, *more_disks(64)]
+    answers = ["", 0, *DISKS[0], *more_disks(64)]
     found, transcript = created(recorded, 4, *answers)
     disks = written(DISKS[1:3]).rstrip() + written(DISKS[3:])
-    assert found == f"container create raid5 ((0,0,0),7M) {disks}"
+    assert found == f"container create raid5 ((0,0,0)) {disks}"
     assert transcript.count(ANOTHER) == 63
     assert transcript.count("Please input Disk64 Lun(") == 1
 
@@ -205,15 +207,15 @@ ASKING = [
         RAID,
         2,
         [(LABEL, ""), (QUICK, "")],
-        [*raid_address(1), (SPACE, 99), *raid_address(2)],
-        "container create new_mirror ((9,99,9),99M) (9,99,9) ",
+        [*raid_address(1), *raid_address(2)],
+        "container create new_mirror ((9,99,9)) (9,99,9) ",
     ),
     (
         RAID,
         4,
         [(LABEL, ""), (QUICK, "")],
-        [*raid_address(1), (SPACE, 99), (ANOTHER, 1), *raid_address(2)],
-        "container create raid5 ((9,99,9),99M) (9,99,9) (255,255,255)",
+        [*raid_address(1), (ANOTHER, 1), *raid_address(2)],
+        "container create raid5 ((9,99,9)) (9,99,9) (255,255,255)",
     ),
     (TASK, 2, [], [(TASK_CONTAINER, 99)], "task list "),
     (MANAGEMENT, 3, [], ADDRESS, "disk show space (9,99,9)"),

@@ -37,7 +37,7 @@ ADDRESS = [(CHANNEL, 0), (DISK_ID, 1), (LUN, 0)]
 
 
 def first_disk():
-    return [*zip(raid_disk(1), (0, 2, 0)), (SPACE, 9)]
+    return [*zip(raid_disk(1), (0, 2, 0))]
 
 
 def second_disk():
@@ -60,7 +60,7 @@ CHOICES = [
         RAID,
         1,
         [(LABEL, "a")],
-        [*first_disk(), (ANOTHER_OF_RAID_0, 1), *second_disk(), (ANOTHER_OF_RAID_0, 0)],
+        [*first_disk(), (SPACE, 9), (ANOTHER_OF_RAID_0, 1), *second_disk(), (ANOTHER_OF_RAID_0, 0)],
         "create raid0 return:{}\n",
     ),
     (RAID, 2, [(LABEL, "a"), (QUICK, "1")], [*first_disk(), *second_disk()], "create raid1 return:{}\n"),
