@@ -1,19 +1,12 @@
-// The reader of the whole table of software-RAID arrays, and its dump: each mdstat/NAME.txt is such a table,
-// NAME.expected what it means: a line with the reader's result, then a line an array as in
-// mdstat_described.h.
+// The reader of the whole table of software-RAID arrays, and its dump: each case of mdstat.cases is such a
+// table and what it means: a line with the reader's result, then a line an array as in mdstat_described.h.
 //
 // Below them, what is too long or too broken for such a file.
+#include "../cases.h"
 #include "host.h"
 #include "mdstat_described.h"
 
 #include "replay/replay.h"
-
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
-namespace fs = std::filesystem;
 
 namespace
 {
@@ -61,41 +54,17 @@ protected:
 	std::unique_ptr<mdstat_devlist_t> list;
 };
 
-std::string text_of_file(const fs::path &path)
-{
-	std::ifstream in(path, std::ios::binary);
-	EXPECT_TRUE(in.good()) << path;
-	std::stringstream text;
-	text << in.rdbuf();
-	return text.str();
-}
-
-std::vector<std::string> tables()
-{
-	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(HDD_DIRECTORY "/mdstat"))
-		if (entry.path().extension() == ".txt")
-			names.push_back(entry.path().stem());
-	std::sort(names.begin(), names.end());
-	return names;
-}
-
-class MdstatTable : public MdstatList, public ::testing::WithParamInterface<std::string>
+class MdstatTable : public MdstatList, public ::testing::WithParamInterface<Case>
 {
 };
 
 TEST_P(MdstatTable, MeansWhatIsWrittenBesideIt)
 {
-	const std::string path = HDD_DIRECTORY "/mdstat/" + GetParam();
-	EXPECT_EQ(meaning(text_of_file(path + ".txt")), text_of_file(path + ".expected"));
+	EXPECT_EQ(meaning(GetParam().text), GetParam().meaning);
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, MdstatTable, ::testing::ValuesIn(tables()),
-                         [](const ::testing::TestParamInfo<std::string> &row) {
-				 std::string name = row.param;
-				 std::replace(name.begin(), name.end(), '-', '_');
-				 return name;
-			 });
+INSTANTIATE_TEST_SUITE_P(Tables, MdstatTable, ::testing::ValuesIn(read_cases(HDD_DIRECTORY "/mdstat.cases")),
+                         case_test_name);
 
 TEST_F(MdstatList, ArraysBelongToTheList)
 {

@@ -1,8 +1,9 @@
-// Container listings: each containers/NAME.txt is an answer of the tool, NAME.expected what it means: a line
-// with the parser's result, then a line a record as in described.h. The stand-in tool knows the hot spare
-// 1:N:0 for a container N that is even, and none for others.
+// Container listings: each case of answers/containers.cases is an answer of the tool and what it means: a
+// line with the parser's result, then a line a record as in described.h. The stand-in tool knows the hot
+// spare 1:N:0 for a container N that is even, and none for others.
 //
 // Below them, what is too long, too large or too broken for such a file.
+#include "../cases.h"
 #include "described.h"
 #include "site.h"
 
@@ -92,36 +93,20 @@ void ContainerListTest::know_hot_spares()
 
 // ---- listings and what they mean ----
 
-std::vector<std::string> listings()
-{
-	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(HWRAID_DIRECTORY "/containers"))
-		if (entry.path().extension() == ".txt")
-			names.push_back(entry.path().stem());
-	std::sort(names.begin(), names.end());
-	return names;
-}
-
-class ContainerListing : public ContainerListTest, public testing::WithParamInterface<std::string>
+class ContainerListing : public ContainerListTest, public testing::WithParamInterface<Case>
 {
 };
 
 TEST_P(ContainerListing, MeansWhatIsWrittenBesideIt)
 {
 	know_hot_spares();
-	const std::string path = HWRAID_DIRECTORY "/containers/" + GetParam();
-	const int result = parse_file(path + ".txt");
-	EXPECT_EQ("result " + std::to_string(result) + "\n" + described(list_),
-	          read_file(path + ".expected"));
+	EXPECT_EQ(parsed(GetParam().text), GetParam().meaning);
 	EXPECT_EQ(pContainerHeader, list_);
 }
 
-INSTANTIATE_TEST_SUITE_P(Containers, ContainerListing, testing::ValuesIn(listings()),
-                         [](const testing::TestParamInfo<std::string> &row) {
-				 std::string name = row.param;
-				 std::replace(name.begin(), name.end(), '-', '_');
-				 return name;
-			 });
+INSTANTIATE_TEST_SUITE_P(Containers, ContainerListing,
+                         testing::ValuesIn(read_cases(HWRAID_DIRECTORY "/answers/containers.cases")),
+                         case_test_name);
 
 TEST_F(ContainerListTest, ControllersNameDecidesWhereItEnds)
 {

@@ -1,26 +1,20 @@
-// Controller listings: each controllers/NAME.txt is an answer of the tool, NAME.expected what it means: a
+// Controller listings: each case of answers/controllers.cases is an answer of the tool and what it means: a
 // line with the parser's result, then a line a controller, its fields separated by '|'.
+#include "../cases.h"
 #include "site.h"
 
 #include "diskscout.h"
 #include "hwraid/aacraid/aac_controller.h"
 #include "hwraid/aacraid/hsa_20_need.h"
 
-#include <algorithm>
-
 namespace fs = std::filesystem;
 
 namespace
 {
 
-std::vector<std::string> listings()
+std::vector<Case> listings()
 {
-	std::vector<std::string> names;
-	for (const auto &entry : fs::directory_iterator(HWRAID_DIRECTORY "/controllers"))
-		if (entry.path().extension() == ".txt")
-			names.push_back(entry.path().stem());
-	std::sort(names.begin(), names.end());
-	return names;
+	return read_cases(HWRAID_DIRECTORY "/answers/controllers.cases");
 }
 
 std::string described(int result, const aac_controller *head)
@@ -33,25 +27,21 @@ std::string described(int result, const aac_controller *head)
 	return text;
 }
 
-class Listing : public testing::TestWithParam<std::string>
+class Listing : public SiteTest, public testing::WithParamInterface<Case>
 {
 };
 
 TEST_P(Listing, MeansWhatIsWrittenBesideIt)
 {
-	const fs::path path = fs::path(HWRAID_DIRECTORY "/controllers") / GetParam();
+	const fs::path path = site_ / "listing";
+	write_file(path, GetParam().text);
 	aac_controller *head = nullptr;
-	const int result = AnalyzeControllerFile((path.string() + ".txt").c_str(), &head);
-	EXPECT_EQ(described(result, head), read_file(path.string() + ".expected"));
+	const int result = AnalyzeControllerFile(path.c_str(), &head);
+	EXPECT_EQ(described(result, head), GetParam().meaning);
 	Aac_Clear_Controller_List(head);
 }
 
-INSTANTIATE_TEST_SUITE_P(Controllers, Listing, testing::ValuesIn(listings()),
-                         [](const testing::TestParamInfo<std::string> &row) {
-				 std::string name = row.param;
-				 std::replace(name.begin(), name.end(), '-', '_');
-				 return name;
-			 });
+INSTANTIATE_TEST_SUITE_P(Controllers, Listing, testing::ValuesIn(listings()), case_test_name);
 
 TEST(ControllerFile, ThatIsMissingFails)
 {
@@ -65,7 +55,10 @@ class ControllerTest : public SiteTest
 protected:
 	void listing(const std::string &name)
 	{
-		answer(read_file(fs::path(HWRAID_DIRECTORY "/controllers") / (name + ".txt")));
+		for (const Case &row : listings())
+			if (row.name == name)
+				return answer(row.text);
+		FAIL() << "no listing " << name;
 	}
 };
 

@@ -1,7 +1,8 @@
-// What the tool says about disks, free areas, pieces of disks and tasks: each disks/NAME.txt, spaces/NAME.txt
-// and so on is an answer of the tool, NAME.expected what it means: a line with the parser's result, then a
-// line a record with every field, separated by '|'. Addresses are hexadecimal: two digits each for channel,
-// ID and LUN. The free areas asked for are those of the disk 0:01:0.
+// What the tool says about disks, free areas, pieces of disks and tasks: each case of answers/disks.cases,
+// answers/spaces.cases and so on is an answer of the tool and what it means: a line with the parser's result,
+// then a line a record with every field, separated by '|'. Addresses are hexadecimal: two digits each for
+// channel, ID and LUN. The free areas asked for are those of the disk 0:01:0.
+#include "../cases.h"
 #include "site.h"
 
 #include "hwraid/aacraid/aac_disk.h"
@@ -12,7 +13,6 @@
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <tuple>
 
 namespace fs = std::filesystem;
 
@@ -83,7 +83,7 @@ int parse_spaces(const char *file, aac_space **head)
 }
 
 struct kind_t {
-	const char *directory;
+	const char *name;
 	std::string (*describe)(const std::string &file);
 };
 
@@ -102,49 +102,39 @@ const kind_t KINDS[] = {
 
 struct answer_t {
 	const kind_t *kind;
-	std::string name;
+	Case row;
 };
 
 // For a test's name in a report; of its bytes some are not set.
 void PrintTo(const answer_t &answer, std::ostream *stream)
 {
-	*stream << answer.kind->directory << ' ' << answer.name;
+	*stream << answer.kind->name << ' ' << answer.row.name;
 }
 
 std::vector<answer_t> answers()
 {
 	std::vector<answer_t> found;
 	for (const kind_t &kind : KINDS)
-		for (const auto &entry : fs::directory_iterator(fs::path(HWRAID_DIRECTORY) / kind.directory))
-			if (entry.path().extension() == ".txt")
-				found.push_back({&kind, entry.path().stem()});
-	std::sort(found.begin(), found.end(), [](const answer_t &a, const answer_t &b) {
-		return std::tie(a.kind, a.name) < std::tie(b.kind, b.name);
-	});
+		for (const Case &row :
+		     read_cases(std::string(HWRAID_DIRECTORY "/answers/") + kind.name + ".cases"))
+			found.push_back({&kind, row});
 	return found;
 }
 
-std::string path_of(const answer_t &answer)
-{
-	return std::string(HWRAID_DIRECTORY "/") + answer.kind->directory + "/" + answer.name;
-}
-
-class Answer : public testing::TestWithParam<answer_t>
+class Answer : public SiteTest, public testing::WithParamInterface<answer_t>
 {
 };
 
 TEST_P(Answer, MeansWhatIsWrittenBesideIt)
 {
-	EXPECT_EQ(GetParam().kind->describe(path_of(GetParam()) + ".txt"),
-	          read_file(path_of(GetParam()) + ".expected"));
+	write_file(site_ / "answer", GetParam().row.text);
+	EXPECT_EQ(GetParam().kind->describe((site_ / "answer").string()), GetParam().row.meaning);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Answer, testing::ValuesIn(answers()),
                          [](const testing::TestParamInfo<answer_t> &row) {
-				 std::string name =
-					 std::string(row.param.kind->directory) + "_" + row.param.name;
-				 std::replace(name.begin(), name.end(), '-', '_');
-				 return name;
+				 return as_test_name(std::string(row.param.kind->name) + "_" +
+	                                             row.param.row.name);
 			 });
 
 // ---- locale ----
@@ -176,17 +166,19 @@ protected:
 		SiteTest::TearDown();
 	}
 
-	static std::string read_in(const char *locale, const answer_t &answer)
+	std::string read_in(const char *locale, const answer_t &answer)
 	{
 		setlocale(LC_NUMERIC, locale);
-		return answer.kind->describe(path_of(answer) + ".txt");
+		return answer.kind->describe((site_ / "answer").string());
 	}
 };
 
 TEST_F(DecimalComma, ChangesNoNumber)
 {
-	for (const answer_t &answer : answers())
-		EXPECT_EQ(read_in("comma", answer), read_in("C", answer)) << path_of(answer);
+	for (const answer_t &answer : answers()) {
+		write_file(site_ / "answer", answer.row.text);
+		EXPECT_EQ(read_in("comma", answer), read_in("C", answer)) << answer.row.name;
+	}
 }
 
 // Neither does a comma become one.
@@ -203,7 +195,7 @@ TEST_F(DecimalComma, IsNotReadAsOne)
 TEST(AnswerFile, ThatIsMissingFails)
 {
 	for (const kind_t &kind : KINDS)
-		EXPECT_EQ(kind.describe("/no/such/file"), "result -1\n") << kind.directory;
+		EXPECT_EQ(kind.describe("/no/such/file"), "result -1\n") << kind.name;
 }
 
 // ---- long lines ----
@@ -253,8 +245,7 @@ TEST_P(LongLine, OfFiveHundredAndElevenCharactersIsWhole)
 // Only the newline is left for the next line: where a table ends at a blank line, it ends here.
 TEST_P(LongLine, OfFiveHundredAndTwelveCharactersLeavesItsNewline)
 {
-	const bool ends =
-		std::string(kind().directory) == "disks" || std::string(kind().directory) == "tasks";
+	const bool ends = std::string(kind().name) == "disks" || std::string(kind().name) == "tasks";
 	EXPECT_EQ(read(padded(row().row, 511) + "\n"),
 	          std::string("result 0\n") + row().record + (ends ? "" : row().record));
 }
@@ -299,7 +290,7 @@ TEST_P(LongLine, WithAnErrorTextBehindTheLimitIsAnotherError)
 
 INSTANTIATE_TEST_SUITE_P(Tables, LongLine, testing::Range<size_t>(0, 4),
                          [](const testing::TestParamInfo<size_t> &row) {
-				 return std::string(KINDS[row.param].directory);
+				 return std::string(KINDS[row.param].name);
 			 });
 
 } // namespace
