@@ -1,4 +1,8 @@
 # What our targets are compiled with, as interface libraries: link what applies.
+include(CheckCXXCompilerFlag)
+
+# Boot bytes and texts are numbers from -128 on in the records, on machines too whose plain char has no sign.
+add_compile_options(-fsigned-char)
 
 # Every C and C++ source of ours.
 add_library(diskscout_warnings INTERFACE)
@@ -21,9 +25,30 @@ endif()
 
 # The plug-in's own sources: it lives in a process that is not ours.
 add_library(diskscout_hardening INTERFACE)
-target_compile_options(
-  diskscout_hardening INTERFACE -fno-exceptions -fno-rtti -fstack-protector-strong -fstack-clash-protection
-                                -fcf-protection -ftrivial-auto-var-init=zero)
+target_compile_options(diskscout_hardening INTERFACE -fno-exceptions -fno-rtti)
+# What the machine or the compiler does not know is left out; the test library-file says what has to be there.
+foreach(
+  flag
+  -fstack-protector-strong
+  -fstack-clash-protection
+  -fcf-protection # x86
+  -mbranch-protection=standard # aarch64
+  -ftrivial-auto-var-init=zero)
+  string(MAKE_C_IDENTIFIER "HAVE${flag}" have)
+  check_cxx_compiler_flag(${flag} ${have})
+  if(${have})
+    target_compile_options(diskscout_hardening INTERFACE ${flag})
+  endif()
+endforeach()
+if(NOT HAVE_ftrivial_auto_var_init_zero)
+  # Some versions of clang ask for this word before they take the flag.
+  set(auto_var_init -ftrivial-auto-var-init=zero
+                    -enable-trivial-auto-var-init-zero-knowing-it-will-be-removed-from-clang)
+  check_cxx_compiler_flag("${auto_var_init}" HAVE_auto_var_init_with_word)
+  if(HAVE_auto_var_init_with_word)
+    target_compile_options(diskscout_hardening INTERFACE ${auto_var_init})
+  endif()
+endif()
 if(NOT DISKSCOUT_SANITIZE AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   # The sanitizers replace the checked calls, and without optimisation they do not exist.
   target_compile_definitions(diskscout_hardening INTERFACE _FORTIFY_SOURCE=2)

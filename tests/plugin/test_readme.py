@@ -39,7 +39,7 @@ def test_the_agent_compiles_and_prints_what_the_page_says(readme, build_dir, sou
 
 
 def test_the_tool_prints_what_the_page_says(readme, build_dir, source_dir):
-    (shown,) = [block for block in blocks(readme) if block.startswith("$ build/release/diskscout list")]
+    (shown,) = [block for block in blocks(readme) if block.startswith("$ build/run/diskscout list")]
     command, output = shown.split("\n", 1)
     done = subprocess.run([str(build_dir / "diskscout"), *command.split()[2:]], cwd=source_dir, check=True,
                           capture_output=True, text=True)
