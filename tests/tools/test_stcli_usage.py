@@ -137,6 +137,43 @@ def test_bad_usage_is_one_line_and_status_2(launcher, arguments, named):
 
 
 @pytest.mark.parametrize(
+    "arguments, named",
+    [
+        (["--frob", "--", "stdisk"], "--frob: there is no such option (see stcli --help)"),
+        (["--help", "--frob"], "--frob: there is no such option (see stcli --help)"),
+        (["---", "stdisk"], "---: there is no such option (see stcli --help)"),
+        (["--help=no"], "--help=no: there is no such option (see stcli --help)"),
+        (["--help=maybe"], "--help=maybe: there is no such option (see stcli --help)"),
+        (["--version="], "--version=: there is no such option (see stcli --help)"),
+        (["-h=x"], "-h=x: there is no such option (see stcli --help)"),
+        (["-hhx"], "-hhx: there is no such option (see stcli --help)"),
+        (["--plugin="], "--plugin=: the value must not be empty"),
+        (["--plugin=", "--config", "/a"], "--plugin=: the value must not be empty"),
+        (["--plugin=/a", "--plugin", "/a", "stdisk"], "--plugin: the option is given twice"),
+        (["--config", "/a=", "--config=/a=", "stdisk"], "--config=/a=: the option is given twice"),
+    ],
+)
+def test_bad_usage_is_quoted_as_it_was_written(launcher, arguments, named):
+    assert refused(launcher.run(*arguments)) == named
+
+
+@pytest.mark.parametrize("length", [3, 5, 8])
+def test_options_can_be_cut_short(launcher, host, length):
+    options = [f"{'--config'[:length]}=/raid.cfg", "--sysroot"[:length], host]
+    result = launcher.fake(*options, "stdisk")
+    assert (result.returncode, result.stderr) == (0, call("stdisk"))
+    report = launcher.report()
+    assert (report["configuration"], report["REPLAY_SYSROOT"]) == ("/raid.cfg", str(host))
+
+
+@pytest.mark.parametrize("value", ["-raid.cfg", "--plugin", "--", "a=b", "=", "[a,b]", "a b"])
+def test_values_may_look_like_anything(launcher, value):
+    for options in (["--config", value], [f"--config={value}"]):
+        assert launcher.fake(*options, "stdisk").returncode == 0
+        assert launcher.report()["configuration"] == value
+
+
+@pytest.mark.parametrize(
     "options",
     [
         ["--plugin", "{plugin}", "--config", "{config}", "--sysroot", "{host}"],
@@ -302,3 +339,64 @@ def test_help_with_closed_error_comes_on_standard_output(launcher):
     result = closed(launcher, "2>&-", "--help")
     assert result.returncode == 0
     assert result.stdout.endswith(COMMANDS)
+
+
+TOOL = "Cli Path:/opt/tool\nCli Name:toolcli\n"
+
+
+@pytest.mark.parametrize(
+    "text, named",
+    [
+        (TOOL, "/opt/tool/toolcli"),
+        ("Cli Path:/opt/tool/\nCli Name: //toolcli of ours\r\n", "/opt/tool/toolcli"),
+        ("Cli Path: /opt/my tool \t\r\nCli Name:toolcli", " /opt/my tool/toolcli"),
+        (TOOL + "Cli Name:other\nCli Path:/opt/b\n", "/opt/b/other"),
+        (TOOL + "Cli Name: \n cli Path:/x\ncli name:y\n# Cli Name:z\nCli Path:", "/opt/tool/toolcli"),
+        (TOOL + "#" * 255 + "Cli Name:behind\n", "/opt/tool/behind"),
+    ],
+)
+@pytest.mark.parametrize("captured", [False, True])
+def test_console_says_what_it_drives(launcher, host, tmp_path, text, named, captured):
+    config = tmp_path / "raid.cfg"
+    config.write_text(text)
+    options = ["--sysroot", host] if captured else []
+    result = launcher.fake("--config", config, *options, "hwraid")
+    said = f"stcli: the console drives {named}, named by the configuration {config}\n"
+    assert (result.returncode, result.stdout, result.stderr) == (0, "", said + call("hwraid"))
+
+
+@pytest.mark.parametrize("text", ["", "Cli Path:/opt/tool\n", "Cli Name:toolcli\n", TOOL + "Cli Path: \n"])
+def test_console_says_that_no_tool_is_named(launcher, tmp_path, text):
+    config = tmp_path / "raid.cfg"
+    config.write_text(text)
+    result = launcher.fake("--config", config, "hwraid")
+    said = f"stcli: the console has no controller tool: the configuration {config} names none\n"
+    assert (result.returncode, result.stderr) == (0, said + call("hwraid"))
+
+
+def test_console_says_that_its_configuration_is_missing(launcher):
+    result = launcher.fake("hwraid")
+    said = (
+        "stcli: the console has no controller tool: the configuration /nowhere/hardraid.cfg cannot be read: "
+        "No such file or directory\n"
+    )
+    assert (result.returncode, result.stderr) == (0, said + call("hwraid"))
+
+
+def test_console_of_a_plugin_that_does_not_tell(launcher):
+    result = launcher.run("--plugin", launcher.tool.old_plugin, "hwraid")
+    assert result.stderr.startswith(
+        "stcli: the plug-in does not tell which controller tool the console drives\n"
+    )
+
+
+def test_other_commands_drive_nothing(launcher):
+    assert launcher.fake("hwraids").stderr == call("hwraids")
+
+
+@pytest.mark.parametrize("words", [["--config", "/b"], ["--config=/b"], ["help"], [""], ["--"]])
+@pytest.mark.parametrize("options", [[], ["--config", "/a"], ["--sysroot", "/none"], ["--"]])
+def test_words_behind_the_console_are_refused(launcher, options, words):
+    message = refused(launcher.fake(*options, "hwraid", *words))
+    assert message == f'hwraid takes no words, "{words[0]}" stands behind it (options stand before it)'
+    assert not launcher.path.exists()

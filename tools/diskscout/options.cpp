@@ -93,18 +93,15 @@ options parse_options(int argc, char **argv)
 	             "diskscout");
 	app.set_version_flag("--version", "diskscout " DISKSCOUT_VERSION);
 	app.add_flag("--json", opts.json, "print one JSON document instead of tables");
-	app.add_option("--plugin", opts.plugin, "load this plug-in")->type_name("PATH")->check(refuse_empty);
-	app.add_option("--sysroot", opts.sysroot, "show the host that is captured in this directory")
-		->type_name("DIR")
-		->check(refuse_empty);
+	for (const common_option_t &row : common_options)
+		app.add_option(row.name, opts.*row.field, row.what)
+			->type_name(row.value)
+			->check(refuse_empty);
 	app.add_option("--controller", opts.controller, "show this RAID controller, not the first one")
 		->type_name("NAME")
 		->check(refuse_empty);
-	app.add_option("--config", opts.config, "the controller tool's configuration")
-		->type_name("FILE")
-		->check(refuse_empty);
 	// An empty group keeps an option out of the help: this one is between us and our second start.
-	app.add_flag("--replayed", opts.replayed)->group("");
+	app.add_flag(replayed_option, opts.replayed)->group("");
 	app.require_subcommand(1);
 	app.footer("Exit status: 0, 1 when a query or the output failed, 2 for bad usage.");
 
@@ -129,13 +126,11 @@ options parse_options(int argc, char **argv)
 std::vector<std::string> replayed_command_line(const options &opts, const std::string &program,
                                                const std::string &plugin)
 {
-	std::vector<std::string> arguments = {program, "--replayed", "--plugin", plugin};
+	std::vector<std::string> arguments = replayed_options(opts, program, plugin);
 	if (opts.json)
 		arguments.emplace_back("--json");
 	if (!opts.controller.empty())
 		arguments.push_back("--controller=" + opts.controller);
-	if (!opts.config.empty())
-		arguments.push_back("--config=" + opts.config);
 	arguments.emplace_back("list");
 	for (const kind *k : opts.kinds)
 		arguments.emplace_back(k->word);

@@ -1,98 +1,188 @@
 // The command line: stcli [--plugin PATH] [--sysroot DIR] [--config FILE] WORD...
 //
-// The options end at the first word. What follows belongs to the plug-in's command, whatever it looks like:
-// a library of options that looks for them among the words would be in the way here.
+// The options end at the first word. What follows belongs to the plug-in's command, whatever it looks like.
+// Complaints quote the caller's own words, so it matters which of them CLI11 is at.
 #include "command_line.h"
 
 #include "usage_error.h"
 
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <fmt/format.h>
-#include <getopt.h>
 
-const char usage_text[] = "Usage: stcli [OPTION]... WORD...\n"
-			  "\n"
-			  "Runs a diagnostic command of the storage plug-in. The first WORD is the command, "
-			  "the others are its own;\n"
-			  "options stand before it. Commands print on standard error.\n"
-			  "\n"
-			  "  --plugin PATH   load this plug-in\n"
-			  "  --sysroot DIR   look at the host that is captured in this directory\n"
-			  "  --config FILE   the controller tool's configuration, for hwraid\n"
-			  "  -h, --help      print this, and the commands that the plug-in has\n"
-			  "  --version       print the version\n"
-			  "\n"
-			  "Exit status: 0, 1 when the command or the output failed, 2 for bad usage.\n";
+// What the caller has written. CLI11 takes it from the back of `left`.
+struct arguments_t {
+	explicit arguments_t(std::vector<std::string> written)
+	    : all(std::move(written)), left(all.rbegin(), all.rend())
+	{
+	}
 
-// Codes for getopt; 'h' is an option of its own.
-enum { PLUGIN = 256, SYSROOT, CONFIG, VERSION, REPLAYED };
+	const std::string &taken(std::size_t before_last = 0) const
+	{
+		return all.at(all.size() - left.size() - 1 - before_last);
+	}
 
-static const struct option option_rows[] = {
-	{"plugin", required_argument, nullptr, PLUGIN},
-	{"sysroot", required_argument, nullptr, SYSROOT},
-	{"config", required_argument, nullptr, CONFIG},
-	{"help", no_argument, nullptr, 'h'},
-	{"version", no_argument, nullptr, VERSION},
-	// Between us and our second start: not in the usage text.
-	{"replayed", no_argument, nullptr, REPLAYED},
-	{nullptr, 0, nullptr, 0},
+	std::vector<std::string> all;
+	std::vector<std::string> left;
 };
 
-static void set_value(std::string &value, const char *option)
+class formatter_t : public CLI::Formatter
 {
-	if (!*optarg)
-		throw usage_error(fmt::format("{}: the value must not be empty", option));
-	if (!value.empty())
+public:
+	formatter_t() { column_width(18); }
+	// The description begins with it: CLI11 knows nothing of words.
+	std::string make_usage(const CLI::App *, std::string) const override { return ""; }
+	// The abbreviations are for those who know the whole name.
+	std::string make_option_name(const CLI::Option *option, bool) const override
+	{
+		const std::vector<std::string> &letters = option->get_snames();
+		return (letters.empty() ? "" : "-" + letters.front() + ", ") + "--" +
+		       option->get_lnames().front();
+	}
+};
+
+static usage_error no_such_option(const std::string &option)
+{
+	return usage_error(fmt::format("{}: there is no such option (see stcli --help)", option));
+}
+
+static usage_error empty_value(const std::string &option)
+{
+	return usage_error(fmt::format("{}: the value must not be empty", option));
+}
+
+// An option whose value is missing, or a flag that got one.
+static usage_error misused(const std::string &option)
+{
+	if (option.back() == '=')
+		return empty_value(option);
+	if (option.find('=') != std::string::npos)
+		return no_such_option(option);
+	return usage_error(fmt::format("{}: a value is missing (see stcli --help)", option));
+}
+
+static void set_value(std::string &field, const std::string &value, const arguments_t &arguments)
+{
+	const bool stands_apart = arguments.taken() == value;
+	const std::string &option = arguments.taken(stands_apart ? 1 : 0);
+	// CLI11 takes the next argument for what is missing behind an equals sign.
+	if (value.empty() || (stands_apart && option.back() == '='))
+		throw empty_value(option);
+	if (!field.empty())
 		throw usage_error(fmt::format("{}: the option is given twice", option));
-	value = optarg;
+	field = value;
 }
 
-static void apply(command_line &line, int code, const char *option)
+static void set_flag(bool &flag, const arguments_t &arguments)
 {
-	switch (code) {
-	case PLUGIN:
-		return set_value(line.plugin, option);
-	case SYSROOT:
-		return set_value(line.sysroot, option);
-	case CONFIG:
-		return set_value(line.config, option);
-	case 'h':
-		line.help = true;
-		return;
-	case VERSION:
-		line.version = true;
-		return;
-	case REPLAYED:
-		line.replayed = true;
-		return;
-	case ':':
-		throw usage_error(fmt::format("{}: a value is missing (see stcli --help)", option));
-	default:
-		throw usage_error(fmt::format("{}: there is no such option (see stcli --help)", option));
-	}
+	if (arguments.taken().find('=') != std::string::npos)
+		throw no_such_option(arguments.taken());
+	flag = true;
 }
 
-command_line parse_command_line(int argc, char **argv)
+// A long name and all that it can be cut to: each begins with a letter of its own.
+static std::string with_abbreviations(const std::string &name)
 {
-	command_line line;
-	for (;;) {
-		// Where the option stands that is read next: getopt moves on while it reads.
-		const int place = optind;
-		// '+': the first word ends the options; ':': the complaints are ours.
-		const int code = getopt_long(argc, argv, "+:h", option_rows, nullptr);
-		if (code == -1)
-			break;
-		apply(line, code, argv[place]);
+	std::string names = name;
+	for (std::size_t length = name.size() - 1; length > 2; length--)
+		names += "," + name.substr(0, length);
+	return names;
+}
+
+static void add_options(CLI::App &app, command_line_t &line, const arguments_t &arguments)
+{
+	for (const common_option_t &row : common_options) {
+		const auto set = [&line, &row, &arguments](const CLI::results_t &values) {
+			set_value(line.*row.field, values.front(), arguments);
+			return true;
+		};
+		app.add_option(with_abbreviations(row.name), set, row.what)
+			->type_name(row.value)
+			->trigger_on_parse();
 	}
-	line.words.assign(argv + optind, argv + argc);
+	const auto add_flag = [&](const std::string &names, bool &flag, const char *what) {
+		const auto set = [&flag, &arguments](std::int64_t) { set_flag(flag, arguments); };
+		return app.add_flag_function(names, set, what)->trigger_on_parse()->disable_flag_override();
+	};
+	add_flag("-h," + with_abbreviations("--help"), line.help,
+	         "print this, and the commands that the plug-in has");
+	add_flag(with_abbreviations("--version"), line.version, "print the version");
+	add_flag(replayed_option, line.replayed, "")->group("");
+}
+
+static void describe(CLI::App &app)
+{
+	app.description(
+		"Usage: stcli [OPTION]... WORD...\n"
+		"\n"
+		"Runs a diagnostic command of the storage plug-in. The first WORD is the command, the others "
+		"are its own;\n"
+		"options stand before it. Commands print on standard error.");
+	app.footer("Exit status: 0, 1 when the command or the output failed, 2 for bad usage.");
+	app.formatter(std::make_shared<formatter_t>());
+	app.set_help_flag();
+}
+
+static bool is_option(const std::string &argument)
+{
+	return argument.size() > 1 && argument.front() == '-';
+}
+
+// CLI11 takes "-hx" apart, and leaves "-x" over.
+static std::string as_written(const std::string &option, const arguments_t &arguments)
+{
+	const std::string tail = option.substr(1);
+	const auto holds = [&](const std::string &argument) {
+		return argument.rfind("-h", 0) == 0 && argument.size() > tail.size() &&
+		       argument.compare(argument.size() - tail.size(), tail.size(), tail) == 0;
+	};
+	if (std::find(arguments.all.begin(), arguments.all.end(), option) != arguments.all.end())
+		return option;
+	return *std::find_if(arguments.all.begin(), arguments.all.end(), holds);
+}
+
+static std::vector<std::string> words_of(std::vector<std::string> rest, const arguments_t &arguments)
+{
+	if (rest.empty())
+		return rest;
+	if (rest.front() == "--")
+		rest.erase(rest.begin());
+	else if (is_option(rest.front()))
+		throw no_such_option(as_written(rest.front(), arguments));
+	return rest;
+}
+
+command_line_t parse_command_line(int argc, char **argv)
+{
+	command_line_t line;
+	arguments_t arguments({argv + 1, argv + argc});
+	CLI::App app;
+	describe(app);
+	add_options(app, line, arguments);
+	app.prefix_command();
+	try {
+		app.parse(arguments.left);
+	} catch (const CLI::ParseError &) {
+		throw misused(arguments.taken());
+	}
+	line.words = words_of(app.remaining(), arguments);
 	return line;
 }
 
-std::vector<std::string> replayed_command_line(const command_line &line, const std::string &program,
+std::string usage_text()
+{
+	command_line_t line;
+	const arguments_t arguments({});
+	CLI::App app;
+	describe(app);
+	add_options(app, line, arguments);
+	return app.help();
+}
+
+std::vector<std::string> replayed_command_line(const command_line_t &line, const std::string &program,
                                                const std::string &plugin)
 {
-	std::vector<std::string> arguments = {program, "--replayed", "--plugin", plugin};
-	if (!line.config.empty())
-		arguments.insert(arguments.end(), {"--config", line.config});
+	std::vector<std::string> arguments = replayed_options(line, program, plugin);
 	// A first word that looks like an option has come behind this mark, too.
 	arguments.emplace_back("--");
 	arguments.insert(arguments.end(), line.words.begin(), line.words.end());

@@ -6,12 +6,15 @@
 //
 // Exit status: 0; 1 when the command or the output failed; 2 when the caller asked for what cannot be done.
 #include "command_line.h"
+#include "controller_tool.h"
 #include "output.h"
 #include "program.h"
 #include "sysroot.h"
 #include "tree.h"
+#include "usage_error.h"
 
 #include <cstdio>
+#include <fmt/format.h>
 
 const char program_name[] = "stcli";
 
@@ -22,37 +25,55 @@ static std::string commands_of(const std::string &plugin)
 }
 
 // The usage first: without a plug-in that can be loaded it is what is needed.
-static int help(const command_line &line)
+static int help(const command_line_t &line)
 {
-	fputs(usage_text, stdout);
+	fputs(usage_text().c_str(), stdout);
 	return write_output(commands_of(line.plugin)) ? STATUS_FINE : STATUS_FAILED;
 }
 
 // The same, where it was not asked for and must not be taken for an answer.
-static int no_words(const command_line &line)
+static int no_words(const command_line_t &line)
 {
-	fputs(usage_text, stderr);
+	fputs(usage_text().c_str(), stderr);
 	fputs(commands_of(line.plugin).c_str(), stderr);
 	return STATUS_USAGE;
 }
 
-static int run_command(const command_line &line)
+static bool is_console(const command_line_t &line)
+{
+	return line.words.front() == "hwraid";
+}
+
+// The plug-in drops them. An option among them may have named another controller, and what is deleted on the
+// wrong one is gone.
+static void refuse_words_of_console(const command_line_t &line)
+{
+	if (is_console(line) && line.words.size() > 1)
+		throw usage_error(fmt::format(
+			"hwraid takes no words, \"{}\" stands behind it (options stand before it)",
+			line.words[1]));
+}
+
+static int run_command(const command_line_t &line)
 {
 	const command_tree tree(plugin_file(line.plugin));
 	if (!line.config.empty())
 		tree.set_configuration(line.config);
+	if (is_console(line))
+		complain(driven_by_console(tree.configuration()));
 	return tree.run(line.words) ? STATUS_FINE : STATUS_FAILED;
 }
 
 static int run(int argc, char **argv)
 {
-	const command_line line = parse_command_line(argc, argv);
+	const command_line_t line = parse_command_line(argc, argv);
 	if (line.version)
 		return write_output("stcli " DISKSCOUT_VERSION "\n") ? STATUS_FINE : STATUS_FAILED;
 	if (line.help)
 		return help(line);
 	if (line.words.empty())
 		return no_words(line);
+	refuse_words_of_console(line);
 	if (line.replayed)
 		expect_captured_host();
 	if (!line.sysroot.empty())

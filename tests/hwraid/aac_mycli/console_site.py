@@ -94,17 +94,30 @@ class Site:
             "CONSOLE_SCRIPTS": str(self.scripts),
         }
 
-    def command(self):
-        return [str(self.program), "--config", str(self.config), "hwraid"]
+    def command(self, *behind):
+        return [str(self.program), "--config", str(self.config), "hwraid", *behind]
 
     def run(self, keys, fault="", redirection=""):
         """What the console prints for these keys, fed through a pipe; it must leave nothing behind.
 
         A shell's redirection puts something else in the pipe's place.
         """
+        status, output, transcript = self.launch(self.command(), keys, fault, redirection)
+        assert (status, output) == (0, "")
+        entry, _, rest = transcript.partition("\n")
+        self.check_entry(entry)
+        return rest
+
+    def check_entry(self, line):
+        """Before the console begins, the launcher tells what it drives, or why it drives nothing."""
+        assert line.startswith("stcli: the console ")
+        assert f" the configuration {self.config}" in line
+
+    def launch(self, command, keys, fault="", redirection=""):
+        """Exit status, output and transcript of this command; it must leave nothing behind."""
         data = keys if isinstance(keys, bytes) else keys.encode()
         with subprocess.Popen(
-            ["sh", "-c", f'exec "$@" {redirection}', "sh", *self.command()],
+            ["sh", "-c", f'exec "$@" {redirection}', "sh", *command],
             stdin=subprocess.PIPE,
             stdout=subprocess.PIPE,
             stderr=subprocess.PIPE,
@@ -118,8 +131,7 @@ class Site:
                 console.kill()
         assert processes_of(console.pid) == []
         self.check_work()
-        assert (console.returncode, output) == (0, b"")
-        return transcript.decode("ascii")
+        return console.returncode, output.decode("ascii"), transcript.decode("ascii")
 
     def check_work(self):
         assert list(self.work.iterdir()) == []

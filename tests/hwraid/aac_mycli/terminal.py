@@ -23,6 +23,7 @@ class Terminal:
         # No waits for the sake of waiting: what is awaited is on the screen.
         self.console.delaybeforesend = None
         self.console.ptyproc.delayafterclose = 0
+        site.check_entry(self.reads_until("\n"))
         self.sees(HELLO)
 
     def __enter__(self):
