@@ -1,6 +1,9 @@
 // The table of the commands, and those about controllers and tasks.
 #include "commands.h"
 
+#include "container_commands.h"
+#include "create_commands.h"
+#include "disk_commands.h"
 #include "text.h"
 
 #include <fmt/format.h>
@@ -110,30 +113,4 @@ void require_controller(const action &row, context &at)
 		throw command_error("Adapter must be opened before this command is used.");
 	if (row.changes && at.open_controller().availability != "read/write")
 		throw command_error("The controller is open for reading only.");
-}
-
-disk &require_disk(controller &where, const address &at)
-{
-	if (at.channel >= where.channels)
-		throw command_error("The specified channel was not found on the controller.");
-	for (disk &d : where.disks) {
-		if (d.at == at)
-			return d;
-	}
-	throw command_error("The specified device was not found.");
-}
-
-disk &require_storage(controller &where, const address &at)
-{
-	disk &d = require_disk(where, at);
-	if (d.type != "Disk")
-		throw command_error("The specified device is not a disk.");
-	return d;
-}
-
-container &require_container(controller &where, int number)
-{
-	if (container *const c = find_container(where, number))
-		return *c;
-	throw command_error("The specified container was not found.");
 }

@@ -1,5 +1,6 @@
 // Commands about existing containers.
-#include "commands.h"
+#include "container_commands.h"
+
 #include "space.h"
 #include "text.h"
 

@@ -1,5 +1,6 @@
 // Commands that create containers.
-#include "commands.h"
+#include "create_commands.h"
+
 #include "space.h"
 #include "text.h"
 

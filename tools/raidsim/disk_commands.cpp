@@ -1,5 +1,6 @@
 // Commands about disks.
-#include "commands.h"
+#include "disk_commands.h"
+
 #include "space.h"
 #include "text.h"
 

@@ -4,7 +4,7 @@
 //
 // The controllers live in the file RAIDSIM_STATE; RAIDSIM_FAULT says what goes wrong.
 #include "session.h"
-#include "state_file.h"
+#include "state_text.h"
 
 #include <chrono>
 #include <csignal>

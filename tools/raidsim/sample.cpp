@@ -1,7 +1,7 @@
 // The text that a new state file begins with: a mirror with a hot spare, a volume of one
 // disk, a stripe of two mirrors of which one is being rebuilt, free disks, an enclosure's processor,
 // and a second controller that is read only.
-#include "state_file.h"
+#include "sample.h"
 
 const char sample_state[] = R"(
 format version=1

@@ -1,6 +1,9 @@
 // The state's one text file: read whole, replaced whole.
 #include "state_file.h"
 
+#include "sample.h"
+#include "state_text.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>

@@ -9,8 +9,9 @@
 //
 // A disk, a container or a task belongs to the controller above it, a piece or a spare to the
 // container above it. Text with blanks, and empty text, stands in double quotes.
+#include "state_text.h"
+
 #include "state_fields.h"
-#include "state_file.h"
 #include "text.h"
 
 #include <algorithm>
