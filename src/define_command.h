@@ -1,8 +1,8 @@
 /*
  * The request that an agent hands to every query and release, and the codes it may carry.
  *
- * The layout is a binary interface (x86-64, natural alignment, little-endian). This header compiles alone
- * as C99 and as C++.
+ * The layout is a binary interface (64-bit pointers and longs, natural alignment, little-endian). This header
+ * compiles alone as C99 and as C++.
  */
 #ifndef DISKSCOUT_DEFINE_COMMAND_H
 #define DISKSCOUT_DEFINE_COMMAND_H

@@ -11,7 +11,7 @@
 #include <string.h>
 
 int memory_counter_hdd;
-// Nothing changes this one: the hardware RAID side deliberately does not count its records.
+// compat: the hardware RAID side does not count its records: this stays 0, and no leak there shows.
 int memory_counter_hwraid;
 
 int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
@@ -48,7 +48,7 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 	case CMD_FREE_RAID_SPACE:
 	case CMD_FREE_RAID_PARTITIONS:
 	case CMD_FREE_CONTROLLERS: {
-		// Deliberately the function that queries: it knows the release codes itself.
+		// compat: the query's function releases, too; the count that it sets to 0 is nobody's.
 		int nLength = 0;
 		return HWRAID__GetItemInfo(cmd, result, &nLength);
 	}

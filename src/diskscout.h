@@ -1,13 +1,14 @@
 /*
- * diskscout.so, as an agent sees it: three functions and the records that they hand out.
+ * diskscout.so, as an agent sees it: three functions and the records that they hand out. The RAID operations
+ * beside them are in diskscout_raid.h.
  *
  * A query builds a singly linked list, one allocation a record. The list belongs to the caller until it is
  * handed back with the release code of its query; the caller never frees a record itself. One thread at a
  * time may be inside the library.
  *
- * The layouts are a binary interface (x86-64, natural alignment, little-endian). Texts are NUL-terminated
- * and zero-filled. All sizes are bytes in 64-bit fields; 32-bit counts keep the low 32 bits of their value.
- * This header compiles alone as C99 and as C++.
+ * The layouts are a binary interface (64-bit pointers and longs, natural alignment, little-endian). Texts are
+ * NUL-terminated and zero-filled. All sizes are bytes in 64-bit fields; 32-bit counts keep the low 32 bits of
+ * their value. This header compiles alone as C99 and as C++.
  */
 #ifndef DISKSCOUT_H
 #define DISKSCOUT_H

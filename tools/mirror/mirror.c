@@ -9,6 +9,8 @@
  *
  * Exit status: 0; 1 when the operation failed; 2 for bad usage.
  */
+#include "diskscout_raid.h"
+
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -16,19 +18,18 @@
 
 enum { STATUS_FINE = 0, STATUS_FAILED = 1, STATUS_USAGE = 2 };
 
-/* The plug-in exports plain C functions; no installed header declares this one. */
-typedef int create_mirror(const char *controller, const char *label, int quick_init, int first_disk,
-                          int megabytes, int second_disk);
+/* Of a variable: the plug-in is loaded at run time, the header says what its name stands for. */
+typedef __typeof__(Aac_Create_Raid1) create_mirror;
 
 static const struct {
-	int code;
+	enum aac_result code;
 	const char *meaning;
 } failures[] = {
-	{-1, "the controller tool cannot be run; see the configuration"},
-	{-30, "a disk or the space on it was not found"},
-	{-70, "a disk is divided into too many pieces already"},
-	{-100, "the controller is missing or cannot be opened"},
-	{-200, "another program holds the controller"},
+	{AAC_RUN_FAILED, "the controller tool cannot be run; see the configuration"},
+	{AAC_NO_SPACE, "a disk or the space on it was not found"},
+	{AAC_DISK_CROWDED, "a disk is divided into too many pieces already"},
+	{AAC_CONTROLLER_UNUSABLE, "the controller is missing or cannot be opened"},
+	{AAC_CONTROLLER_BUSY, "another program holds the controller"},
 };
 
 static const char *meaning_of(int code)
@@ -69,7 +70,7 @@ static int megabytes_of(const char *text)
 static int name_configuration(void *plugin, const char *file)
 {
 	char *const name = dlsym(plugin, "g_szConfigFileName");
-	if (!name || strlen(file) > 255)
+	if (!name || strlen(file) >= sizeof g_szConfigFileName)
 		return -1;
 	strcpy(name, file);
 	return 0;
@@ -99,7 +100,7 @@ int main(int argc, char **argv)
 
 	result = create(argv[3], argv[4], 0, first, megabytes, second);
 	dlclose(plugin);
-	if (result != 0)
+	if (result != AAC_OK)
 		return complain(STATUS_FAILED, meaning_of(result));
 	printf("%s makes a mirror of %s and %s\n", argv[3], argv[6], argv[7]);
 	return STATUS_FINE;

@@ -50,7 +50,8 @@ int Disk_Space_GetFreeSpace(const aac_space *p);
 
 int Disk_Partition_Set_C_ID_L(aac_partition *p, int nC_ID_L);
 long long Disk_Partition_Set_OffSet(aac_partition *p, long long nOffset); // kilobytes
-// These three deliberately write the offset as well; the parser sets the fields themselves.
+// compat: these three write the offset, not the field of their name: whoever sets a size moves the piece. The
+// parser sets the fields itself.
 long long Disk_Partition_SetSize(aac_partition *p, long long nSize);
 int Disk_Partition_SetContainerID(aac_partition *p, int nID);
 int Disk_Partition_SetMultilevelContainerID(aac_partition *p, int nID);

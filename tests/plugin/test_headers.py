@@ -1,0 +1,55 @@
+"""What the library exports stands in one of its two headers, and nothing else does.
+
+An export whose definition has not seen its declaration is hidden and mangled: it is the headers that say C and
+visible. So what is found here under a plain name has the declared type.
+"""
+
+import re
+import subprocess
+
+import pytest
+
+HEADERS = ("diskscout.h", "diskscout_raid.h")
+
+
+@pytest.fixture(scope="module")
+def exports(build_dir):
+    lines = subprocess.run(["nm", "-D", "--defined-only", str(build_dir / "diskscout.so")], check=True,
+                           capture_output=True, text=True).stdout.splitlines()
+    return {line.split()[-1].split("@")[0] for line in lines}
+
+
+def declarations(text):
+    """The functions and variables of a header's visible part."""
+    (visible,) = re.findall(r"^#pragma GCC visibility push\(default\)$(.*)^#pragma GCC visibility pop$", text,
+                            re.MULTILINE | re.DOTALL)
+    code = re.sub(r"/\*.*?\*/", "", visible, flags=re.DOTALL)
+    return re.findall(r"(\w+)(?:\(|\[\d+\];|;)", code)
+
+
+def test_every_export_is_declared(exports, source_dir, tmp_path):
+    names = sorted(exports)
+    assert len(names) == 39
+    # Without a declaration a name is an error; __typeof__ takes functions and data alike.
+    table = "".join(f"extern __typeof__({name}) *const at_{name};\n"
+                    f"__typeof__({name}) *const at_{name} = &{name};\n" for name in names)
+    program = tmp_path / "exports.c"
+    program.write_text("".join(f'#include "{header}"\n' for header in HEADERS) + table)
+    done = subprocess.run(["cc", "-std=c99", "-pedantic-errors", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
+                           f"-I{source_dir}/src", str(program)], check=False, capture_output=True, text=True)
+    assert done.stderr == ""
+    assert done.returncode == 0
+
+
+def test_every_declaration_is_exported_and_stands_once(exports, source_dir):
+    declared = [name for header in HEADERS
+                for name in declarations((source_dir / "src" / header).read_text(encoding="utf-8"))]
+    assert sorted(declared) == sorted(exports)
+
+
+def test_no_other_header_declares_an_export(exports, source_dir):
+    again = [(str(header.relative_to(source_dir)), name)
+             for header in (source_dir / "src").rglob("*.h") if header.name not in HEADERS
+             for name in re.findall(r"^[^/\n]*?\b(\w+)\(", header.read_text(encoding="utf-8"), re.MULTILINE)
+             if name in exports]
+    assert again == []
