@@ -1,11 +1,11 @@
 // Inventory records become exported ones: one converter a kind, one way to link them, one to release them.
 #include "hdd/hdd.h"
 
+#include "base/record_list.h"
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 #include "hdd/sal/src/linux/parttab.h"
 
-#include <new>
 #include <string.h>
 
 // ---- records ----
@@ -18,7 +18,7 @@ template <class Record> static Record *open_record(Record **link)
 	if (*link) {
 		next = (*link)->next;
 	} else {
-		*link = static_cast<Record *>(operator new(sizeof(Record)));
+		*link = new Record;
 		memory_counter_hdd++;
 	}
 	b0(*link, sizeof **link);
@@ -150,54 +150,49 @@ int exe2stpart(const exe_part_t *part, tagStoragePartList **link)
 
 // ---- lists ----
 
-// Where the next record of a list goes: the caller's head first, then the link of the record before.
-template <class Record> class Chain
+// The list that an agent gets, as far as it has been written.
+template <class Record> class Answer
 {
 public:
-	Chain(void **head, int *length) : head_(head), length_(length) { *length_ = 0; }
+	Answer(void **head, int *length) : records_(head), length_(length) { *length_ = 0; }
 
 	template <class Item> void append(const Item &item, int (*convert)(const Item *, Record **))
 	{
-		Record *record = static_cast<Record *>(last_ ? last_->next : *head_);
+		Record *record = records_.following();
 		convert(&item, &record);
-		if (last_)
-			last_->next = record;
-		else
-			*head_ = record;
-		last_ = record;
-		++*length_;
+		records_.append(record);
+		*length_ = records_.count();
 	}
 
 private:
-	void **head_;
+	RecordList<Record, void *> records_;
 	int *length_;
-	Record *last_ = nullptr;
 };
 
 int stdisk_all(void **result, int *length)
 {
-	Chain<tagStorageDiskList> chain(result, length);
+	Answer<tagStorageDiskList> answer(result, length);
 	CLEARED_BY_CALLEE exe_disklist_t disks;
 	// Deliberately not examined: what was found is the answer.
 	get_exe_disklist(&disks, nullptr, nullptr);
 	for (const exe_disk_t &disk : live_items(disks))
-		chain.append(disk, exe2stdisk);
+		answer.append(disk, exe2stdisk);
 	return 0;
 }
 
 int stcdrom_all(void **result, int *length)
 {
-	Chain<tagStorageCdromList> chain(result, length);
+	Answer<tagStorageCdromList> answer(result, length);
 	CLEARED_BY_CALLEE exe_cdromlist_t cdroms;
 	get_exe_cdromlist(&cdroms, nullptr, nullptr);
 	for (const exe_cdrom_t &cdrom : live_items(cdroms))
-		chain.append(cdrom, exe2stcdrom);
+		answer.append(cdrom, exe2stcdrom);
 	return 0;
 }
 
 static int append_part(const exe_part_t *part, void *context)
 {
-	static_cast<Chain<tagStoragePartList> *>(context)->append(*part, exe2stpart);
+	static_cast<Answer<tagStoragePartList> *>(context)->append(*part, exe2stpart);
 	return 0;
 }
 
@@ -218,27 +213,21 @@ static int append_path(const exe_disk_t *disk, void *context)
 
 int stpart_all(void **result, int *length)
 {
-	Chain<tagStoragePartList> chain(result, length);
+	Answer<tagStoragePartList> answer(result, length);
 	disk_paths_t disks = {};
 	CLEARED_BY_CALLEE part_join_t join;
 	if (walk_exe_disks(append_path, &disks) != 0 || begin_part_join(&join) != 0)
 		return -1;
 
 	for (int i = 0; i < disks.num; i++)
-		if (walk_exe_parts(disks.path[i], &join, append_part, &chain) != 0)
+		if (walk_exe_parts(disks.path[i], &join, append_part, &answer) != 0)
 			return -1;
 	return 0;
 }
 
 template <class Record> static int clear_list(void **result)
 {
-	auto *record = static_cast<Record *>(*result);
-	while (record) {
-		Record *next = record->next;
-		operator delete(record);
-		memory_counter_hdd--;
-		record = next;
-	}
+	memory_counter_hdd -= release_records(static_cast<Record *>(*result));
 	*result = nullptr;
 	return 0;
 }

@@ -173,20 +173,6 @@ TEST(Digits, ValueOfATextOfDigits)
 		EXPECT_EQ(str_digits(row.text), row.value) << row.text;
 }
 
-TEST(HexDigit, EveryCharacter)
-{
-	const std::string_view lower = "0123456789abcdef";
-	const std::string_view upper = "0123456789ABCDEF";
-	for (int c = CHAR_MIN; c <= CHAR_MAX; c++) {
-		const char letter = static_cast<char>(c);
-		size_t expected = lower.find(letter);
-		if (expected == lower.npos)
-			expected = upper.find(letter);
-		EXPECT_EQ(str_hex_digit(letter), expected == lower.npos ? -1 : static_cast<int>(expected))
-			<< c;
-	}
-}
-
 TEST(Begins, WithThePrefix)
 {
 	EXPECT_TRUE(str_begins("/dev/sda", "/dev/"));

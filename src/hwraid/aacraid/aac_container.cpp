@@ -7,8 +7,8 @@
 //       0      0:02:0
 #include "hwraid/aacraid/aac_container.h"
 
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_public.h"
-#include "hwraid/aacraid/aac_record_list.h"
 #include "hwraid/aacraid/aac_scan.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
@@ -171,12 +171,13 @@ int Aac_Get_Container_List(const char *lpszControllerName, aac_container **pHead
 	const int nResult = RunTool(script, COMMAND_TRACES, [=](const char *lpszFile) {
 		return Get_Container_List_From_File(lpszControllerName, lpszFile, pHead);
 	});
-	return nResult == 0 ? CountRecords(*pHead) : nResult;
+	return nResult == 0 ? count_records(*pHead) : nResult;
 }
 
 int Aac_Clear_Container_List(aac_container *pHead)
 {
-	return ClearRecords(pHead);
+	release_records(pHead);
+	return 0;
 }
 
 int Aac_Container_Delete(const char *lpszControllerName, int nAlwaysInitEvenIfHasData, int nContainerID)

@@ -4,6 +4,7 @@
 //   /dev/sdc             big              0:05:0 64.0KB:33.9GB
 #include "hwraid/aacraid/aac_container_list.h"
 
+#include "base/text.h"
 #include "hwraid/aacraid/aac_public.h"
 #include "hwraid/aacraid/aac_scan.h"
 
@@ -27,7 +28,7 @@ static const char *SkipDigits(const char *p)
 
 static bool IsHexDigit(char c)
 {
-	return Is_0_9(c) || Is_a_f(c) || Is_A_F(c);
+	return hex_digit_value(c) >= 0;
 }
 
 // ---- first line ----
@@ -200,13 +201,6 @@ static bool IsAddress(const char *p)
 	       (p[6] == '\0' || IS_IN(p[6], " \t\n"));
 }
 
-static int HexValue(char c)
-{
-	if (Is_0_9(c))
-		return c - '0';
-	return Is_a_f(c) ? c - 'a' + 10 : c - 'A' + 10;
-}
-
 static void AddMember(aac_container *node, int nC_ID_L)
 {
 	node->nDiskNumber++;
@@ -224,7 +218,8 @@ int nodeGetCIDL(const char *lpszSingleLine, aac_container *node)
 		if (!IsAddress(p))
 			continue;
 		AddMember(node,
-		          GetC_ID_L(HexValue(p[0]), HexValue(p[2]) * 16 + HexValue(p[3]), HexValue(p[5])));
+		          GetC_ID_L(hex_digit_value(p[0]), hex_digit_value(p[2]) * 16 + hex_digit_value(p[3]),
+		                    hex_digit_value(p[5])));
 		break;
 	}
 	return 0;

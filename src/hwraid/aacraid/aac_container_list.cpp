@@ -18,6 +18,7 @@
 // on.
 #include "hwraid/aacraid/aac_container_list.h"
 
+#include "base/text.h"
 #include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_pieces.h"
 #include "hwraid/aacraid/aac_public.h"
@@ -119,12 +120,9 @@ int Deal_With_Single_Line(const char *, const char *, char *lpszSingleLine, aac_
 static bool StartsWithContainerNumber(const char *lpszText)
 {
 	const char *p = lpszText + strspn(lpszText, " \t");
-	if (!Is_0_9(*p))
-		return false;
-	int nNumber = 0;
-	for (; Is_0_9(*p) && nNumber < MAX_CONTAINERS; p++)
-		nNumber = nNumber * 10 + (*p - '0');
-	return nNumber < MAX_CONTAINERS;
+	std::string_view digits(p, strspn(p, "0123456789"));
+	int nNumber;
+	return take_decimal(&digits, &nNumber) && nNumber < MAX_CONTAINERS;
 }
 
 // "24 ..." at the start of a line: the number, else -1.

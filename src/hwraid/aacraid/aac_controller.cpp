@@ -8,8 +8,8 @@
 // Two blanks or more separate the fields of a row; one belongs inside a field.
 #include "hwraid/aacraid/aac_controller.h"
 
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_public.h"
-#include "hwraid/aacraid/aac_record_list.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
@@ -41,9 +41,10 @@ int AnalyzeControllerFile(const char *lpszFile, aac_controller **pHead)
 	FindEcho(&output, "Executing: controller list", &nError);
 	if (nError != 0)
 		return nError;
+	*pHead = nullptr;
 	RecordList<aac_controller> list(pHead);
 	for (ToolTable table(&output); table.Next();)
-		list.Append(MakeController(output.Line(), list.Count()));
+		list.append(MakeController(output.Line(), list.count()));
 	return 0;
 }
 
@@ -58,7 +59,7 @@ int Aac_Get_Controller_List(aac_controller **pHead)
 			OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nParsed);
 		return nParsed;
 	});
-	return nResult == 0 ? CountRecords(*pHead) : nResult;
+	return nResult == 0 ? count_records(*pHead) : nResult;
 }
 
 static const aac_controller *FindController(const aac_controller *pHead, int nPosition)
@@ -92,5 +93,6 @@ int Aac_Get_Controller_Name(char *lpszControllerName, int nPosition)
 
 int Aac_Clear_Controller_List(aac_controller *pHead)
 {
-	return ClearRecords(pHead);
+	release_records(pHead);
+	return 0;
 }

@@ -6,9 +6,9 @@
 // rate.
 #include "hwraid/aacraid/aac_disk.h"
 
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_disk_run.h"
 #include "hwraid/aacraid/aac_public.h"
-#include "hwraid/aacraid/aac_record_list.h"
 #include "hwraid/aacraid/aac_scan.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
@@ -73,6 +73,7 @@ static aac_disk *MakeDisk(char *lpszRow)
 
 int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
 {
+	*pHead = nullptr;
 	RecordList<aac_disk> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
@@ -81,7 +82,7 @@ int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
 	if (!FindEcho(&output, "Executing: disk list", &nError))
 		return nError;
 	for (ToolTable table(&output); table.Next();)
-		list.Append(MakeDisk(output.Line()));
+		list.append(MakeDisk(output.Line()));
 	return 0;
 }
 
@@ -94,12 +95,13 @@ int Aac_Get_Disk_List(const char *lpszControllerName, aac_disk **pHead)
 	const int nResult = RunOnDisks(script, "AnalyzeDiskFile", [pHead](const char *lpszFile) {
 		return AnalyzeDiskFile(lpszFile, pHead);
 	});
-	return nResult == 0 ? CountRecords(*pHead) : nResult;
+	return nResult == 0 ? count_records(*pHead) : nResult;
 }
 
 int Aac_Clear_Disk_List(aac_disk *pHead)
 {
-	return ClearRecords(pHead);
+	release_records(pHead);
+	return 0;
 }
 
 // ---- disk initialize ----

@@ -8,10 +8,10 @@
 //
 // Rows of "disk show partition" hold address, offset and size, container, its type, the container above, its
 // type, and access.
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_disk.h"
 #include "hwraid/aacraid/aac_disk_run.h"
 #include "hwraid/aacraid/aac_public.h"
-#include "hwraid/aacraid/aac_record_list.h"
 #include "hwraid/aacraid/aac_scan.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
@@ -69,13 +69,14 @@ static void TakeSpaceRow(const char *lpszRow, const DiskAddress &asked, RecordLi
 	if (address.nChannel != asked.nChannel || address.nID != asked.nID || address.nLun != asked.nLun ||
 	    !Including(szUsage, "Free"))
 		return;
-	aac_space *pSpace = pList->Append(new aac_space());
+	aac_space *pSpace = pList->append(new aac_space());
 	Disk_Space_SetOffset(pSpace, NearestInt(start.Kilobytes()));
 	Disk_Space_SetFreeSpace(pSpace, NearestInt(size.Kilobytes()));
 }
 
 int AnalyzeDiskShowSpaceFile(const char *lpszFile, int nChannel, int nID, int nLun, aac_space **pHead)
 {
+	*pHead = nullptr;
 	RecordList<aac_space> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
@@ -103,12 +104,13 @@ int Aac_Disk_Show_Space(const char *lpszControllerName, int nC_ID_L, aac_space *
 	const int nResult = RunOnDisks(script, "AnalyzeDiskShowDefectFile", [=](const char *lpszFile) {
 		return AnalyzeDiskShowSpaceFile(lpszFile, nChannel, nID, nLun, pHead);
 	});
-	return nResult == 0 ? CountRecords(*pHead) : nResult;
+	return nResult == 0 ? count_records(*pHead) : nResult;
 }
 
 int Aac_Clear_Disk_Space_List(aac_space *pHead)
 {
-	return ClearRecords(pHead);
+	release_records(pHead);
+	return 0;
 }
 
 // ---- pieces ----
@@ -157,6 +159,7 @@ static aac_partition *MakePartition(const char *lpszRow)
 
 int AnalyzePartitionFile(const char *lpszFile, aac_partition **pHead)
 {
+	*pHead = nullptr;
 	RecordList<aac_partition> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
@@ -171,7 +174,7 @@ int AnalyzePartitionFile(const char *lpszFile, aac_partition **pHead)
 		if (Including(lpszLine, "Command Error"))
 			return CodeOfErrorLine(lpszLine, DEVICE_ERRORS);
 		if (bEcho && bRule && IsPartitionRow(lpszLine))
-			list.Append(MakePartition(lpszLine));
+			list.append(MakePartition(lpszLine));
 		bEcho = bEcho || Including(lpszLine, "Executing: disk show partition");
 		bRule = bRule || Including(lpszLine, "------");
 	}
@@ -188,10 +191,11 @@ int Aac_Disk_Show_Partition(const char *lpszControllerName, aac_partition **pHea
 	const int nResult = RunOnDisks(script, "AnalyzePartitionFile", [pHead](const char *lpszFile) {
 		return AnalyzePartitionFile(lpszFile, pHead);
 	});
-	return nResult == 0 ? CountRecords(*pHead) : nResult;
+	return nResult == 0 ? count_records(*pHead) : nResult;
 }
 
 int Aac_Clear_Disk_Partition_List(aac_partition *pHead)
 {
-	return ClearRecords(pHead);
+	release_records(pHead);
+	return 0;
 }

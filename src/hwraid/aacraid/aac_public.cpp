@@ -1,5 +1,6 @@
 #include "hwraid/aacraid/aac_public.h"
 
+#include "base/text.h"
 #include "hwraid/aacraid/aac_pieces.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
@@ -166,17 +167,17 @@ int IS_IN(char c, const char *lpszSet)
 
 int Is_0_9(char c)
 {
-	return c >= '0' && c <= '9';
+	return is_digit(c);
 }
 
 int Is_a_f(char c)
 {
-	return c >= 'a' && c <= 'f';
+	return c >= 'a' && hex_digit_value(c) >= 0;
 }
 
 int Is_A_F(char c)
 {
-	return c >= 'A' && c <= 'F';
+	return c <= 'F' && hex_digit_value(c) >= 10;
 }
 
 int DeleteTailSpaceAndReturn(char *lpszString)

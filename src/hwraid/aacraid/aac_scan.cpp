@@ -1,20 +1,15 @@
 #include "hwraid/aacraid/aac_scan.h"
 
-#include "hwraid/aacraid/aac_public.h"
+#include "base/text.h"
 
 #include <charconv>
 #include <limits>
 #include <math.h>
 #include <string.h>
 
-static bool IsSpace(char c)
-{
-	return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 void FieldScan::SkipSpace()
 {
-	while (IsSpace(*m_p))
+	while (is_white_space(*m_p))
 		m_p++;
 }
 
@@ -23,23 +18,10 @@ FieldScan &FieldScan::Int(int *pnValue, int nWidth)
 	if (m_bFailed)
 		return *this;
 	SkipSpace();
-	const char *p = m_p;
-	const char *lpszEnd = p + strnlen(p, static_cast<size_t>(nWidth));
-	const bool bNegative = *p == '-';
-	if (p != lpszEnd && (*p == '-' || *p == '+'))
-		p++;
-	m_bFailed = p == lpszEnd || !Is_0_9(*p);
-	if (m_bFailed)
-		return *this;
-	const long long nLimit = bNegative ? -static_cast<long long>(INT_MIN) : INT_MAX;
-	long long nMagnitude = 0;
-	for (; p != lpszEnd && Is_0_9(*p); p++) {
-		nMagnitude = nMagnitude * 10 + (*p - '0');
-		if (nMagnitude > nLimit)
-			nMagnitude = nLimit;
-	}
-	*pnValue = static_cast<int>(bNegative ? -nMagnitude : nMagnitude);
-	m_p = p;
+	std::string_view field(m_p, strnlen(m_p, static_cast<size_t>(nWidth)));
+	m_bFailed = !take_decimal(&field, pnValue);
+	if (!m_bFailed)
+		m_p = field.data();
 	return *this;
 }
 
@@ -71,7 +53,7 @@ template <class Number> const char *ReadNumber(const char *lpszText, const char 
 	constexpr Number LARGEST = std::numeric_limits<Number>::max();
 	const bool bSigned = *lpszText == '-' || *lpszText == '+';
 	// Not the words for infinity and for no number: the tool prints none.
-	if (!Is_0_9(lpszText[bSigned]) && lpszText[bSigned] != '.')
+	if (!is_digit(lpszText[bSigned]) && lpszText[bSigned] != '.')
 		return nullptr;
 	if (*lpszText == '+')
 		lpszText++;
@@ -107,7 +89,7 @@ FieldScan &FieldScan::Word(char *lpszWord, size_t nSize, int nWidth)
 	SkipSpace();
 	m_bFailed = *m_p == '\0';
 	size_t nLength = 0;
-	for (; *m_p != '\0' && !IsSpace(*m_p) && nWidth > 0; nWidth--, m_p++)
+	for (; *m_p != '\0' && !is_white_space(*m_p) && nWidth > 0; nWidth--, m_p++)
 		if (nLength + 1 < nSize)
 			lpszWord[nLength++] = *m_p;
 	if (!m_bFailed)

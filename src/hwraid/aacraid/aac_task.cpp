@@ -6,8 +6,8 @@
 //     106   Bld/Vfy   0.0%      1      RUN   00000000  00000000
 #include "hwraid/aacraid/aac_task.h"
 
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_public.h"
-#include "hwraid/aacraid/aac_record_list.h"
 #include "hwraid/aacraid/aac_scan.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
@@ -40,6 +40,7 @@ static aac_task *MakeTask(char *lpszRow)
 
 int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
 {
+	*pHead = nullptr;
 	RecordList<aac_task> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
@@ -49,7 +50,7 @@ int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
 	if (nError != 0)
 		return nError;
 	for (ToolTable table(&output); table.Next();)
-		list.Append(MakeTask(output.Line()));
+		list.append(MakeTask(output.Line()));
 	return 0;
 }
 
@@ -63,7 +64,7 @@ int Aac_Get_Task_List(const char *lpszControllerName, aac_task **pHead)
 		OutputDebugString("AnalyzeTaskFile return %d.\n", nParsed);
 		return nParsed;
 	});
-	const int nReturned = nResult == 0 ? CountRecords(*pHead) : nResult;
+	const int nReturned = nResult == 0 ? count_records(*pHead) : nResult;
 	OutputDebugString("return :%d.\n", nReturned);
 	return nReturned;
 }
@@ -86,5 +87,6 @@ aac_task *Aac_Get_Container_Task(const char *lpszControllerName, int nContainerI
 
 int Aac_Clear_Task_List(aac_task *pHead)
 {
-	return ClearRecords(pHead);
+	release_records(pHead);
+	return 0;
 }

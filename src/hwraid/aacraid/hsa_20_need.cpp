@@ -1,9 +1,9 @@
 #include "hwraid/aacraid/hsa_20_need.h"
 
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_controller.h"
 #include "hwraid/aacraid/aac_disk.h"
-#include "hwraid/aacraid/aac_record_list.h"
 
 #include <stdio.h>
 #include <string.h>
@@ -94,19 +94,19 @@ static int Answer(const Request &request, int (*pfnOperation)(const Request &, I
 {
 	Internal *pRecord = nullptr;
 	if (!IsControllerName(request.lpszName) || pfnOperation(request, &pRecord) < 0) {
-		ClearRecords(pRecord);
+		release_records(pRecord);
 		return -1;
 	}
 	Exported *pHead = nullptr;
 	RecordList<Exported> list(&pHead);
 	while (pRecord) {
-		pfnCopy(*pRecord, list.Append(new Exported()));
+		pfnCopy(*pRecord, list.append(new Exported()));
 		Internal *pNext = pRecord->next;
 		delete pRecord;
 		pRecord = pNext;
 	}
 	*ppList = pHead;
-	*pnLength = list.Count();
+	*pnLength = list.count();
 	return 0;
 }
 
@@ -175,7 +175,7 @@ static Request DiskAndName(const char *lpszData)
 
 template <class Record> static void Release(void **ppList)
 {
-	ClearRecords(static_cast<Record *>(*ppList));
+	release_records(static_cast<Record *>(*ppList));
 	*ppList = nullptr;
 }
 

@@ -1,9 +1,7 @@
 #include "hdd/sal/src/0/cli.h"
 
+#include "base/text.h"
 #include "hdd/sal/src/0/fd.h"
-#include "hdd/sal/src/0/str.h"
-
-#include <limits.h>
 
 // The word at which the command begins; null when there is none.
 static const char *first_word(int argc, char **argv, int start)
@@ -106,30 +104,23 @@ int run_leaf(const char *name, const command_t *commands, size_t count, int argc
 
 // ---- words ----
 
-int word_to_int64(const char *word, int64_t *value)
+template <class Number> static int whole_word(std::string_view word, Number *value)
 {
-	std::string_view text = word;
-	// Taking a number off a text skips blanks before it.
-	if (text.empty() || text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r'))
-		return -1;
-	int64_t number;
-	if (!str_next_int(&text, &number) || !text.empty())
+	Number number;
+	if (!take_decimal(&word, &number) || !word.empty())
 		return -1;
 	*value = number;
 	return 0;
 }
 
+int word_to_int64(const char *word, int64_t *value)
+{
+	return whole_word(word, value);
+}
+
 int word_to_int(const char *word, int *value)
 {
-	int64_t number;
-	if (word_to_int64(word, &number) != 0)
-		return -1;
-	if (number > INT_MAX)
-		number = INT_MAX;
-	else if (number < INT_MIN)
-		number = INT_MIN;
-	*value = static_cast<int>(number);
-	return 0;
+	return whole_word(word, value);
 }
 
 bool is_readable(const char *path)

@@ -1,5 +1,6 @@
 #include "hdd/sal/src/0/fn.h"
 
+#include "base/text.h"
 #include "hdd/sal/src/0/str.h"
 
 #include <string.h>
@@ -13,7 +14,7 @@ devname_t split_devname(std::string_view path)
 		name.base.remove_prefix(separator + 1);
 
 	name.stem = name.base;
-	while (!name.stem.empty() && name.stem.back() >= '0' && name.stem.back() <= '9')
+	while (!name.stem.empty() && is_digit(name.stem.back()))
 		name.stem.remove_suffix(1);
 
 	std::string_view digits = name.base;

@@ -1,6 +1,7 @@
 #include "hdd/sal/src/0/str.h"
 
-#include <limits.h>
+#include "base/text.h"
+
 #include <string.h>
 
 void b0(void *p, unsigned long n)
@@ -41,11 +42,6 @@ std::string_view str_cut(std::string_view text)
 	return std::string_view(text.data(), length);
 }
 
-static bool is_blank(char c)
-{
-	return c == ' ' || c == '\t';
-}
-
 std::string_view str_cut_strip(std::string_view text)
 {
 	text = str_cut(text);
@@ -69,19 +65,9 @@ bool str_is_blank(const char *text)
 	return ends_field(*text);
 }
 
-static bool is_space(char c)
-{
-	return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-static bool is_digit(char c)
-{
-	return c >= '0' && c <= '9';
-}
-
 static void skip_space(std::string_view *text)
 {
-	while (!text->empty() && is_space(text->front()))
+	while (!text->empty() && is_white_space(text->front()))
 		text->remove_prefix(1);
 }
 
@@ -89,7 +75,7 @@ bool str_next_word(std::string_view *text, std::string_view *word)
 {
 	skip_space(text);
 	size_t length = 0;
-	while (length < text->size() && !is_space((*text)[length]))
+	while (length < text->size() && !is_white_space((*text)[length]))
 		length++;
 	*word = std::string_view(text->data(), length);
 	text->remove_prefix(length);
@@ -99,43 +85,7 @@ bool str_next_word(std::string_view *text, std::string_view *word)
 bool str_next_int(std::string_view *text, int64_t *value)
 {
 	skip_space(text);
-	const bool negative = !text->empty() && text->front() == '-';
-	if (negative || (!text->empty() && text->front() == '+'))
-		text->remove_prefix(1);
-	if (text->empty() || !is_digit(text->front()))
-		return false;
-	const uint64_t limit = static_cast<uint64_t>(INT64_MAX) + (negative ? 1 : 0);
-	uint64_t magnitude = 0;
-	for (; !text->empty() && is_digit(text->front()); text->remove_prefix(1)) {
-		const auto digit = static_cast<uint64_t>(text->front() - '0');
-		magnitude = magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
-	}
-	*value = static_cast<int64_t>(negative ? 0 - magnitude : magnitude);
-	return true;
-}
-
-struct hex_digits_t {
-	int8_t value[256];
-};
-
-static constexpr hex_digits_t make_hex_digits()
-{
-	hex_digits_t digits = {};
-	for (int8_t &value : digits.value)
-		value = -1;
-	for (int8_t i = 0; i < 10; i++)
-		digits.value['0' + i] = i;
-	for (int8_t i = 0; i < 6; i++) {
-		digits.value['a' + i] = static_cast<int8_t>(10 + i);
-		digits.value['A' + i] = static_cast<int8_t>(10 + i);
-	}
-	return digits;
-}
-
-int str_hex_digit(char c)
-{
-	static constexpr hex_digits_t DIGITS = make_hex_digits();
-	return DIGITS.value[static_cast<unsigned char>(c)];
+	return take_decimal(text, value);
 }
 
 bool str_next_hex4(std::string_view *text, unsigned *value)
@@ -144,7 +94,7 @@ bool str_next_hex4(std::string_view *text, unsigned *value)
 	const size_t limit = text->size() < 4 ? text->size() : 4;
 	size_t length = 0;
 	unsigned sum = 0;
-	for (int digit; length < limit && (digit = str_hex_digit((*text)[length])) >= 0; length++)
+	for (int digit; length < limit && (digit = hex_digit_value((*text)[length])) >= 0; length++)
 		sum = sum * 16 + static_cast<unsigned>(digit);
 	text->remove_prefix(length);
 	*value = sum;
@@ -153,14 +103,10 @@ bool str_next_hex4(std::string_view *text, unsigned *value)
 
 int str_digits(std::string_view digits)
 {
-	int value = digits.empty() ? -1 : 0;
-	for (const char c : digits) {
-		if (!is_digit(c))
-			return -1;
-		const int digit = c - '0';
-		value = value > (INT_MAX - digit) / 10 ? INT_MAX : value * 10 + digit;
-	}
-	return value;
+	int value;
+	if (digits.empty() || !is_digit(digits.front()) || !take_decimal(&digits, &value))
+		return -1;
+	return digits.empty() ? value : -1;
 }
 
 std::string_view str_columns(std::string_view text, size_t column, size_t length)

@@ -35,8 +35,6 @@ bool str_next_hex4(std::string_view *text, unsigned *value);
 // The value of a text of decimal digits; -1 when it is empty or holds anything else, INT_MAX when it is too
 // long for an int.
 int str_digits(std::string_view digits);
-// The value of one hexadecimal digit of either case, or -1.
-int str_hex_digit(char c);
 
 // The text from a column on, counted from 0, of at most that length; empty behind the text's end.
 std::string_view str_columns(std::string_view text, size_t column, size_t length = SIZE_MAX);

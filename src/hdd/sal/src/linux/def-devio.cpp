@@ -1,7 +1,7 @@
 #include "hdd/sal/src/linux/def-devio.h"
 
+#include "base/text.h"
 #include "hdd/sal/src/0/fn.h"
-#include "hdd/sal/src/0/str.h"
 
 const char PROCSCSISCSI_PATH[FNAME_SIZE] = "/proc/scsi/scsi";
 const char *const PPROCSCSISCSI_PATH = PROCSCSISCSI_PATH;
@@ -26,8 +26,8 @@ const int SCSIDEV_MAJOR[SCSIDEV_MAJORS] = {8, 65, 66, 67, 68, 69, 70, 71};
 // The value of two hexadecimal digits, or -1.
 static int hex_byte(const char *digits)
 {
-	const int high = str_hex_digit(digits[0]);
-	const int low = str_hex_digit(digits[1]);
+	const int high = hex_digit_value(digits[0]);
+	const int low = hex_digit_value(digits[1]);
 	return high < 0 || low < 0 ? -1 : high * 16 + low;
 }
 

@@ -8,6 +8,7 @@
 // no name for stands as [dev 08:11]. Blocks are of 1024 bytes.
 #include "hdd/sal/src/linux/mdstat.h"
 
+#include "base/text.h"
 #include "hdd/sal/src/0/fs.h"
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
@@ -19,27 +20,23 @@
 
 static bool begins_with_digit(std::string_view text)
 {
-	return !text.empty() && text[0] >= '0' && text[0] <= '9';
+	return !text.empty() && is_digit(text[0]);
 }
 
 // The number at the text's start. False when there is none.
 static bool take_number(std::string_view *text, int64_t *value)
 {
-	return begins_with_digit(*text) && str_next_int(text, value);
+	return begins_with_digit(*text) && take_decimal(text, value);
 }
 
 static bool take_int(std::string_view *text, int *value)
 {
-	int64_t number;
-	if (!take_number(text, &number))
-		return false;
-	*value = number > INT_MAX ? INT_MAX : static_cast<int>(number);
-	return true;
+	return begins_with_digit(*text) && take_decimal(text, value);
 }
 
 static void skip_blanks(std::string_view *text)
 {
-	while (!text->empty() && (text->front() == ' ' || text->front() == '\t'))
+	while (!text->empty() && is_blank(text->front()))
 		text->remove_prefix(1);
 }
 

@@ -6,6 +6,7 @@
 //              0040 0208 0000 0010 7e00 0200 003f 0000
 #include "hdd/sal/src/linux/procide.h"
 
+#include "base/text.h"
 #include "hdd/sal/src/0/dir.h"
 #include "hdd/sal/src/0/fn.h"
 #include "hdd/sal/src/0/fs.h"
@@ -45,8 +46,8 @@ static bool parse_identify_columns(const line_t line, char *row)
 {
 	int seen = 0; // turns negative at the first character that is no digit
 	for (int i = 0; i < WORDS_A_LINE; i++, line += 5) {
-		const int high = str_hex_digit(line[0]) * 16 | str_hex_digit(line[1]);
-		const int low = str_hex_digit(line[2]) * 16 | str_hex_digit(line[3]);
+		const int high = hex_digit_value(line[0]) * 16 | hex_digit_value(line[1]);
+		const int low = hex_digit_value(line[2]) * 16 | hex_digit_value(line[3]);
 		seen |= high | low | (line[4] == ' ' || i + 1 == WORDS_A_LINE ? 0 : -1);
 		*row++ = static_cast<char>(high);
 		*row++ = static_cast<char>(low);
