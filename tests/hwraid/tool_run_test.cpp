@@ -1,10 +1,14 @@
 // One run of the controller tool, seen through the smallest operation: what it needs, what it does when
 // something is missing, and that it leaves nothing behind.
+#include "outside.h"
 #include "site.h"
 
+#include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_controller.h"
 #include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/output_debug_string.h"
 
+#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
 
@@ -75,11 +79,104 @@ TEST_F(ToolRunTest, AConfigurationThatNamesNoToolIsFinal)
 	EXPECT_FALSE(tool_ran());
 }
 
-TEST_F(ToolRunTest, WithoutAFilterTheToolGetsNoCommand)
+const char *const SCRIPT = "11111111-1111-1111-1111-111111111111";
+const char *const RAW = "22222222-2222-2222-2222-222222222222";
+const char *const FILTERED = "33333333-3333-3333-3333-333333333333";
+
+std::vector<std::string> with_removals(std::vector<std::string> commands)
+{
+	for (const char *const name : {SCRIPT, RAW, FILTERED})
+		commands.push_back(std::string("rm -rf ") + name);
+	return commands;
+}
+
+// What is traced, and which commands a shell is given.
+class TracedRunTest : public ToolRunTest
+{
+protected:
+	void SetUp() override
+	{
+		ToolRunTest::SetUp();
+		outside.first_name = 1;
+		g_nIfNeedDebug = 1;
+	}
+	void TearDown() override
+	{
+		g_nIfNeedDebug = 0;
+		ToolRunTest::TearDown();
+	}
+	template <typename Operation> static std::string trace_of(const Operation &operation)
+	{
+		testing::internal::CaptureStderr();
+		EXPECT_EQ(operation(), -1);
+		return testing::internal::GetCapturedStderr();
+	}
+	static std::string trace() { return trace_of(run); }
+};
+
+using testing::HasSubstr;
+
+TEST_F(TracedRunTest, WithoutAConfigurationTheCommandIsNotRunAndFails)
+{
+	std::filesystem::remove(site_ / "config");
+	const auto delete_one = [] { return Aac_Container_Delete("aac0", 0, 1); };
+	EXPECT_THAT(trace_of(delete_one), HasSubstr(std::string("system call return = 32512, szCommandLine= "
+	                                                        "(null) <") +
+	                                            SCRIPT + " >" + RAW + "\n"));
+	EXPECT_EQ(outside.commands, with_removals({}));
+}
+
+TEST_F(TracedRunTest, WithoutAToolTheCommandIsNotRunAndFails)
+{
+	configure("Cli Name:tool\nFilter Script:" + (site_ / "filter").string() + "\n");
+	EXPECT_THAT(trace(),
+	            HasSubstr(std::string("system call return != 0:  <") + SCRIPT + " >" + RAW + "\n"));
+	EXPECT_EQ(outside.commands, with_removals({}));
+	EXPECT_STREQ(getenv("TERM"), "linux");
+}
+
+TEST_F(TracedRunTest, WithoutAFilterTheToolRunsAndTheLineOfTheFilterFails)
 {
 	configure("Cli Path:" + site_.string() + "\nCli Name:tool\n");
-	EXPECT_EQ(run(), -1);
-	EXPECT_FALSE(tool_ran());
+	const std::string line = std::string(" ") + RAW + " " + FILTERED;
+	const auto delete_one = [] { return Aac_Container_Delete("aac0", 0, 1); };
+	EXPECT_THAT(trace_of(delete_one),
+	            HasSubstr("system call return = 32512, szCommandLine= " + line + "\n"));
+	EXPECT_TRUE(tool_ran());
+	EXPECT_EQ(outside.commands,
+	          with_removals({(site_ / "tool").string() + " <" + SCRIPT + " >" + RAW, line}));
+}
+
+TEST_F(TracedRunTest, ARawOutputThatCannotBeMadeFailsLikeAToolThatCannotBeRun)
+{
+	outside.failing_creation = 2;
+	EXPECT_THAT(trace(), HasSubstr("system call return != 0: " + (site_ / "tool").string() + " <" +
+	                               SCRIPT + " >" + RAW + "\n"));
+	EXPECT_EQ(outside.commands, with_removals({}));
+}
+
+TEST_F(TracedRunTest, AScriptThatCannotBeMadeEndsTheRun)
+{
+	outside.failing_creation = 1;
+	EXPECT_THAT(trace(), HasSubstr(" can not create file.\n"));
+	EXPECT_EQ(outside.commands, std::vector<std::string>());
+}
+
+TEST_F(TracedRunTest, AScriptThatCannotBeWrittenIsRemoved)
+{
+	outside.fdopen_fails = true;
+	EXPECT_THAT(trace(), HasSubstr(" can not create file.\n"));
+	EXPECT_EQ(outside.commands, std::vector<std::string>{std::string("rm -rf ") + SCRIPT});
+}
+
+TEST_F(TracedRunTest, WithoutATerminalForTheToolOnlyTheScriptIsRemoved)
+{
+	outside.setenv_fails = true;
+	std::filesystem::remove(site_ / "config");
+	const std::string said = trace();
+	EXPECT_THAT(said, HasSubstr("ERROR! ==> setenv return != 0\n"));
+	EXPECT_THAT(said, testing::Not(HasSubstr("can not open the file")));
+	EXPECT_EQ(outside.commands, std::vector<std::string>{std::string("rm -rf ") + SCRIPT});
 }
 
 struct broken_row_t {

@@ -4,11 +4,13 @@
 #include "hwraid/aacraid/create_a_uuid.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
+#include <fcntl.h>
 #include <iterator>
 #include <stdarg.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 static constexpr char SOURCE[] = "hwraid/aacraid/aac_tool";
 
@@ -68,43 +70,93 @@ struct RunFiles {
 	RunFiles &operator=(const RunFiles &) = delete;
 };
 
+// A file that nobody else can write, whatever the umask of the host: who can write the script drives the
+// controller. A umask that takes the owner's rights too would keep the shell from opening it.
+static int MakeOwnFile(const char *lpszPath)
+{
+	const int nFile = open(lpszPath, O_CREAT | O_EXCL | O_CLOEXEC | O_RDWR, 0600);
+	if (nFile != -1)
+		fchmod(nFile, 0600);
+	return nFile;
+}
+
+static FILE *MakeScript(RunFiles *pFiles)
+{
+	const int nFile = MakeOwnFile(pFiles->szScript);
+	if (nFile == -1)
+		return nullptr;
+	pFiles->bScriptMade = true;
+	FILE *pFile = fdopen(nFile, "w+");
+	if (!pFile)
+		close(nFile);
+	return pFile;
+}
+
 // A script that is cut short, on a full disk for one, is none: the tool would obey the part that is there.
 static int WriteScript(RunFiles *pFiles, const char *lpszScript)
 {
-	FILE *pFile = fopen(pFiles->szScript, "wt+e");
+	FILE *pFile = MakeScript(pFiles);
 	if (!pFile) {
 		OutputDebugString("File:%s, Line:%4d can not create file.\n", SOURCE, __LINE__);
 		return -1;
 	}
-	pFiles->bScriptMade = true;
 	const bool bWritten = fprintf(pFile, "%s", lpszScript) >= 0;
 	return fclose(pFile) == 0 && bWritten ? 0 : -1;
 }
 
-// A command that does not fit its buffer is a failed one: the part that fits would be another command.
-static int RunCommand(const ToolTraces &traces, const char (&szCommand)[1024], int nLength)
+// The shell that writes the tool's output then opens a file that is ours.
+static bool MakeRawOutput(const char *lpszPath)
 {
-	if (nLength < 0 || nLength >= static_cast<int>(sizeof szCommand))
-		return -1;
-	const int nStatus = system(szCommand);
+	const int nFile = MakeOwnFile(lpszPath);
+	if (nFile != -1)
+		close(nFile);
+	return nFile != -1;
+}
+
+typedef char Command[1024];
+
+// A command that does not fit its buffer is a failed one: the part that fits would be another command.
+static bool FitsCommand(int nLength)
+{
+	return nLength >= 0 && nLength < static_cast<int>(sizeof(Command));
+}
+
+static int CheckStatus(const ToolTraces &traces, int nStatus, const char *lpszCommand)
+{
 	if (nStatus == 0)
 		return 0;
-	traces.pfnCommandFailed(nStatus, szCommand);
+	traces.pfnCommandFailed(nStatus, lpszCommand);
 	return -1;
 }
 
-// The configuration is asked first: without a program no shell is started, and a tool whose answer nobody can
-// filter is not given a command to carry out.
-static bool IsConfigured()
+// Without a tool the run fails as with one that the shell does not find; none is started: it would take what
+// follows for a program.
+static int RunProgram(const ToolTraces &traces, const RunFiles &files)
 {
+	constexpr int NO_SUCH_PROGRAM = 127 << 8;
 	const char *lpszTool = GetCliConfig();
-	return lpszTool && lpszTool[0] != '\0' && GetFilterScript()[0] != '\0';
+	Command szCommand;
+	if (!FitsCommand(snprintf(szCommand, sizeof szCommand, "%s <%s >%s", lpszTool ? lpszTool : "(null)",
+	                          files.szScript, files.szRaw)))
+		return -1;
+	const bool bCanRun = lpszTool && lpszTool[0] != '\0' && MakeRawOutput(files.szRaw);
+	return CheckStatus(traces, bCanRun ? system(szCommand) : NO_SUCH_PROGRAM, szCommand);
+}
+
+// Without a filter the line begins with the raw output's name, which no shell can run.
+static int RunFilter(const ToolTraces &traces, const RunFiles &files)
+{
+	Command szCommand;
+	if (!FitsCommand(snprintf(szCommand, sizeof szCommand, "%s %s %s", GetFilterScript(), files.szRaw,
+	                          files.szFiltered)))
+		return -1;
+	return CheckStatus(traces, system(szCommand), szCommand);
 }
 
 int RunTool(const ToolScript &script, const ToolTraces &traces,
             int (*pfnParse)(const char *lpszFile, void *pContext), void *pContext)
 {
-	if (!script.Fits() || !IsConfigured())
+	if (!script.Fits())
 		return -1;
 	TRACE_POSITION();
 	RunFiles files;
@@ -119,15 +171,10 @@ int RunTool(const ToolScript &script, const ToolTraces &traces,
 
 	TRACE_POSITION();
 	files.bRun = true;
-	char szCommand[1024];
-	int nLength = snprintf(szCommand, sizeof szCommand, "%s <%s >%s", GetCliConfig(), files.szScript,
-	                       files.szRaw);
-	if (RunCommand(traces, szCommand, nLength) != 0)
+	if (RunProgram(traces, files) != 0)
 		return -1;
 	TRACE_POSITION();
-	nLength = snprintf(szCommand, sizeof szCommand, "%s %s %s", GetFilterScript(), files.szRaw,
-	                   files.szFiltered);
-	if (RunCommand(traces, szCommand, nLength) != 0)
+	if (RunFilter(traces, files) != 0)
 		return -1;
 	TRACE_POSITION();
 	struct stat status;

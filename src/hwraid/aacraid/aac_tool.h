@@ -33,9 +33,9 @@ struct ToolTraces {
 extern const ToolTraces COMMAND_TRACES;
 
 // Runs the tool with this script and hands the filtered output file to the parser. Returns the parser's
-// result; -1 when the configuration names no tool or no filter, when the script does not fit or cannot be
-// written, when tool or filter fail, or when there is no answer. Blocks until both have ended; the three
-// files, made in the working directory, are gone afterwards in any case.
+// result; -1 when the script does not fit or cannot be written, when tool or filter fail or the configuration
+// names none, or when there is no answer. Blocks until both have ended; the three files, made in the working
+// directory, are gone afterwards in any case.
 int RunTool(const ToolScript &script, const ToolTraces &traces,
             int (*pfnParse)(const char *lpszFile, void *pContext), void *pContext);
 
