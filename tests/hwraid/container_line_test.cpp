@@ -408,6 +408,11 @@ TEST(ContainerLine, Label)
 		{"data 0:03:0 0:04:0", "data 0:03:0", "data 0:03:0 0:04:0"},
 		{"0:11:2 zz 0:04:0 64.0KB:74.5GB", "0:11:2 zz", "0:11:2 zz 0:04:0 64.0KB:74.5GB"},
 		{"/0:11:2 data 0:04:0", "data", "data 0:04:0"},
+		// Up to the end of the line, whatever else stands in it.
+		{"/dev/sdc  my\rbig data", "", "my\rbig data"},
+		{"my\rdata \t 0:03:0", "my\rdata", "my\rdata \t 0:03:0"},
+		{"big\r", "", "big\r"},
+		{"data 0:03:0 \nmore 0:04:0", "data", "data 0:03:0"},
 		{"/dev/sda", "", ""},
 		{"/0:11:2", "", ""},
 		{"/", "", ""},

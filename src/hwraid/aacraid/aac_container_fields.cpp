@@ -253,7 +253,7 @@ char *GetLabel(const char *lpszLine, int nIfRaid10, int *pnNumHeader)
 	const char *p = SkipBlanks(lpszLine);
 	if (*p == '/') // the device that the operating system knows the container by
 		p = SkipBlanks(p + strcspn(p, " \t"));
-	std::string_view label(p, strcspn(p, "\r\n"));
+	std::string_view label(p, strcspn(p, "\n"));
 	if (!nIfRaid10)
 		label = BeforeLastAddress(label);
 	label = TrimEnd(label);
