@@ -4,8 +4,8 @@
 //   host.file("/proc/uptime", "350.25 1200.00\n");
 //   host.table("device /dev/hda\n\tBLKGETSIZE 524288\n");
 //   host.show();
-#ifndef DISKSCOUT_TESTS_UNIT_HOST_H
-#define DISKSCOUT_TESTS_UNIT_HOST_H
+#ifndef DISKSCOUT_TESTS_HDD_HOST_H
+#define DISKSCOUT_TESTS_HDD_HOST_H
 
 #include "hdd/sal/src/0/def.h"
 

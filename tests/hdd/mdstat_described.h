@@ -3,8 +3,8 @@
 // member list: num, num_real and its members as role:name. All separated by '|'.
 //
 //   0|active|1|2|2|0|UU|none|0|24448|2|2|0:sdb1 1:sdc1
-#ifndef DISKSCOUT_TESTS_UNIT_MDSTAT_DESCRIBED_H
-#define DISKSCOUT_TESTS_UNIT_MDSTAT_DESCRIBED_H
+#ifndef DISKSCOUT_TESTS_HDD_MDSTAT_DESCRIBED_H
+#define DISKSCOUT_TESTS_HDD_MDSTAT_DESCRIBED_H
 
 #include "host.h"
 

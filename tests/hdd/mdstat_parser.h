@@ -1,6 +1,6 @@
 // What the tests of the array parser share: three lines in, what they mean out.
-#ifndef DISKSCOUT_TESTS_UNIT_MDSTAT_PARSER_H
-#define DISKSCOUT_TESTS_UNIT_MDSTAT_PARSER_H
+#ifndef DISKSCOUT_TESTS_HDD_MDSTAT_PARSER_H
+#define DISKSCOUT_TESTS_HDD_MDSTAT_PARSER_H
 
 #include "mdstat_described.h"
 

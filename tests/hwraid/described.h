@@ -1,8 +1,8 @@
 // A container list as text, for comparing: a line a record with number, members counted, members stored,
 // type, megabytes, stripe size, usage, hot spare and label, separated by '|'. Members and hot spare are
 // channel:ID:LUN, in decimal; a member of a multi-level container is a container's number.
-#ifndef DISKSCOUT_TESTS_RAID_DESCRIBED_H
-#define DISKSCOUT_TESTS_RAID_DESCRIBED_H
+#ifndef DISKSCOUT_TESTS_HWRAID_DESCRIBED_H
+#define DISKSCOUT_TESTS_HWRAID_DESCRIBED_H
 
 #include "hwraid/aacraid/aac_hardraid.h"
 

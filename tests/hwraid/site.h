@@ -1,7 +1,7 @@
 // A site for the hardware side: a working directory with a configuration, a tool that records the script it
 // gets and prints a prepared answer, and a filter that copies.
-#ifndef DISKSCOUT_TESTS_RAID_SITE_H
-#define DISKSCOUT_TESTS_RAID_SITE_H
+#ifndef DISKSCOUT_TESTS_HWRAID_SITE_H
+#define DISKSCOUT_TESTS_HWRAID_SITE_H
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 /* What the parts of the made plug-in share. */
-#ifndef DISKSCOUT_TESTS_TOOL_FAKE_PLUGIN_H
-#define DISKSCOUT_TESTS_TOOL_FAKE_PLUGIN_H
+#ifndef DISKSCOUT_TESTS_TOOLS_FAKE_PLUGIN_H
+#define DISKSCOUT_TESTS_TOOLS_FAKE_PLUGIN_H
 
 #include "diskscout.h"
 
