@@ -4,8 +4,11 @@
 
 #include "replay/host.h"
 #include "replay/log.h"
+#include "replay/paths.h"
+#include "replay/real.h"
 #include "replay/replay.h"
 
+#include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -17,6 +20,9 @@ namespace replay
 {
 
 static char library[PATH_MAX];
+static int held_library = -1;
+
+static const char descriptor_folder[] = "/proc/self/fd/";
 
 constexpr size_t variables_max = 4096;
 static char *variables[variables_max + 1];
@@ -106,12 +112,46 @@ child_environment::~child_environment()
 		environ = saved;
 }
 
+static void release_library()
+{
+	library[0] = '\0';
+	if (held_library >= 0)
+		REPLAY_REAL(close)(held_library);
+	held_library = -1;
+}
+
+// The loader takes blanks and colons for the end of a name: such a library is named by
+// a descriptor.  Children inherit it, out of the way of the low ones that a shell hands
+// out.
+static bool hold_library()
+{
+	constexpr int least = 100;
+	const int fd = REPLAY_REAL(open)(library, O_RDONLY | O_CLOEXEC);
+	if (fd < 0)
+		return false;
+	held_library = fcntl(fd, F_DUPFD, least);
+	if (held_library < 0)
+		held_library = fcntl(fd, F_DUPFD, STDERR_FILENO + 1);
+	REPLAY_REAL(close)(fd);
+	snprintf(library, sizeof(library), "%s%d", descriptor_folder, held_library);
+	return held_library >= 0;
+}
+
+static bool set_library(const char *path)
+{
+	// A preload's own name may be one that its parent holds.
+	if (strncmp(path, descriptor_folder, sizeof(descriptor_folder) - 1) == 0)
+		return join(library, path, "");
+	return realpath(path, library) != nullptr && (strpbrk(library, " :") == nullptr || hold_library());
+}
+
 } // namespace replay
 
 extern "C" void replay_set_child_library(const char *path)
 {
-	if (path == nullptr || realpath(path, replay::library) == nullptr)
-		replay::library[0] = '\0';
-	if (path != nullptr && replay::library[0] == '\0')
-		dprintf(STDERR_FILENO, "%s: no such library for the children\n", path);
+	replay::release_library();
+	if (path == nullptr || replay::set_library(path))
+		return;
+	replay::release_library();
+	dprintf(STDERR_FILENO, "%s: no such library for the children\n", path);
 }

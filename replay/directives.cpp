@@ -5,6 +5,7 @@
 //     BLKGETSIZE 524288
 //     HDIO_GETGEO 255 63 520
 //   mount /boot 1024 15225 15188
+//   covers /root/hardraid.cfg
 //
 // Numbers and words are checked to the last character, and nothing may be said
 // twice.
@@ -162,7 +163,7 @@ static bool read_device(reading &in, char *cursor)
 		return fault(in, "device takes one path");
 	if (!unescape(path) || strlen(path) > device_path_max || strncmp(path, "/dev/", 5) != 0)
 		return fault(in, "no path below /dev, or one too long");
-	if (!plain_path(path, plain) || strcmp(plain, path) != 0 || !is_replayed(plain))
+	if (!plain_path(path, plain) || strcmp(plain, path) != 0 || is_never_shown(plain))
 		return fault(in, "this path is never shown from a host");
 	if (find_device(in.table, path) != nullptr)
 		return fault(in, "the device is in the table already");
@@ -203,6 +204,64 @@ static bool read_mount(reading &in, char *cursor)
 	made->blocks = values[1];
 	made->bfree = values[2];
 	made->bavail = count == 4 ? values[3] : values[2];
+	return true;
+}
+
+// A folder may be named with the slash that tells it from a file.
+static bool read_covers(reading &in, char *cursor)
+{
+	char plain[PATH_MAX];
+	char *path = next_word(&cursor);
+
+	if (!end_device(in))
+		return false;
+	in.dev = nullptr;
+	if (path == nullptr || next_word(&cursor) != nullptr)
+		return fault(in, "covers takes one path");
+	if (!unescape(path))
+		return fault(in, "no path to cover");
+	const size_t length = strlen(path);
+	if (length > 1 && path[length - 1] == '/')
+		path[length - 1] = '\0';
+	if (!plain_path(path, plain) || strcmp(plain, path) != 0)
+		return fault(in, "covers takes an absolute path without \"//\", \".\" and \"..\"");
+	if (strcmp(path, "/") == 0)
+		return fault(in, "a host that covers everything leaves no program to look at it");
+	if (is_never_shown(path))
+		return fault(in, "this path is never shown from a host");
+	for (const cover *at = in.table->covers; at != nullptr; at = at->next) {
+		if (lies_in(path, at->path) || lies_in(at->path, path))
+			return fault(in, "this path, or one above or below it, is covered already");
+	}
+	cover *made = add(in, &in.table->covers);
+	if (made == nullptr)
+		return false;
+	made->path = path;
+	return true;
+}
+
+// What the plug-in asks the machine for.
+static bool cover_the_usual(reading &in)
+{
+	static const char *const usual[] = {"/proc", "/dev", "/etc/mtab", "/root/hardraid.cfg"};
+	for (const char *path : usual) {
+		cover *made = add(in, &in.table->covers);
+		if (made == nullptr)
+			return false;
+		made->path = path;
+	}
+	return true;
+}
+
+// A device may stand above the line that covers it.
+bool end_table(reading &in)
+{
+	if (in.table->covers == nullptr && !cover_the_usual(in))
+		return false;
+	for (const device *at = in.table->devices; at != nullptr; at = at->next) {
+		if (!is_covered(in.table, at->path))
+			return fault_at(in, at->line, "no line covers this device");
+	}
 	return true;
 }
 
@@ -248,10 +307,11 @@ struct directive_row {
 };
 
 static const directive_row directive_rows[] = {
-	{"device", ANYWHERE, read_device},  {"mount", ANYWHERE, read_mount},
-	{"opens", IN_DEVICE, read_opens},   {"ends", IN_DEVICE, read_ends},
-	{"image", IN_DEVICE, read_image},   {"table", IN_DEVICE, read_table},
-	{"sector", IN_DEVICE, read_sector}, {"entry", IN_TABLE, read_entry},
+	{"covers", ANYWHERE, read_covers}, {"device", ANYWHERE, read_device},
+	{"mount", ANYWHERE, read_mount},   {"opens", IN_DEVICE, read_opens},
+	{"ends", IN_DEVICE, read_ends},    {"image", IN_DEVICE, read_image},
+	{"table", IN_DEVICE, read_table},  {"sector", IN_DEVICE, read_sector},
+	{"entry", IN_TABLE, read_entry},
 };
 
 static bool read_directive(reading &in, const directive_row &row, char *cursor)

@@ -30,6 +30,9 @@ bool read_line(reading &in, char *line);
 // Checks what only the whole block of a device can tell.
 bool end_device(reading &in);
 
+// The same for the whole table, which covers the usual paths unless it says which.
+bool end_table(reading &in);
+
 // Reads `least` to `most` numbers up to the line's end; returns how many there
 // were, or 0 after telling the fault.
 unsigned read_numbers(const reading &in, char *cursor, unsigned least, unsigned most, const uint64_t *max,

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -27,35 +28,61 @@ host_table *shown_host()
 	return shown;
 }
 
-// What the link at `stored` names, as an absolute path of the captured host.
-static bool link_target(const char *shown_path, const char *stored, char (&to)[PATH_MAX])
+// The path with the link that ends at `end` in `stored` replaced by what it names.  An
+// absolute link means the host's own path, covered or not: nothing that is captured
+// leads back to the running machine.
+static bool replace_link(const char *shown_path, size_t end, const char *target, char (&to)[PATH_MAX])
+{
+	char parent[PATH_MAX];
+	char changed[PATH_MAX];
+	char whole[PATH_MAX];
+	const char *rest = shown_path + end;
+
+	while (end > 0 && shown_path[end - 1] != '/')
+		--end;
+	if (target[0] == '/')
+		end = 0;
+	memcpy(parent, shown_path, end);
+	parent[end] = '\0';
+	return join(changed, parent, target) && join(whole, changed, rest) && plain_path(whole, to);
+}
+
+// Follows the first link on the way; false when there is none.
+static bool follow_link(const place &at, size_t head, links last, char (&to)[PATH_MAX])
 {
 	char target[PATH_MAX];
-	char joined[PATH_MAX];
-	const ssize_t length = REPLAY_REAL(readlink)(stored, target, sizeof(target) - 1);
+	char way[PATH_MAX];
+	size_t end = 0;
 
-	if (length <= 0)
-		return false;
-	target[length] = '\0';
-	if (target[0] == '/')
-		return plain_path(target, to);
-	const size_t head = static_cast<size_t>(strrchr(shown_path, '/') - shown_path) + 1;
-	memcpy(joined, shown_path, head);
-	joined[head] = '\0';
-	char whole[PATH_MAX];
-	return join(whole, joined, target) && plain_path(whole, to);
+	memcpy(way, at.stored, head);
+	while (at.shown[end] != '\0') {
+		const size_t step = 1 + strcspn(at.shown + end + 1, "/");
+		memcpy(way + head + end, at.shown + end, step);
+		end += step;
+		way[head + end] = '\0';
+		if (at.shown[end] == '\0' && last == KEEP_LINK)
+			return false;
+		const ssize_t length = REPLAY_REAL(readlink)(way, target, sizeof(target) - 1);
+		if (length > 0) {
+			target[length] = '\0';
+			return replace_link(at.shown, end, target, to);
+		}
+	}
+	return false;
 }
 
 void find_place(const char *path, links last, place *to)
 {
-	constexpr int links_max = 16; // then the C library may say ELOOP
+	constexpr int links_max = 40; // then the C library may say ELOOP
 	char next[PATH_MAX];
 	host_table *table = shown_host();
 
 	to->kind = RUNNING;
 	to->dev = nullptr;
-	if (table == nullptr || !plain_path(path, to->shown) || !is_replayed(to->shown))
+	if (table == nullptr || !plain_path(path, to->shown) || !is_covered(table, to->shown))
 		return;
+	const size_t head = strlen(table->directory);
+	const int saved = errno;
 	for (int step = 0; step <= links_max; ++step) {
 		to->dev = find_device(table, to->shown);
 		if (to->dev != nullptr) {
@@ -65,7 +92,9 @@ void find_place(const char *path, links last, place *to)
 		if (!join(to->stored, table->directory, to->shown))
 			return;
 		to->kind = FILE_IN_HOST;
-		if (last == KEEP_LINK || !link_target(to->shown, to->stored, next) || !is_replayed(next))
+		const bool led_on = follow_link(*to, head, last, next);
+		errno = saved;
+		if (!led_on)
 			return;
 		memcpy(to->shown, next, strlen(next) + 1);
 	}

@@ -27,8 +27,8 @@ struct place {
 
 enum links { KEEP_LINK, FOLLOW_LINK };
 
-// Finds where `path` leads.  With FOLLOW_LINK a link as the last step is
-// followed within the host, so that /dev/cdrom reaches the device it names.
+// Finds where `path` leads.  Links are followed within the host, so that /dev/cdrom
+// reaches the device it names; one as the last step only with FOLLOW_LINK.
 void find_place(const char *path, links last, place *to);
 
 // The path to hand to the C library for a place that is no device.

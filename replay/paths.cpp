@@ -1,4 +1,4 @@
-// Which paths belong to the captured host; see paths.h.
+// Paths in their plain spelling; see paths.h.
 
 #include "replay/paths.h"
 
@@ -74,13 +74,6 @@ struct path_row {
 	match kind;
 };
 
-static const path_row captured[] = {
-	{"/proc", TREE},
-	{"/dev", TREE},
-	{"/root", TREE},
-	{"/etc/mtab", WHOLE},
-};
-
 // A program cannot live without these: they are about itself or hold no state
 // of the machine.
 static const path_row running[] = {
@@ -97,18 +90,20 @@ static bool is_own_process(const char *path)
 	return matches(path, own, TREE);
 }
 
-bool is_replayed(const char *plain)
+bool lies_in(const char *plain, const char *top)
 {
-	bool inside = false;
-	for (const path_row &row : captured)
-		inside = inside || matches(plain, row.text, row.kind);
-	if (!inside || is_own_process(plain))
-		return false;
+	return matches(plain, top, TREE);
+}
+
+bool is_never_shown(const char *plain)
+{
+	if (is_own_process(plain))
+		return true;
 	for (const path_row &row : running) {
 		if (matches(plain, row.text, row.kind))
-			return false;
+			return true;
 	}
-	return true;
+	return false;
 }
 
 } // namespace replay

@@ -1,4 +1,4 @@
-// Which paths belong to the captured host, in their plain spelling.
+// Paths in their plain spelling, and those that no captured host stands in for.
 
 #ifndef DISKSCOUT_REPLAY_PATHS_H
 #define DISKSCOUT_REPLAY_PATHS_H
@@ -14,8 +14,11 @@ namespace replay
 // that is null, relative or too long: such a one is never replayed.
 bool plain_path(const char *path, char (&out)[PATH_MAX]);
 
-// Whether a plain path is shown from the host directory.
-bool is_replayed(const char *plain);
+// Whether a plain path is `top` or lies below it.
+bool lies_in(const char *plain, const char *top);
+
+// Whether a plain path is the running machine's whatever a table covers.
+bool is_never_shown(const char *plain);
 
 // Joins the two with nothing between; false when they do not fit.
 bool join(char (&out)[PATH_MAX], const char *first, const char *second);

@@ -1,6 +1,6 @@
 // Shows a captured host to the program that this library is linked into or
-// loaded before: its calls for /proc, /dev, /etc/mtab and /root are answered
-// from a directory, what it would have changed is logged, and any one of its
+// loaded before: its calls for the paths that the host covers (such as /proc,
+// /dev, /etc/mtab) are answered from a directory, what it would have changed is logged, and any one of its
 // outside calls can be made to fail.
 //
 // A test links the objects and switches hosts with these functions; a program

@@ -48,7 +48,7 @@ static bool read_lines(reading &in, char *text, size_t length)
 			return false;
 		text = next;
 	}
-	return end_device(in);
+	return end_device(in) && end_table(in);
 }
 
 // The whole file in the arena, NUL-terminated; the records point into it.
@@ -105,6 +105,17 @@ const mount *find_mount(const host_table *table, const char *path)
 			return at;
 	}
 	return nullptr;
+}
+
+bool is_covered(const host_table *table, const char *plain)
+{
+	if (is_never_shown(plain))
+		return false;
+	for (const cover *at = table->covers; at != nullptr; at = at->next) {
+		if (lies_in(plain, at->path))
+			return true;
+	}
+	return false;
 }
 
 } // namespace replay

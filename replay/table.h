@@ -1,5 +1,6 @@
 // A captured host in memory: what DIR/host.txt says, ready to be answered from.
 //
+//   covers /proc                 covers /root/hardraid.cfg
 //   device /dev/hda              mount /boot 1024 15225 15188
 //     BLKGETSIZE 524288          mount /stale fails ESTALE
 //     table 0
@@ -74,8 +75,16 @@ struct mount {
 	mount *next;
 };
 
+// A path that the host stands in for: a file, or a folder with all below it.
+// What is not captured there does not exist.
+struct cover {
+	const char *path; // plain
+	cover *next;
+};
+
 struct host_table {
 	char directory[PATH_MAX]; // absolute, links resolved
+	cover *covers;            // never empty once the table is loaded
 	device *devices;
 	mount *mounts;
 };
@@ -86,6 +95,9 @@ host_table *load_table(const char *directory, arena *memory);
 
 device *find_device(host_table *table, const char *path);
 const mount *find_mount(const host_table *table, const char *path);
+
+// Whether the host stands in for this plain path.
+bool is_covered(const host_table *table, const char *plain);
 
 // Where the content ends: what `ends` says, else what BLKGETSIZE answers.
 // False for a device that gives neither: its content ends after its last named

@@ -17,8 +17,11 @@ def blocks(readme, language=""):
     return [text for name, text in fenced if name == language]
 
 
-def replayed(build_dir, source_dir):
-    return dict(os.environ, LC_ALL="C", LD_PRELOAD=str(build_dir / "diskscout-replay.so"),
+def replayed(build_dir, source_dir, scratch):
+    # The loader splits LD_PRELOAD at blanks and colons.
+    replay = scratch / "replay.so"
+    replay.symlink_to(build_dir / "diskscout-replay.so")
+    return dict(os.environ, LC_ALL="C", LD_PRELOAD=str(replay),
                 ASAN_OPTIONS="verify_asan_link_order=0",
                 REPLAY_SYSROOT=str(source_dir / "tests/hosts/real-kernel"))
 
@@ -32,7 +35,7 @@ def test_the_agent_compiles_and_prints_what_the_page_says(readme, build_dir, sou
     subprocess.run(["cc", "-std=c99", "-Wall", "-Wextra", "-Werror", *sanitize, f"-I{source_dir}/src",
                     str(tmp_path / "agent.c"), "-o", str(tmp_path / "agent")], check=True)
     done = subprocess.run([str(tmp_path / "agent"), str(build_dir / "diskscout.so")], check=False,
-                          env=replayed(build_dir, source_dir), capture_output=True, text=True)
+                          env=replayed(build_dir, source_dir, tmp_path), capture_output=True, text=True)
     assert done.stderr == ""
     assert done.returncode == 0
     assert done.stdout in blocks(readme)

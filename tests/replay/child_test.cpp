@@ -70,6 +70,23 @@ TEST_F(ReplayChild, IsServedThroughItsOwnChildren)
 	EXPECT_EQ(output_of("sh -c 'sh -c \"cat /etc/mtab\"'"), "/dev/hda1 / ext3 rw 0 0\n");
 }
 
+// The loader would read two names.  awk starts a shell itself.
+TEST_F(ReplayChild, IsServedByALibraryWhoseNameTheLoaderCannotRead)
+{
+	const char *const command =
+		"awk 'BEGIN { system(\"cat /etc/mtab; readlink -f $LD_PRELOAD; echo $LD_PRELOAD\") }' 2>&1";
+	for (const char *name : {"a b.so", "a:b.so"}) {
+		const auto library = std::filesystem::canonical(root) / name;
+		std::filesystem::copy_file(REPLAY_LIBRARY, library);
+		replay_set_child_library(library.c_str());
+		EXPECT_EQ(output_of(command),
+		          "/dev/hda1 / ext3 rw 0 0\n" + library.string() + "\n/proc/self/fd/100\n");
+	}
+	EXPECT_EQ(fcntl(100, F_GETFD), 0);
+	replay_set_child_library(nullptr);
+	EXPECT_EQ(fcntl(100, F_GETFD), -1);
+}
+
 TEST_F(ReplayChild, CallsOfAChildAreNotCounted)
 {
 	replay_fail_call(5, 1);

@@ -2,6 +2,7 @@
 
 #include "host_dir.h"
 
+#include "replay/host.h"
 #include "replay/paths.h"
 
 #include <dirent.h>
@@ -14,25 +15,6 @@
 #include <cerrno>
 #include <cstring>
 #include <vector>
-
-TEST(ReplayPaths, CapturedTreesAndTheirExceptions)
-{
-	const std::string own = "/proc/" + std::to_string(getpid());
-	for (const char *path :
-	     {"/proc", "/proc/partitions", "/proc/ide/hda", "/proc/selfish", "/proc/1", "/dev", "/dev/hda",
-	      "/dev/cdrom", "/dev/fdisk", "/dev/nullx", "/etc/mtab", "/root", "/root/hardraid.cfg"})
-		EXPECT_TRUE(replay::is_replayed(path)) << path;
-	for (const char *path :
-	     {"/",          "/etc",      "/etc/mtab.old", "/etc/passwd",     "/procfs",
-	      "/device",    "/rootfs",   "/proc/self",    "/proc/self/maps", "/proc/thread-self/fd",
-	      "/dev/null",  "/dev/zero", "/dev/full",     "/dev/tty",        "/dev/ttyS0",
-	      "/dev/pts/3", "/dev/ptmx", "/dev/urandom",  "/dev/random",     "/dev/fd/1",
-	      "/dev/stdin", "/dev/shm/x"})
-		EXPECT_FALSE(replay::is_replayed(path)) << path;
-	EXPECT_FALSE(replay::is_replayed(own.c_str()));
-	EXPECT_FALSE(replay::is_replayed((own + "/maps").c_str()));
-	EXPECT_TRUE(replay::is_replayed((own + "0").c_str()));
-}
 
 TEST(ReplayPaths, PlainSpelling)
 {
@@ -75,6 +57,135 @@ protected:
 		return got > 0 ? std::string(text, static_cast<size_t>(got)) : std::string();
 	}
 };
+
+class ReplayCovers : public ReplayPath
+{
+protected:
+	static bool covered(const std::string &path)
+	{
+		replay::place to;
+		replay::find_place(path.c_str(), replay::KEEP_LINK, &to);
+		return to.kind != replay::RUNNING;
+	}
+
+	// A file of the running machine, beside the host.
+	std::string beside(const std::string &name) const
+	{
+		std::ofstream(root / name) << "running\n";
+		return (root / name).string();
+	}
+};
+
+TEST_F(ReplayCovers, TheUsualPathsAndTheirExceptions)
+{
+	ASSERT_EQ(show(""), 0);
+	for (const char *path : {"/proc", "/proc/partitions", "/proc/ide/hda", "/proc/selfish", "/proc/1",
+	                         "/dev", "/dev/hda", "/dev/cdrom", "/dev/fdisk", "/dev/nullx", "/etc/mtab",
+	                         "/root/hardraid.cfg", "//root/x/../hardraid.cfg"})
+		EXPECT_TRUE(covered(path)) << path;
+	for (const char *path : {"/",
+	                         "/etc",
+	                         "/etc/mtab.old",
+	                         "/etc/passwd",
+	                         "/procfs",
+	                         "/device",
+	                         "/rootfs",
+	                         "/proc/self",
+	                         "/proc/self/maps",
+	                         "/proc/thread-self/fd",
+	                         "/dev/null",
+	                         "/dev/zero",
+	                         "/dev/full",
+	                         "/dev/tty",
+	                         "/dev/ttyS0",
+	                         "/dev/pts/3",
+	                         "/dev/ptmx",
+	                         "/dev/urandom",
+	                         "/dev/random",
+	                         "/dev/fd/1",
+	                         "/dev/stdin",
+	                         "/dev/shm",
+	                         "/dev/shm/x",
+	                         "/root",
+	                         "/root/x",
+	                         "/root/hardraid.cfg.old"})
+		EXPECT_FALSE(covered(path)) << path;
+	const std::string own = "/proc/" + std::to_string(getpid());
+	EXPECT_FALSE(covered(own));
+	EXPECT_FALSE(covered(own + "/maps"));
+	EXPECT_TRUE(covered(own + "0"));
+}
+
+TEST_F(ReplayCovers, ATableThatSaysWhatSaysAllOfIt)
+{
+	ASSERT_EQ(show("device /dev/hda\ncovers /dev/hda\ncovers /srv/a\\040b/\ncovers /root/raidtab\n"), 0);
+	for (const char *path : {"/dev/hda", "/srv/a b", "/srv/a b/c/d", "/root/raidtab"})
+		EXPECT_TRUE(covered(path)) << path;
+	for (const char *path : {"/dev", "/dev/hda1", "/dev/hdb", "/srv", "/srv/a bc", "/root/hardraid.cfg",
+	                         "/proc/partitions", "/etc/mtab"})
+		EXPECT_FALSE(covered(path)) << path;
+}
+
+// The exceptions hold against the folder that the table names.
+TEST_F(ReplayCovers, WhatAProgramCannotDoWithoutIsNeverShown)
+{
+	ASSERT_EQ(show("covers /dev/\ncovers /proc\n"), 0);
+	EXPECT_FALSE(covered("/dev/null"));
+	EXPECT_FALSE(covered("/dev/shm/x"));
+	EXPECT_FALSE(covered("/proc/self/fd/1"));
+	EXPECT_TRUE(covered("/dev/hda"));
+}
+
+TEST_F(ReplayCovers, AFileThatIsMissingNeverFallsThrough)
+{
+	const std::string alone = beside("raid.cfg");
+	const std::string other = beside("other.cfg");
+	ASSERT_EQ(show("covers " + alone + "\n"), 0);
+	EXPECT_EQ(fopen(alone.c_str(), "r"), nullptr);
+	EXPECT_EQ(errno, ENOENT);
+	EXPECT_EQ(stream_text(fopen(other.c_str(), "r")), "running\n");
+	put(alone.substr(1), "captured\n");
+	EXPECT_EQ(stream_text(fopen(alone.c_str(), "r")), "captured\n");
+}
+
+TEST_F(ReplayCovers, AFolderTakesAllBelowIt)
+{
+	const std::string below = beside("raid.cfg");
+	ASSERT_EQ(show("covers " + root.string() + "/\n"), 0);
+	EXPECT_EQ(access(below.c_str(), F_OK), -1);
+	EXPECT_EQ(errno, ENOENT);
+}
+
+// The link's target is there on the running machine; the captured one is meant.
+TEST_F(ReplayCovers, AnAbsoluteLinkNeverFallsThrough)
+{
+	const std::string target = beside("mounts");
+	link("etc/mtab", target);
+	link("proc/partitions", "/proc/self/maps");
+	ASSERT_EQ(show(""), 0);
+	for (const char *path : {"/etc/mtab", "/proc/partitions"}) {
+		errno = 0;
+		EXPECT_EQ(fopen(path, "r"), nullptr) << path;
+		EXPECT_EQ(errno, ENOENT) << path;
+	}
+	put(target.substr(1), "captured\n");
+	EXPECT_EQ(stream_text(fopen("/etc/mtab", "r")), "captured\n");
+}
+
+TEST_F(ReplayCovers, NorDoesALinkInTheMiddleOfAPath)
+{
+	const std::string running = beside("media");
+	link("proc/ide/hda", root.string());
+	link("proc/ide/hdb", "../../..");
+	link("proc/scsi", "/proc/ide/../usb");
+	put("proc/usb/scsi", "captured\n");
+	ASSERT_EQ(show(""), 0);
+	EXPECT_EQ(fopen("/proc/ide/hda/media", "r"), nullptr);
+	EXPECT_EQ(fopen("/proc/ide/hdb/media", "r"), nullptr);
+	EXPECT_EQ(stream_text(fopen("/proc/scsi/scsi", "r")), "captured\n");
+	put(running.substr(1), "captured\n");
+	EXPECT_EQ(stream_text(fopen("/proc/ide/hda/media", "r")), "captured\n");
+}
 
 TEST_F(ReplayPath, FilesComeFromTheHost)
 {

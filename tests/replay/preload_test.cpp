@@ -17,10 +17,10 @@ protected:
 	};
 
 	// Runs a command with the library before it and these variables set.
-	static ended run(const std::string &variables, const std::string &command)
+	ended run(const std::string &variables, const std::string &command) const
 	{
 		const std::string line =
-			"exec 2>&1; LD_PRELOAD=" REPLAY_LIBRARY " " + variables + " " + command;
+			"exec 2>&1; LD_PRELOAD=" + library() + " " + variables + " " + command;
 		FILE *stream = popen(line.c_str(), "r");
 		ended result = {-1, ""};
 		char block[512];
@@ -31,6 +31,15 @@ protected:
 		const int status = stream == nullptr ? -1 : pclose(stream);
 		result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 		return result;
+	}
+
+	// A name that the loader can read, wherever the library was built.
+	std::string library() const
+	{
+		const std::filesystem::path name = root / "replay.so";
+		if (!std::filesystem::exists(name))
+			std::filesystem::create_symlink(REPLAY_LIBRARY, name);
+		return name.string();
 	}
 
 	std::string sysroot() const { return "REPLAY_SYSROOT=" + host().string(); }

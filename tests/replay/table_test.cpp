@@ -38,6 +38,9 @@ static const char homeless[] = "the line belongs to a device, and none is named 
 static const char bad_entry[] = "entry takes \"-\", or two hexadecimal bytes and two numbers";
 static const char bad_signature[] = "the signature is 55aa, aa55, none or 4 hexadecimal digits";
 
+static const char not_plain[] = "covers takes an absolute path without \"//\", \".\" and \"..\"";
+static const char covered_already[] = "this path, or one above or below it, is covered already";
+
 static const fault_case faults[] = {
 	{"unknown_word", "\n# c\nfoo 1\n", 3, "no such directive"},
 	{"word_in_device", "device /dev/hda\nBLKGETSIZE64 1\n", 2, "no such directive"},
@@ -47,6 +50,22 @@ static const fault_case faults[] = {
 	{"device_elsewhere", "device /srv/hda\n", 1, "no path below /dev, or one too long"},
 	{"device_not_plain", "device /dev//hda\n", 1, "this path is never shown from a host"},
 	{"device_passed_through", "device /dev/null\n", 1, "this path is never shown from a host"},
+	{"device_not_covered", "device /dev/hda\ncovers /dev/hdb\n", 1, "no line covers this device"},
+	{"covers_without_path", "covers\n", 1, "covers takes one path"},
+	{"covers_two_paths", "covers /proc /dev\n", 1, "covers takes one path"},
+	{"covers_broken_escape", "covers /a\\04\n", 1, "no path to cover"},
+	{"covers_relative", "covers proc\n", 1, not_plain},
+	{"covers_doubled_slash", "covers /proc//ide\n", 1, not_plain},
+	{"covers_two_slashes", "covers /proc//\n", 1, not_plain},
+	{"covers_parent", "covers /proc/../dev\n", 1, not_plain},
+	{"covers_everything", "covers /\n", 1,
+         "a host that covers everything leaves no program to look at it"},
+	{"covers_null", "covers /dev/null\n", 1, "this path is never shown from a host"},
+	{"covers_own_process", "covers /proc/self/\n", 1, "this path is never shown from a host"},
+	{"covers_twice", "covers /proc\ncovers /proc/\n", 2, covered_already},
+	{"covers_below", "covers /proc\ncovers /proc/ide\n", 2, covered_already},
+	{"covers_above", "covers /dev/hda\ncovers /dev\n", 2, covered_already},
+	{"answer_after_covers", "device /dev/hda\ncovers /dev\nopens 1\n", 3, homeless},
 	{"device_twice", "device /dev/hda\ndevice /dev/hda\n", 2, "the device is in the table already"},
 	{"answer_outside", "BLKGETSIZE 1\n", 1, homeless},
 	{"sector_outside", "sector 1 00\n", 1, homeless},

@@ -79,6 +79,13 @@ class Tool:
         directory.mkdir(parents=True)
         return pathlib.Path(shutil.copy2(self.program, directory))
 
+    def complete_copy(self, directory):
+        """The program with the libraries that come with it, elsewhere."""
+        program = self.copy_program(directory)
+        for library in (self.plugin, self.replay):
+            shutil.copy2(library, directory)
+        return program
+
 
 @pytest.fixture
 def tool(request, tmp_path):

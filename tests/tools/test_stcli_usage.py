@@ -1,6 +1,7 @@
 """The launcher of the plug-in's commands: options, words, streams, exit status."""
 
 import os
+import re
 import shutil
 import subprocess
 
@@ -189,7 +190,9 @@ def test_options_stand_in_any_order(launcher, host, options):
     report = launcher.report()
     assert report["configuration"] == "-raid.cfg"
     assert report["REPLAY_SYSROOT"] == str(host)
-    assert report["LD_PRELOAD"] == str(launcher.tool.replay)
+    # A path that the loader cannot read is named by a descriptor.
+    plain = not re.search("[ :]", str(launcher.tool.replay))
+    assert report["LD_PRELOAD"] == (str(launcher.tool.replay) if plain else "/proc/self/fd/100")
 
 
 def test_without_options_nothing_is_set(launcher):

@@ -1,7 +1,9 @@
 """Captured hosts."""
 
 import json
-import shutil
+import os
+import resource
+import stat
 
 import pytest
 from conftest import complaint
@@ -92,15 +94,18 @@ def test_status_of_the_second_start_is_ours(tool, host):
 
 
 def test_environment_of_the_second_start(tool, host, tmp_path):
+    half_plugin = tmp_path / "half_plugin.so"
+    half_plugin.symlink_to(tool.half_plugin)
+    program = tool.complete_copy(tmp_path / "bin")
     env = {
-        "LD_PRELOAD": str(tool.half_plugin),
+        "LD_PRELOAD": str(half_plugin),
         "REPLAY_SYSROOT": str(tmp_path / "stale"),
         # A sanitized program does not start behind the caller's own preload otherwise.
         "ASAN_OPTIONS": "verify_asan_link_order=0",
     }
-    result = tool.fake("plain", "list", "--sysroot", "host", env=env, cwd=tmp_path)
+    result = tool.fake("plain", "list", "--sysroot", "host", program=program, env=env, cwd=tmp_path)
     assert (result.returncode, result.stderr) == (0, "")
-    assert tool.report["LD_PRELOAD"] == f"{tool.replay}:{tool.half_plugin}"
+    assert tool.report["LD_PRELOAD"] == f"{program.parent}/diskscout-replay.so:{half_plugin}"
     assert tool.report["REPLAY_SYSROOT"] == str(host)
 
 
@@ -139,11 +144,69 @@ def test_replay_library_that_cannot_be_loaded(tool, host, tmp_path):
     )
 
 
-@pytest.mark.parametrize("name", ["my programs", "my:programs"])
-def test_replay_library_that_the_loader_cannot_name(tool, host, tmp_path, name):
-    program = tool.copy_program(tmp_path / name)
-    shutil.copy2(tool.replay, tmp_path / name)
+def mounted_on(result):
+    """The file system of the first partition is known to the child that reads the mount table, and to nobody else."""
+    assert (result.returncode, result.stderr) == (0, "")
+    return json.loads(result.stdout)["partitions"][0]["mount_point"]
+
+
+@pytest.mark.parametrize("name", ["my programs", "my:programs", "plain"])
+def test_wherever_the_programs_lie(tool, host, tmp_path, name):
+    """The loader has no way to quote a blank, and the children need the library too."""
+    program = tool.complete_copy(tmp_path / name)
+    result = tool.run("list", "partitions", "--json", "--sysroot", host, program=program)
+    assert mounted_on(result) == "/data"
+
+
+def test_no_descriptor_is_high_enough(tool, host, tmp_path):
+    program = tool.complete_copy(tmp_path / "my programs")
+
+    def few():
+        resource.setrlimit(resource.RLIMIT_NOFILE, (30, 30))
+
+    result = tool.run("list", "partitions", "--json", "--sysroot", host, program=program, preexec_fn=few)
+    assert mounted_on(result) == "/data"
+
+
+def test_library_that_cannot_be_opened(tool, host, tmp_path):
+    program = tool.copy_program(tmp_path / "my programs")
+    library = program.parent / "diskscout-replay.so"
+    os.mknod(library, stat.S_IFSOCK | 0o644)
     result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
-    message = complaint(result, 2)
-    assert "its path has a blank or a colon" in message
-    assert str(tmp_path / name / "diskscout-replay.so") in message
+    assert complaint(result, 2) == f"{library} cannot be opened: No such device or address"
+
+
+# Everything that takes part lies below a folder that the host stands in for: the program, its libraries, the
+# host, the working directory. None of them is captured.
+@pytest.mark.parametrize("sysroot", ["host", "{top}/host", "../{name}/host"])
+def test_all_below_a_covered_folder(tool, host, tmp_path, sysroot):
+    program = tool.complete_copy(tmp_path / "bin")
+    (host / "host.txt").write_text(HOST + f"covers {tmp_path}/\ncovers /proc\ncovers /dev\ncovers /etc/mtab\n")
+    named = sysroot.format(top=tmp_path, name=tmp_path.name)
+    for first in (program, "bin/diskscout"):
+        result = tool.run(
+            "list", "partitions", "--json", "--sysroot", named, program=first, cwd=tmp_path, env={"PWD": str(tmp_path)}
+        )
+        assert mounted_on(result) == "/data"
+    # Reached through the kernel's and the loader's own calls, and by no other: the host shows nothing of it.
+    assert not (host / str(tmp_path)[1:]).exists()
+
+
+def test_what_is_covered_and_not_captured_is_not_there(tool, host, tmp_path):
+    table = tmp_path / "raidtab"
+    table.write_text("raiddev /dev/md7\n\traid-level 1\n\tnr-raid-disks 1\n\tdevice /dev/sda1\n\traid-disk 0\n")
+
+    def asked(lines):
+        (host / "host.txt").write_text(HOST + lines)
+        return tool.run("--sysroot", host, "raidtab", table, program=tool.program.parent / "stcli")
+
+    covered = f"covers /dev\ncovers {table}\n"
+    seen, hidden = asked(""), asked(covered)
+    assert seen.returncode == 0
+    assert "level=1 " in seen.stderr
+    assert hidden.returncode == 1
+    assert "level=1 " not in hidden.stderr
+    captured = host / str(table)[1:]
+    captured.parent.mkdir(parents=True)
+    captured.write_text(table.read_text().replace("level 1", "level 5"))
+    assert "level=5 " in asked(covered).stderr

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -26,14 +27,31 @@ static std::string get_variable(const char *name)
 	return value ? value : "";
 }
 
+/*
+ * A name by which the loader finds the library. Blanks and colons end a name there, and nothing quotes them:
+ * such a library is named by a descriptor, which the second start and its children inherit. It stands out of
+ * the way of the low ones that a shell hands out.
+ */
+static std::string loadable_name(const fs::path &library)
+{
+	constexpr int least = 100;
+	if (library.string().find_first_of(" :") == std::string::npos)
+		return library.string();
+	const int opened = open(library.c_str(), O_RDONLY | O_CLOEXEC);
+	if (opened < 0)
+		throw usage_error(fmt::format("{} cannot be opened: {}", library.string(), strerror(errno)));
+	int held = fcntl(opened, F_DUPFD, least);
+	if (held < 0)
+		held = fcntl(opened, F_DUPFD, STDERR_FILENO + 1);
+	close(opened);
+	return fmt::format("/proc/self/fd/{}", held);
+}
+
 static void preload(const fs::path &library)
 {
-	// The loader takes both for the end of a file name, and knows no way to quote them.
-	if (library.string().find_first_of(" :") != std::string::npos)
-		throw usage_error(fmt::format("{} cannot be preloaded: its path has a blank or a colon",
-		                              library.string()));
 	const std::string others = get_variable("LD_PRELOAD");
-	set_variable("LD_PRELOAD", others.empty() ? library.string() : library.string() + ":" + others);
+	const std::string ours = loadable_name(library);
+	set_variable("LD_PRELOAD", others.empty() ? ours : ours + ":" + others);
 #ifdef __SANITIZE_ADDRESS__
 	// The sanitizer refuses to start behind a preload. Ours passes on every call that it does not answer.
 	const std::string options = get_variable("ASAN_OPTIONS");

@@ -31,6 +31,13 @@ def pytest_addoption(parser):
     parser.addoption("--helpers", required=True, help="where the helpers of these tests were built")
 
 
+def loadable(library, scratch):
+    """The same library by a name that the loader can read: it splits LD_PRELOAD at blanks and colons."""
+    name = scratch / library.name
+    name.symlink_to(library)
+    return name
+
+
 def find_host(name):
     for directory in HOSTS:
         if (directory / name / "host.txt").exists():
@@ -63,9 +70,9 @@ class Programs:
         self.replay = build_dir / "diskscout-replay.so"
         self.call_stcli = helpers / "call_stcli"
         self.fault_walk = helpers / "fault_walk"
-        self.file_disk = helpers / "file_disk.so"
-        self.busy_host = helpers / "busy_host.so"
-        self.no_pause = helpers / "no_pause.so"
+        self.file_disk = loadable(helpers / "file_disk.so", scratch)
+        self.busy_host = loadable(helpers / "busy_host.so", scratch)
+        self.no_pause = loadable(helpers / "no_pause.so", scratch)
         self.scratch = scratch
         self.log = scratch / "replay.log"
 

@@ -86,7 +86,8 @@ def make_host(tmp_path):
         for other in ("proc/sys/dev/raid/speed_limit_max", table):
             (directory / other).parent.mkdir(parents=True, exist_ok=True)
             (directory / other).write_bytes(b"1\n")
-        (directory / "host.txt").write_text("")
+        covered = ("/proc", "/dev", "/etc/mtab", "/root/raidtab")
+        (directory / "host.txt").write_text("".join(f"covers {path}\n" for path in covered))
         (directory / table).write_bytes(content)
         return directory
 
