@@ -1,13 +1,11 @@
-// How a call of the C library is defined here: under its own name, visible to
-// the whole process, with its own linkage.
-
+// How a call of the C library is defined here: under its own name, visible to the whole process, with its own
+// linkage.
 #ifndef DISKSCOUT_REPLAY_CALL_H
 #define DISKSCOUT_REPLAY_CALL_H
 
 #define REPLAY_CALL extern "C" __attribute__((visibility("default")))
 
-// What is compiled with buffer checks reaches the same calls by these names;
-// no header declares them.
+// What is compiled with buffer checks reaches the same calls by these names; no header declares them.
 extern "C" {
 int __open_2(const char *path, int flags);
 int __open64_2(const char *path, int flags);

@@ -1,16 +1,14 @@
 // Calls on what is open already: descriptors and streams.
-
 #include "replay/call.h"
 #include "replay/device.h"
 #include "replay/faults.h"
 #include "replay/real.h"
 
 #include <mntent.h>
+#include <stdarg.h>
+#include <stdio.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
-
-#include <cstdarg>
-#include <cstdio>
 
 using namespace replay;
 
@@ -74,14 +72,14 @@ REPLAY_CALL int ioctl(int fd, unsigned long request, ...) __THROW
 	va_end(arguments);
 	if (must_fail(CALL_IOCTL))
 		return -1;
-	const device *dev = is_copy(fd, path) ? find_device(shown_host(), path) : nullptr;
-	if (dev != nullptr)
+	const device_t *dev = is_copy(fd, path) ? find_device(shown_host(), path) : nullptr;
+	if (dev)
 		return answer_ioctl(*dev, request, argument);
 	return REPLAY_REAL(ioctl)(fd, request, argument);
 }
 
-// A close that fails has closed all the same: a program that tries it again
-// would close somebody else's descriptor.
+// A close that fails has closed all the same: a program that tries it again would close somebody else's
+// descriptor.
 REPLAY_CALL int close(int fd)
 {
 	const int result = REPLAY_REAL(close)(fd);
@@ -94,8 +92,8 @@ REPLAY_CALL int fclose(FILE *stream)
 	return must_fail(CALL_FCLOSE) ? EOF : result;
 }
 
-// The end of a file also returns null: only the stream's error mark tells a
-// failed read from it, and the C library offers no other way to set one.
+// The end of a file also returns null: only the stream's error mark tells a failed read from it, and the C
+// library offers no other way to set one.
 static void mark_error(FILE *stream)
 {
 	stream->_flags |= _IO_ERR_SEEN;

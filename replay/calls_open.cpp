@@ -1,29 +1,27 @@
 // open, fopen and their like.
 //
-// A stream that writes goes through fopencookie: what the C library flushes
-// then reaches us, one write a flush, as it would reach the kernel.
-
+// A stream that writes goes through fopencookie: what the C library flushes then reaches us, one write a
+// flush, as it would reach the kernel.
 #include "replay/call.h"
 #include "replay/device.h"
 #include "replay/faults.h"
 #include "replay/log.h"
 #include "replay/real.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <mntent.h>
+#include <stdarg.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <string.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdarg>
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
 
 using namespace replay;
 
 static int replayed_open(int at, const char *path, int flags, mode_t mode)
 {
-	place to;
+	place_t to;
 	if (must_fail(CALL_OPEN))
 		return -1;
 	find_place(path, (flags & O_NOFOLLOW) != 0 ? KEEP_LINK : FOLLOW_LINK, &to);
@@ -130,25 +128,25 @@ static int cookie_close(void *cookie)
 	return REPLAY_REAL(close)(cookie_fd(cookie));
 }
 
-struct stream_mode {
+struct stream_mode_t {
 	const char *plain; // as fopencookie takes it
 	int flags;
 };
 
-static bool read_mode(const char *mode, stream_mode *to)
+static bool read_mode(const char *mode, stream_mode_t *to)
 {
 	static const struct {
 		char letter;
 		const char *alone, *plus;
 		int flags;
-	} rows[] = {
+	} MODES[] = {
 		{'r', "r", "r+", 0},
 		{'w', "w", "w+", O_CREAT | O_TRUNC},
 		{'a', "a", "a+", O_CREAT | O_APPEND},
 	};
 	const bool plus = strchr(mode, '+') != nullptr;
 
-	for (const auto &row : rows) {
+	for (const auto &row : MODES) {
 		if (row.letter != mode[0])
 			continue;
 		to->plain = plus ? row.plus : row.alone;
@@ -164,10 +162,10 @@ static bool read_mode(const char *mode, stream_mode *to)
 	return false;
 }
 
-static FILE *open_stream(const place &at, const char *mode)
+static FILE *open_stream(const place_t &at, const char *mode)
 {
-	static const cookie_io_functions_t functions = {cookie_read, cookie_write, cookie_seek, cookie_close};
-	stream_mode how = {};
+	static const cookie_io_functions_t FUNCTIONS = {cookie_read, cookie_write, cookie_seek, cookie_close};
+	stream_mode_t how = {};
 	if (!read_mode(mode, &how))
 		return nullptr;
 	const int fd = open_place(at, how.flags, 0666);
@@ -176,15 +174,15 @@ static FILE *open_stream(const place &at, const char *mode)
 	const bool writes = (how.flags & O_ACCMODE) != O_RDONLY;
 	void *cookie = reinterpret_cast<void *>(static_cast<intptr_t>(fd));
 	FILE *stream =
-		writes ? fopencookie(cookie, how.plain, functions) : REPLAY_REAL(fdopen)(fd, how.plain);
-	if (stream == nullptr)
+		writes ? fopencookie(cookie, how.plain, FUNCTIONS) : REPLAY_REAL(fdopen)(fd, how.plain);
+	if (!stream)
 		REPLAY_REAL(close)(fd);
 	return stream;
 }
 
 static FILE *replayed_fopen(const char *path, const char *mode)
 {
-	place to;
+	place_t to;
 	if (must_fail(CALL_FOPEN))
 		return nullptr;
 	find_place(path, FOLLOW_LINK, &to);

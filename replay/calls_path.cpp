@@ -1,5 +1,4 @@
 // Calls that take a path and open nothing for long.
-
 #include "replay/call.h"
 #include "replay/faults.h"
 #include "replay/host.h"
@@ -7,12 +6,11 @@
 #include "replay/real.h"
 
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 using namespace replay;
 
@@ -25,9 +23,9 @@ static int refuse(int error)
 	return -1;
 }
 
-// A device has no file whose status could be shown, and its number is nowhere
-// in the table: it is a block device, and that is all.
-template <typename record> static int device_status(record *to)
+// A device has no file whose status could be shown, and its number is nowhere in the table: it is a block
+// device, and that is all.
+template <class Record> static int device_status(Record *to)
 {
 	*to = {};
 	to->st_mode = S_IFBLK | 0660;
@@ -36,10 +34,10 @@ template <typename record> static int device_status(record *to)
 	return 0;
 }
 
-template <auto call, typename record>
-static int replayed_stat(const char *name, links last, const char *path, record *to)
+template <auto call, class Record>
+static int replayed_stat(const char *name, links_t last, const char *path, Record *to)
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_STAT))
 		return -1;
 	find_place(path, last, &at);
@@ -68,10 +66,10 @@ REPLAY_CALL int lstat64(const char *path, struct stat64 *to) __THROW
 	return replayed_stat<&::lstat64>("lstat64", KEEP_LINK, path, to);
 }
 
-template <auto call, typename record>
-static int replayed_stat_at(const char *name, int directory, const char *path, record *to, int flags)
+template <auto call, class Record>
+static int replayed_stat_at(const char *name, int directory, const char *path, Record *to, int flags)
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_STAT))
 		return -1;
 	find_place(path, (flags & AT_SYMLINK_NOFOLLOW) != 0 ? KEEP_LINK : FOLLOW_LINK, &at);
@@ -93,7 +91,7 @@ REPLAY_CALL int fstatat64(int directory, const char *path, struct stat64 *to, in
 // Newer tools, such as a child's ls, ask with this one alone.
 REPLAY_CALL int statx(int directory, const char *path, int flags, unsigned mask, struct statx *to) __THROW
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_STAT))
 		return -1;
 	find_place(path, (flags & AT_SYMLINK_NOFOLLOW) != 0 ? KEEP_LINK : FOLLOW_LINK, &at);
@@ -109,7 +107,7 @@ REPLAY_CALL int statx(int directory, const char *path, int flags, unsigned mask,
 
 REPLAY_CALL int access(const char *path, int rights) __THROW
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_STAT))
 		return -1;
 	find_place(path, FOLLOW_LINK, &at);
@@ -118,17 +116,16 @@ REPLAY_CALL int access(const char *path, int rights) __THROW
 	return REPLAY_REAL(access)(library_path(at, path), rights);
 }
 
-template <typename record, auto call>
-static int replayed_statfs(const char *name, const char *path, record *to)
+template <class Record, auto call> static int replayed_statfs(const char *name, const char *path, Record *to)
 {
 	if (must_fail(CALL_STATFS))
 		return -1;
-	host_table *host = shown_host();
-	if (host == nullptr)
+	host_table_t *host = shown_host();
+	if (!host)
 		return real<call>(name)(path, to);
-	const mount *found = path == nullptr ? nullptr : find_mount(host, path);
-	if (found == nullptr || found->error != 0)
-		return refuse(found == nullptr ? ENOENT : found->error);
+	const mount_t *found = !path ? nullptr : find_mount(host, path);
+	if (!found || found->error != 0)
+		return refuse(!found ? ENOENT : found->error);
 	*to = {};
 	to->f_bsize = static_cast<decltype(to->f_bsize)>(found->bsize);
 	to->f_frsize = to->f_bsize;
@@ -152,7 +149,7 @@ REPLAY_CALL int statfs64(const char *path, struct statfs64 *to) __THROW
 REPLAY_CALL int scandir(const char *path, struct dirent ***names, int (*filter)(const struct dirent *),
                         int (*compare)(const struct dirent **, const struct dirent **))
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_SCANDIR))
 		return -1;
 	find_place(path, FOLLOW_LINK, &at);
@@ -164,7 +161,7 @@ REPLAY_CALL int scandir(const char *path, struct dirent ***names, int (*filter)(
 REPLAY_CALL int scandir64(const char *path, struct dirent64 ***names, int (*filter)(const struct dirent64 *),
                           int (*compare)(const struct dirent64 **, const struct dirent64 **))
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_SCANDIR))
 		return -1;
 	find_place(path, FOLLOW_LINK, &at);
@@ -175,7 +172,7 @@ REPLAY_CALL int scandir64(const char *path, struct dirent64 ***names, int (*filt
 
 REPLAY_CALL DIR *opendir(const char *path)
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_OPENDIR))
 		return nullptr;
 	find_place(path, FOLLOW_LINK, &at);
@@ -187,7 +184,7 @@ REPLAY_CALL DIR *opendir(const char *path)
 }
 
 // The place of a link; false when the answer is settled and errno set.
-static bool find_link(const char *path, place *at)
+static bool find_link(const char *path, place_t *at)
 {
 	if (must_fail(CALL_READLINK))
 		return false;
@@ -199,13 +196,13 @@ static bool find_link(const char *path, place *at)
 
 REPLAY_CALL ssize_t readlink(const char *path, char *buffer, size_t count) __THROW
 {
-	place at;
+	place_t at;
 	return find_link(path, &at) ? REPLAY_REAL(readlink)(library_path(at, path), buffer, count) : -1;
 }
 
 REPLAY_CALL ssize_t readlinkat(int directory, const char *path, char *buffer, size_t count) __THROW
 {
-	place at;
+	place_t at;
 	return find_link(path, &at)
 	               ? REPLAY_REAL(readlinkat)(directory, library_path(at, path), buffer, count)
 	               : -1;
@@ -213,14 +210,14 @@ REPLAY_CALL ssize_t readlinkat(int directory, const char *path, char *buffer, si
 
 REPLAY_CALL ssize_t __readlink_chk(const char *path, char *buffer, size_t count, size_t room)
 {
-	place at;
+	place_t at;
 	return find_link(path, &at) ? REPLAY_REAL(__readlink_chk)(library_path(at, path), buffer, count, room)
 	                            : -1;
 }
 
 REPLAY_CALL ssize_t __readlinkat_chk(int directory, const char *path, char *buffer, size_t count, size_t room)
 {
-	place at;
+	place_t at;
 	return find_link(path, &at)
 	               ? REPLAY_REAL(__readlinkat_chk)(directory, library_path(at, path), buffer, count, room)
 	               : -1;
@@ -228,7 +225,7 @@ REPLAY_CALL ssize_t __readlinkat_chk(int directory, const char *path, char *buff
 
 REPLAY_CALL int mknodat(int directory, const char *path, mode_t mode, dev_t number) __THROW
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_MKNOD))
 		return -1;
 	find_place(path, KEEP_LINK, &at);
@@ -245,7 +242,7 @@ REPLAY_CALL int mknod(const char *path, mode_t mode, dev_t number) __THROW
 
 REPLAY_CALL int mkdirat(int directory, const char *path, mode_t mode) __THROW
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_MKDIR))
 		return -1;
 	find_place(path, KEEP_LINK, &at);
@@ -264,7 +261,7 @@ REPLAY_CALL int mkdir(const char *path, mode_t mode) __THROW
 
 REPLAY_CALL int unlink(const char *path) __THROW
 {
-	place at;
+	place_t at;
 	if (must_fail(CALL_UNLINK))
 		return -1;
 	find_place(path, KEEP_LINK, &at);

@@ -1,26 +1,24 @@
 // Open descriptors of the captured host; see device.h.
-
 #include "replay/device.h"
 
 #include "replay/log.h"
 #include "replay/real.h"
 
+#include <errno.h>
 #include <fcntl.h>
+#include <stdio.h>
+#include <string.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 
 namespace replay
 {
 
 // The kernel shows a memfd as "/memfd:NAME (deleted)".
-static const char copy_mark[] = "replay:";
-static const char link_head[] = "/memfd:replay:";
-static const char link_tail[] = " (deleted)";
+static const char COPY_MARK[] = "replay:";
+static const char LINK_HEAD[] = "/memfd:replay:";
+static const char LINK_TAIL[] = " (deleted)";
 
 static int close_failed(int fd, int error)
 {
@@ -31,12 +29,12 @@ static int close_failed(int fd, int error)
 
 static int new_copy(const char *shown)
 {
-	char name[device_path_max + sizeof(copy_mark)];
-	if (strlen(shown) > device_path_max) {
+	char name[DEVICE_PATH_MAX + sizeof COPY_MARK];
+	if (strlen(shown) > DEVICE_PATH_MAX) {
 		errno = ENAMETOOLONG;
 		return -1;
 	}
-	snprintf(name, sizeof(name), "%s%s", copy_mark, shown);
+	snprintf(name, sizeof name, "%s%s", COPY_MARK, shown);
 	return memfd_create(name, MFD_CLOEXEC);
 }
 
@@ -46,7 +44,7 @@ static bool copy_range(int from, int to, off_t start, off_t end)
 	while (start < end) {
 		const off_t left = end - start;
 		const size_t want =
-			left < static_cast<off_t>(sizeof(block)) ? static_cast<size_t>(left) : sizeof(block);
+			left < static_cast<off_t>(sizeof block) ? static_cast<size_t>(left) : sizeof block;
 		const ssize_t got = REPLAY_REAL(pread)(from, block, want, start);
 		if (got <= 0 || pwrite(to, block, static_cast<size_t>(got), start) != got)
 			return false;
@@ -73,37 +71,37 @@ static bool copy_file(const char *path, int to)
 	return good;
 }
 
-static bool fill_device(const device &dev, int fd)
+static bool fill_device(const device_t &dev, int fd)
 {
 	char image[PATH_MAX];
 	uint64_t end = 0;
 
-	if (dev.image != nullptr && (!image_path(*shown_host(), dev.image, image) || !copy_file(image, fd)))
+	if (dev.image && (!image_path(*shown_host(), dev.image, image) || !copy_file(image, fd)))
 		return false;
-	for (const sector *at = dev.sectors; at != nullptr; at = at->next) {
-		const off_t offset = static_cast<off_t>(at->number * sector_bytes);
-		if (pwrite(fd, at->data, sector_bytes, offset) != sector_bytes)
+	for (const sector_t *at = dev.sectors; at; at = at->next) {
+		const off_t offset = static_cast<off_t>(at->number * SECTOR_BYTES);
+		if (pwrite(fd, at->data, SECTOR_BYTES, offset) != SECTOR_BYTES)
 			return false;
 	}
-	return !content_end(dev, &end) || ftruncate(fd, static_cast<off_t>(end * sector_bytes)) == 0;
+	return !content_end(dev, &end) || ftruncate(fd, static_cast<off_t>(end * SECTOR_BYTES)) == 0;
 }
 
 // A fresh description of the memfd, with the access mode that was asked for.
 static int reopen(int fd, int flags)
 {
-	constexpr int kept = O_ACCMODE | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_DIRECTORY;
+	constexpr int KEPT = O_ACCMODE | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_DIRECTORY;
 	char path[64];
-	snprintf(path, sizeof(path), "/proc/self/fd/%d", fd);
-	const int again = REPLAY_REAL(open)(path, flags & kept);
+	snprintf(path, sizeof path, "/proc/self/fd/%d", fd);
+	const int again = REPLAY_REAL(open)(path, flags & KEPT);
 	const int saved = errno;
 	REPLAY_REAL(close)(fd);
 	errno = saved;
 	return again;
 }
 
-static int open_device(device *dev, int flags)
+static int open_device(device_t *dev, int flags)
 {
-	const answer &opened = dev->answers[OPEN_ANSWER];
+	const answer_t &opened = dev->answers[OPEN_ANSWER];
 	if (opened.error != 0 || (dev->has_opens && dev->opens_left == 0)) {
 		errno = opened.error != 0 ? opened.error : ENXIO;
 		return -1;
@@ -124,7 +122,7 @@ static bool may_create(const char *shown)
 	return strncmp(shown, "/proc/", 6) != 0 && strncmp(shown, "/dev/", 5) != 0;
 }
 
-static int open_file_copy(const place &at, int flags)
+static int open_file_copy(const place_t &at, int flags)
 {
 	struct stat st = {};
 	const bool exists = REPLAY_REAL(stat)(at.stored, &st) == 0;
@@ -148,7 +146,7 @@ static int open_file_copy(const place &at, int flags)
 	return reopen(fd, flags);
 }
 
-int open_place(const place &at, int flags, mode_t mode)
+int open_place(const place_t &at, int flags, mode_t mode)
 {
 	const bool writes = (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0;
 	if (at.kind == DEVICE_IN_HOST)
@@ -160,22 +158,22 @@ int open_place(const place &at, int flags, mode_t mode)
 
 bool is_copy(int fd, char (&path)[PATH_MAX])
 {
-	constexpr size_t head = sizeof(link_head) - 1;
-	constexpr size_t tail = sizeof(link_tail) - 1;
+	constexpr size_t HEAD = sizeof LINK_HEAD - 1;
+	constexpr size_t TAIL = sizeof LINK_TAIL - 1;
 	char link[64];
 	char target[PATH_MAX];
 	const int saved = errno;
 
 	if (fd < 0 || shown_host() == nullptr)
 		return false;
-	snprintf(link, sizeof(link), "/proc/self/fd/%d", fd);
-	const ssize_t got = REPLAY_REAL(readlink)(link, target, sizeof(target));
+	snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
+	const ssize_t got = REPLAY_REAL(readlink)(link, target, sizeof target);
 	errno = saved;
-	if (got < static_cast<ssize_t>(head + tail) || memcmp(target, link_head, head) != 0 ||
-	    memcmp(target + got - tail, link_tail, tail) != 0)
+	if (got < static_cast<ssize_t>(HEAD + TAIL) || memcmp(target, LINK_HEAD, HEAD) != 0 ||
+	    memcmp(target + got - TAIL, LINK_TAIL, TAIL) != 0)
 		return false;
-	const size_t length = static_cast<size_t>(got) - head - tail;
-	memcpy(path, target + head, length);
+	const size_t length = static_cast<size_t>(got) - HEAD - TAIL;
+	memcpy(path, target + HEAD, length);
 	path[length] = '\0';
 	return true;
 }
@@ -188,7 +186,7 @@ ssize_t swallow_write(int fd, const char *path, const void *data, size_t length)
 		return -1;
 	}
 	const off_t offset = REPLAY_REAL(lseek)(fd, 0, SEEK_CUR);
-	if (find_device(shown_host(), path) != nullptr || length > log_text_max)
+	if (find_device(shown_host(), path) != nullptr || length > LOG_TEXT_MAX)
 		log_bytes(path, offset, length);
 	else
 		log_text(path, static_cast<const char *>(data), length);

@@ -1,7 +1,5 @@
-// What an open descriptor of the captured host is: a memfd that bears the
-// path's name.  Seeking, reading, duplicating and closing are the kernel's own,
-// and nothing has to be remembered per descriptor.
-
+// What an open descriptor of the captured host is: a memfd that bears the path's name. Seeking, reading,
+// duplicating and closing are the kernel's own, and nothing has to be remembered per descriptor.
 #ifndef DISKSCOUT_REPLAY_DEVICE_H
 #define DISKSCOUT_REPLAY_DEVICE_H
 
@@ -12,10 +10,9 @@
 namespace replay
 {
 
-// Opens a place of the captured host as open(2) would.  A file that is only
-// read is opened where it lies; a device, and a file opened for writing, get a
-// private copy, so that the captured host never changes.
-int open_place(const place &at, int flags, mode_t mode);
+// Opens a place of the captured host as open(2) would. A file that is only read is opened where it lies; a
+// device, and a file opened for writing, get a private copy, so that the captured host never changes.
+int open_place(const place_t &at, int flags, mode_t mode);
 
 // Whether the descriptor is such a copy; `path` is then what it was opened as.
 bool is_copy(int fd, char (&path)[PATH_MAX]);
@@ -24,7 +21,7 @@ bool is_copy(int fd, char (&path)[PATH_MAX]);
 ssize_t swallow_write(int fd, const char *path, const void *data, size_t length);
 
 // The answer to an ioctl on an open device.
-int answer_ioctl(const device &dev, unsigned long request, void *argument);
+int answer_ioctl(const device_t &dev, unsigned long request, void *argument);
 
 } // namespace replay
 

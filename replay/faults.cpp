@@ -1,12 +1,11 @@
 // The outside calls that are counted; see faults.h.
-
 #include "replay/faults.h"
 
 #include "replay/host.h"
 #include "replay/replay.h"
 
 #include <atomic>
-#include <cerrno>
+#include <errno.h>
 
 namespace replay
 {
@@ -17,10 +16,10 @@ static std::atomic<long> failing_call; // 0: none
 static std::atomic<bool> failing_on;
 
 // What the kernel or the C library says in the usual case of such a failure.
-static const struct {
-	counted_call call;
+static constexpr struct {
+	counted_call_t call; // its own index
 	int error;
-} rows[] = {
+} FAULTS[] = {
 	{CALL_OPEN, ENXIO},     {CALL_FOPEN, EMFILE},   {CALL_FDOPEN, ENOMEM}, {CALL_POPEN, ENOMEM},
 	{CALL_PCLOSE, ECHILD},  {CALL_FCLOSE, EIO},     {CALL_CLOSE, EIO},     {CALL_READ, EIO},
 	{CALL_WRITE, EIO},      {CALL_LSEEK, EINVAL},   {CALL_IOCTL, EIO},     {CALL_STATFS, EIO},
@@ -28,21 +27,24 @@ static const struct {
 	{CALL_MKNOD, EPERM},    {CALL_MKDIR, EROFS},    {CALL_UNLINK, EPERM},  {CALL_FGETS, EIO},
 	{CALL_GETMNTENT, EIO},  {CALL_SYSTEM, EAGAIN},
 };
-static_assert(sizeof(rows) / sizeof(rows[0]) == COUNTED_CALLS, "one row per counted call");
 
-int fault_errno(counted_call call)
+static constexpr bool each_call_has_its_row()
 {
-	for (const auto &row : rows) {
-		if (row.call == call)
-			return row.error;
-	}
-	return EIO;
+	for (int call = 0; call < COUNTED_CALLS; call++)
+		if (FAULTS[call].call != call)
+			return false;
+	return sizeof FAULTS / sizeof FAULTS[0] == COUNTED_CALLS;
+}
+static_assert(each_call_has_its_row(), "the rows stand in the order of the calls, one each");
+
+int fault_errno(counted_call_t call)
+{
+	return FAULTS[call].error;
 }
 
-bool must_fail(counted_call call)
+bool must_fail(counted_call_t call)
 {
-	// A preload learns from its environment which call is to fail: even the
-	// first one must see that.
+	// A preload learns from its environment which call is to fail: even the first one must see that.
 	(void)shown_host();
 	const long number = ++calls;
 	const long failing = failing_call;

@@ -1,15 +1,14 @@
 // The outside calls that are counted, and the one that is to fail.
 //
-// A run under test is repeated with the first call failing, then the second,
-// until a run ends before its n-th call: so every failure path is walked.
-
+// A run under test is repeated with the first call failing, then the second, until a run ends before its n-th
+// call: so every failure path is walked.
 #ifndef DISKSCOUT_REPLAY_FAULTS_H
 #define DISKSCOUT_REPLAY_FAULTS_H
 
 namespace replay
 {
 
-enum counted_call {
+enum counted_call_t {
 	CALL_OPEN,
 	CALL_FOPEN,
 	CALL_FDOPEN,
@@ -35,12 +34,12 @@ enum counted_call {
 	COUNTED_CALLS
 };
 
-// Counts the call.  True when it is the one to fail: errno is set then, and the
-// caller returns the call's own mark of failure.
-bool must_fail(counted_call call);
+// Counts the call. True when it is the one to fail: errno is set then, and the caller returns the call's own
+// mark of failure.
+bool must_fail(counted_call_t call);
 
 // The errno that must_fail() leaves for this call.
-int fault_errno(counted_call call);
+int fault_errno(counted_call_t call);
 
 void count_shell();
 

@@ -1,36 +1,33 @@
 // The host shown at present, and where a path leads in it; see host.h.
-
 #include "replay/host.h"
 
 #include "replay/paths.h"
 #include "replay/real.h"
 #include "replay/replay.h"
 
-#include <unistd.h>
-
 #include <atomic>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <errno.h>
+#include <stdio.h>
+#include <string.h>
+#include <unistd.h>
 
 namespace replay
 {
 
-static host_table *shown;
-static arena shown_memory;
+static host_table_t *shown;
+static arena_t shown_memory;
 static std::atomic<bool> begun;
 
-host_table *shown_host()
+host_table_t *shown_host()
 {
 	// Set before the work, because the work itself must find the running host.
-	if (!begun.exchange(true, std::memory_order_acq_rel) && begin_preload != nullptr)
+	if (!begun.exchange(true, std::memory_order_acq_rel) && begin_preload)
 		begin_preload();
 	return shown;
 }
 
-// The path with the link that ends at `end` in `stored` replaced by what it names.  An
-// absolute link means the host's own path, covered or not: nothing that is captured
-// leads back to the running machine.
+// The path with the link that ends at `end` in `stored` replaced by what it names. An absolute link means the
+// host's own path, covered or not: nothing that is captured leads back to the running machine.
 static bool replace_link(const char *shown_path, size_t end, const char *target, char (&to)[PATH_MAX])
 {
 	char parent[PATH_MAX];
@@ -48,7 +45,7 @@ static bool replace_link(const char *shown_path, size_t end, const char *target,
 }
 
 // Follows the first link on the way; false when there is none.
-static bool follow_link(const place &at, size_t head, links last, char (&to)[PATH_MAX])
+static bool follow_link(const place_t &at, size_t head, links_t last, char (&to)[PATH_MAX])
 {
 	char target[PATH_MAX];
 	char way[PATH_MAX];
@@ -62,7 +59,7 @@ static bool follow_link(const place &at, size_t head, links last, char (&to)[PAT
 		way[head + end] = '\0';
 		if (at.shown[end] == '\0' && last == KEEP_LINK)
 			return false;
-		const ssize_t length = REPLAY_REAL(readlink)(way, target, sizeof(target) - 1);
+		const ssize_t length = REPLAY_REAL(readlink)(way, target, sizeof target - 1);
 		if (length > 0) {
 			target[length] = '\0';
 			return replace_link(at.shown, end, target, to);
@@ -71,21 +68,21 @@ static bool follow_link(const place &at, size_t head, links last, char (&to)[PAT
 	return false;
 }
 
-void find_place(const char *path, links last, place *to)
+void find_place(const char *path, links_t last, place_t *to)
 {
-	constexpr int links_max = 40; // then the C library may say ELOOP
+	constexpr int LINKS_MAX = 40; // then the C library may say ELOOP
 	char next[PATH_MAX];
-	host_table *table = shown_host();
+	host_table_t *table = shown_host();
 
 	to->kind = RUNNING;
 	to->dev = nullptr;
-	if (table == nullptr || !plain_path(path, to->shown) || !is_covered(table, to->shown))
+	if (!table || !plain_path(path, to->shown) || !is_covered(table, to->shown))
 		return;
 	const size_t head = strlen(table->directory);
 	const int saved = errno;
-	for (int step = 0; step <= links_max; ++step) {
+	for (int step = 0; step <= LINKS_MAX; ++step) {
 		to->dev = find_device(table, to->shown);
-		if (to->dev != nullptr) {
+		if (to->dev) {
 			to->kind = DEVICE_IN_HOST;
 			return;
 		}
@@ -104,15 +101,15 @@ void find_place(const char *path, links last, place *to)
 
 extern "C" int replay_use(const char *dir)
 {
-	replay::arena memory;
-	replay::host_table *table = nullptr;
+	replay::arena_t memory;
+	replay::host_table_t *table = nullptr;
 
 	// A preload's environment is read first, or it would overrule this later.
 	(void)replay::shown_host();
-	if (dir != nullptr) {
+	if (dir) {
 		if (memory.open())
 			table = replay::load_table(dir, &memory);
-		if (table == nullptr) {
+		if (!table) {
 			memory.close();
 			return -1;
 		}

@@ -1,16 +1,13 @@
 // The four requests a captured device answers.
 //
-// What it answers is in its table; a request that is not there fails as one
-// the driver does not know.
-
+// What it answers is in its table; a request that is not there fails as one the driver does not know.
 #include "replay/device.h"
 
+#include <errno.h>
 #include <linux/hdreg.h>
 #include <scsi/scsi_ioctl.h>
+#include <string.h>
 #include <sys/mount.h>
-
-#include <cerrno>
-#include <cstring>
 
 // The C library's header leaves this one out.
 #ifndef SCSI_IOCTL_GET_IDLUN
@@ -20,40 +17,39 @@
 namespace replay
 {
 
-static int give_size(const answer &from, void *argument)
+static int give_size(const answer_t &from, void *argument)
 {
 	const unsigned long sectors = from.value[0];
-	memcpy(argument, &sectors, sizeof(sectors));
+	memcpy(argument, &sectors, sizeof sectors);
 	return 0;
 }
 
-static int give_geometry(const answer &from, void *argument)
+static int give_geometry(const answer_t &from, void *argument)
 {
 	struct hd_geometry geometry = {};
 	geometry.heads = static_cast<unsigned char>(from.value[0]);
 	geometry.sectors = static_cast<unsigned char>(from.value[1]);
 	geometry.cylinders = static_cast<unsigned short>(from.value[2]);
 	geometry.start = from.value[3];
-	memcpy(argument, &geometry, sizeof(geometry));
+	memcpy(argument, &geometry, sizeof geometry);
 	return 0;
 }
 
-static int give_address(const answer &from, void *argument)
+static int give_address(const answer_t &from, void *argument)
 {
 	const uint32_t words[2] = {static_cast<uint32_t>(from.value[0]),
 	                           static_cast<uint32_t>(from.value[1])};
-	memcpy(argument, words, sizeof(words));
+	memcpy(argument, words, sizeof words);
 	return 0;
 }
 
-// The caller's buffer: two lengths, then the command, which the reply
-// overwrites.  On success the kernel writes the whole output length, on another
-// status the sense data alone.
-static int give_reply(const answer &from, void *argument)
+// The caller's buffer: two lengths, then the command, which the reply overwrites. On success the kernel
+// writes the whole output length, on another status the sense data alone.
+static int give_reply(const answer_t &from, void *argument)
 {
 	uint32_t room = 0;
 	unsigned char *reply = static_cast<unsigned char *>(argument) + 2 * sizeof(uint32_t);
-	memcpy(&room, static_cast<unsigned char *>(argument) + sizeof(uint32_t), sizeof(room));
+	memcpy(&room, static_cast<unsigned char *>(argument) + sizeof(uint32_t), sizeof room);
 	const uint32_t given = from.reply_bytes < room ? from.reply_bytes : room;
 	memcpy(reply, from.reply, given);
 	if (from.result == 0)
@@ -63,22 +59,22 @@ static int give_reply(const answer &from, void *argument)
 
 static const struct {
 	unsigned long request;
-	answer_kind kind;
-	int (*give)(const answer &from, void *argument);
-} rows[] = {
+	answer_kind_t kind;
+	int (*give)(const answer_t &from, void *argument);
+} REQUESTS[] = {
 	{BLKGETSIZE, BLKGETSIZE_ANSWER, give_size},
 	{HDIO_GETGEO, HDIO_GETGEO_ANSWER, give_geometry},
 	{SCSI_IOCTL_GET_IDLUN, GET_IDLUN_ANSWER, give_address},
 	{SCSI_IOCTL_SEND_COMMAND, SEND_COMMAND_ANSWER, give_reply},
 };
 
-int answer_ioctl(const device &dev, unsigned long request, void *argument)
+int answer_ioctl(const device_t &dev, unsigned long request, void *argument)
 {
-	for (const auto &row : rows) {
+	for (const auto &row : REQUESTS) {
 		if (row.request != request)
 			continue;
-		const answer &from = dev.answers[row.kind];
-		if (from.given && from.error == 0 && argument != nullptr)
+		const answer_t &from = dev.answers[row.kind];
+		if (from.given && from.error == 0 && argument)
 			return row.give(from, argument);
 		errno = !from.given ? ENOTTY : from.error != 0 ? from.error : EFAULT;
 		return -1;

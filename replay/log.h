@@ -6,20 +6,18 @@
 //   mkdir /dev/raid 0777
 //   unlink /dev/.tmp
 //   shell cat /etc/mtab
-
 #ifndef DISKSCOUT_REPLAY_LOG_H
 #define DISKSCOUT_REPLAY_LOG_H
 
+#include <stddef.h>
 #include <sys/types.h>
-
-#include <cstddef>
 
 namespace replay
 {
 
-// Text is logged up to this length; more of it, and all that goes to a device,
-// is logged as a place and a count.
-constexpr size_t log_text_max = 4096;
+// Text is logged up to this length; more of it, and all that goes to a device, is logged as a place and a
+// count.
+constexpr size_t LOG_TEXT_MAX = 4096;
 
 // The log's absolute path, empty when there is none.
 const char *log_file();

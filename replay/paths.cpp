@@ -1,11 +1,9 @@
 // Paths in their plain spelling; see paths.h.
-
 #include "replay/paths.h"
 
+#include <stdio.h>
+#include <string.h>
 #include <unistd.h>
-
-#include <cstdio>
-#include <cstring>
 
 namespace replay
 {
@@ -33,7 +31,7 @@ bool plain_path(const char *path, char (&out)[PATH_MAX])
 	size_t length = 0;
 
 	// What the kernel would refuse is left to it.
-	if (path == nullptr || path[0] != '/' || strlen(path) >= PATH_MAX)
+	if (!path || path[0] != '/' || strlen(path) >= PATH_MAX)
 		return false;
 	while (*path != '\0') {
 		path += strspn(path, "/");
@@ -55,11 +53,11 @@ bool plain_path(const char *path, char (&out)[PATH_MAX])
 	return true;
 }
 
-enum match { WHOLE, TREE, PREFIX };
+enum match_t { WHOLE, TREE, PREFIX };
 
-// A tree is the path itself and all below it; a prefix also takes what goes on
-// without a slash, as /dev/tty does with /dev/ttyS0.
-static bool matches(const char *path, const char *text, match kind)
+// A tree is the path itself and all below it; a prefix also takes what goes on without a slash, as /dev/tty
+// does with /dev/ttyS0.
+static bool matches(const char *path, const char *text, match_t kind)
 {
 	const size_t length = strlen(text);
 	if (strncmp(path, text, length) != 0)
@@ -69,14 +67,13 @@ static bool matches(const char *path, const char *text, match kind)
 	return kind == TREE && path[length] == '/';
 }
 
-struct path_row {
+struct path_row_t {
 	const char *text;
-	match kind;
+	match_t kind;
 };
 
-// A program cannot live without these: they are about itself or hold no state
-// of the machine.
-static const path_row running[] = {
+// A program cannot live without these: they are about itself or hold no state of the machine.
+static const path_row_t RUNNING_PATHS[] = {
 	{"/proc/self", TREE}, {"/proc/thread-self", TREE}, {"/dev/null", WHOLE},   {"/dev/zero", WHOLE},
 	{"/dev/full", WHOLE}, {"/dev/tty", PREFIX},        {"/dev/pts", PREFIX},   {"/dev/ptmx", WHOLE},
 	{"/dev/fd", TREE},    {"/dev/urandom", WHOLE},     {"/dev/random", WHOLE}, {"/dev/std", PREFIX},
@@ -86,7 +83,7 @@ static const path_row running[] = {
 static bool is_own_process(const char *path)
 {
 	char own[32];
-	snprintf(own, sizeof(own), "/proc/%d", static_cast<int>(getpid()));
+	snprintf(own, sizeof own, "/proc/%d", static_cast<int>(getpid()));
 	return matches(path, own, TREE);
 }
 
@@ -99,7 +96,7 @@ bool is_never_shown(const char *plain)
 {
 	if (is_own_process(plain))
 		return true;
-	for (const path_row &row : running) {
+	for (const path_row_t &row : RUNNING_PATHS) {
 		if (matches(plain, row.text, row.kind))
 			return true;
 	}

@@ -1,17 +1,15 @@
 // Paths in their plain spelling, and those that no captured host stands in for.
-
 #ifndef DISKSCOUT_REPLAY_PATHS_H
 #define DISKSCOUT_REPLAY_PATHS_H
 
 #include <limits.h>
-
-#include <cstddef>
+#include <stddef.h>
 
 namespace replay
 {
 
-// Writes `path` without doubled slashes, "." and ".." steps.  False for a path
-// that is null, relative or too long: such a one is never replayed.
+// Writes `path` without doubled slashes, "." and ".." steps. False for a path that is null, relative or too
+// long: such a one is never replayed.
 bool plain_path(const char *path, char (&out)[PATH_MAX]);
 
 // Whether a plain path is `top` or lies below it.

@@ -1,7 +1,6 @@
-// The next definition of a call after ours: the C library's, or a sanitizer's
-// check in front of it.  Everything this library does for itself goes through
-// here, so that its own calls are neither replayed nor counted.
-
+// The next definition of a call after ours: the C library's, or a sanitizer's check in front of it.
+// Everything this library does for itself goes through here, so that its own calls are neither replayed nor
+// counted.
 #ifndef DISKSCOUT_REPLAY_REAL_H
 #define DISKSCOUT_REPLAY_REAL_H
 
@@ -11,14 +10,14 @@
 namespace replay
 {
 
-// One slot per call.  It is filled at the first use and not in a constructor,
-// because other libraries' constructors call before ours would have run.
+// One slot per call. It is filled at the first use and not in a constructor, because other libraries'
+// constructors call before ours would have run.
 template <auto call> auto real(const char *name)
 {
 	static decltype(call) found;
-	if (found == nullptr) {
+	if (!found) {
 		found = reinterpret_cast<decltype(call)>(dlsym(RTLD_NEXT, name));
-		if (found == nullptr)
+		if (!found)
 			abort();
 	}
 	return found;

@@ -1,8 +1,7 @@
 // Loads a captured host, DIR/host.txt, and finds things in it.
 //
-// Every fault is told with its file and line and refuses the whole host: a
-// test on a host that is not what its author wrote proves nothing.
-
+// Every fault is told with its file and line and refuses the whole host: a test on a host that is not what
+// its author wrote proves nothing.
 #include "replay/table.h"
 
 #include "replay/directives.h"
@@ -10,32 +9,31 @@
 #include "replay/real.h"
 
 #include <fcntl.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cstring>
 
 namespace replay
 {
 
-bool content_end(const device &dev, uint64_t *sectors)
+bool content_end(const device_t &dev, uint64_t *sectors)
 {
-	const answer &size = dev.answers[BLKGETSIZE_ANSWER];
+	const answer_t &size = dev.answers[BLKGETSIZE_ANSWER];
 	if (!dev.has_end && (!size.given || size.error != 0))
 		return false;
 	*sectors = dev.has_end ? dev.end : size.value[0];
-	if (*sectors > content_sectors_max)
-		*sectors = content_sectors_max;
+	if (*sectors > CONTENT_SECTORS_MAX)
+		*sectors = CONTENT_SECTORS_MAX;
 	return true;
 }
 
-bool image_path(const host_table &table, const char *name, char (&out)[PATH_MAX])
+bool image_path(const host_table_t &table, const char *name, char (&out)[PATH_MAX])
 {
 	char head[PATH_MAX];
 	return join(head, table.directory, "/") && join(out, head, name);
 }
 
-static bool read_lines(reading &in, char *text, size_t length)
+static bool read_lines(reading_t &in, char *text, size_t length)
 {
 	if (memchr(text, '\0', length) != nullptr)
 		return fault(in, "the file holds a NUL byte");
@@ -52,7 +50,7 @@ static bool read_lines(reading &in, char *text, size_t length)
 }
 
 // The whole file in the arena, NUL-terminated; the records point into it.
-static char *read_file(arena *memory, const char *path, size_t *length)
+static char *read_file(arena_t *memory, const char *path, size_t *length)
 {
 	struct stat st = {};
 	const int fd = REPLAY_REAL(open)(path, O_RDONLY | O_CLOEXEC);
@@ -61,7 +59,7 @@ static char *read_file(arena *memory, const char *path, size_t *length)
 	char *text = nullptr;
 	if (fstat(fd, &st) == 0 && S_ISREG(st.st_mode))
 		text = static_cast<char *>(memory->take(static_cast<size_t>(st.st_size) + 1));
-	if (text != nullptr) {
+	if (text) {
 		*length = static_cast<size_t>(st.st_size);
 		if (REPLAY_REAL(read)(fd, text, *length) != static_cast<ssize_t>(*length))
 			text = nullptr;
@@ -70,48 +68,48 @@ static char *read_file(arena *memory, const char *path, size_t *length)
 	return text;
 }
 
-host_table *load_table(const char *directory, arena *memory)
+host_table_t *load_table(const char *directory, arena_t *memory)
 {
 	char file[PATH_MAX];
 	size_t length = 0;
-	host_table *table = static_cast<host_table *>(memory->take(sizeof(host_table)));
+	host_table_t *table = static_cast<host_table_t *>(memory->take(sizeof(host_table_t)));
 
-	if (!join(file, directory, "/host.txt") || table == nullptr)
+	if (!join(file, directory, "/host.txt") || !table)
 		return nullptr;
-	reading in = {file, 0, memory, table, nullptr, nullptr, nullptr};
+	reading_t in = {file, 0, memory, table, nullptr, nullptr, nullptr};
 	char *text = nullptr;
 	if (realpath(directory, table->directory) != nullptr)
 		text = read_file(memory, file, &length);
-	if (text == nullptr) {
+	if (!text) {
 		fault(in, "a captured host has this file, and it cannot be read");
 		return nullptr;
 	}
 	return read_lines(in, text, length) ? table : nullptr;
 }
 
-device *find_device(host_table *table, const char *path)
+device_t *find_device(host_table_t *table, const char *path)
 {
-	for (device *at = table->devices; at != nullptr; at = at->next) {
+	for (device_t *at = table->devices; at; at = at->next) {
 		if (strcmp(at->path, path) == 0)
 			return at;
 	}
 	return nullptr;
 }
 
-const mount *find_mount(const host_table *table, const char *path)
+const mount_t *find_mount(const host_table_t *table, const char *path)
 {
-	for (const mount *at = table->mounts; at != nullptr; at = at->next) {
+	for (const mount_t *at = table->mounts; at; at = at->next) {
 		if (strcmp(at->path, path) == 0)
 			return at;
 	}
 	return nullptr;
 }
 
-bool is_covered(const host_table *table, const char *plain)
+bool is_covered(const host_table_t *table, const char *plain)
 {
 	if (is_never_shown(plain))
 		return false;
-	for (const cover *at = table->covers; at != nullptr; at = at->next) {
+	for (const cover_t *at = table->covers; at; at = at->next) {
 		if (lies_in(plain, at->path))
 			return true;
 	}

@@ -6,28 +6,26 @@
 //     table 0
 //       entry 80 83 63 262017
 //
-// All of it lives in one arena and is read-only once it is loaded, but for
-// the count of opens that a device with `opens` still allows.
-
+// All of it lives in one arena and is read-only once it is loaded, but for the count of opens that a device
+// with `opens` still allows.
 #ifndef DISKSCOUT_REPLAY_TABLE_H
 #define DISKSCOUT_REPLAY_TABLE_H
 
 #include "replay/arena.h"
 
 #include <limits.h>
-
-#include <cstdint>
+#include <stdint.h>
 
 namespace replay
 {
 
-constexpr unsigned sector_bytes = 512;
+constexpr unsigned SECTOR_BYTES = 512;
 // The longest device path: a descriptor carries it in its memfd's name.
-constexpr size_t device_path_max = 200;
+constexpr size_t DEVICE_PATH_MAX = 200;
 // More sectors than that make no file the kernel would let us have.
-constexpr uint64_t content_sectors_max = uint64_t{1} << 52;
+constexpr uint64_t CONTENT_SECTORS_MAX = uint64_t{1} << 52;
 
-enum answer_kind {
+enum answer_kind_t {
 	BLKGETSIZE_ANSWER,
 	HDIO_GETGEO_ANSWER,
 	GET_IDLUN_ANSWER,
@@ -37,7 +35,7 @@ enum answer_kind {
 };
 
 // What one request of a device answers: an errno, or the values of its kind.
-struct answer {
+struct answer_t {
 	bool given;
 	int error;            // errno, 0: it succeeds
 	uint64_t value[4];    // as the directive lists them
@@ -46,66 +44,65 @@ struct answer {
 	unsigned reply_bytes;
 };
 
-struct sector {
+struct sector_t {
 	uint64_t number;
 	int line;         // in host.txt, for the message when it lies too far out
 	unsigned used;    // bytes named so far, for a raw sector that goes on
 	unsigned entries; // entries named so far, for a partition table
-	unsigned char data[sector_bytes];
-	sector *next;
+	unsigned char data[SECTOR_BYTES];
+	sector_t *next;
 };
 
-struct device {
+struct device_t {
 	const char *path;
 	int line;
-	answer answers[ANSWER_KINDS];
+	answer_t answers[ANSWER_KINDS];
 	bool has_opens;
 	uint64_t opens_left; // has_opens: how often it can still be opened
 	bool has_end;
 	uint64_t end;      // has_end: the content's sectors, whatever its size says
 	const char *image; // file in the host directory, or null
-	sector *sectors;
-	device *next;
+	sector_t *sectors;
+	device_t *next;
 };
 
-struct mount {
+struct mount_t {
 	const char *path;
 	int error; // errno, 0: it answers
 	uint64_t bsize, blocks, bfree, bavail;
-	mount *next;
+	mount_t *next;
 };
 
-// A path that the host stands in for: a file, or a folder with all below it.
-// What is not captured there does not exist.
-struct cover {
+// A path that the host stands in for: a file, or a folder with all below it. What is not captured there does
+// not exist.
+struct cover_t {
 	const char *path; // plain
-	cover *next;
+	cover_t *next;
 };
 
-struct host_table {
+struct host_table_t {
 	char directory[PATH_MAX]; // absolute, links resolved
-	cover *covers;            // never empty once the table is loaded
-	device *devices;
-	mount *mounts;
+	cover_t *covers;          // never empty once the table is loaded
+	device_t *devices;
+	mount_t *mounts;
 };
 
-// Loads `directory` and its host.txt into `memory`, which stays the caller's to
-// close.  Returns null, the fault told on standard error, when it is no host.
-host_table *load_table(const char *directory, arena *memory);
+// Loads `directory` and its host.txt into `memory`, which stays the caller's to close. Returns null, the
+// fault told on standard error, when it is no host.
+host_table_t *load_table(const char *directory, arena_t *memory);
 
-device *find_device(host_table *table, const char *path);
-const mount *find_mount(const host_table *table, const char *path);
+device_t *find_device(host_table_t *table, const char *path);
+const mount_t *find_mount(const host_table_t *table, const char *path);
 
 // Whether the host stands in for this plain path.
-bool is_covered(const host_table *table, const char *plain);
+bool is_covered(const host_table_t *table, const char *plain);
 
-// Where the content ends: what `ends` says, else what BLKGETSIZE answers.
-// False for a device that gives neither: its content ends after its last named
-// sector or its image.
-bool content_end(const device &dev, uint64_t *sectors);
+// Where the content ends: what `ends` says, else what BLKGETSIZE answers. False for a device that gives
+// neither: its content ends after its last named sector or its image.
+bool content_end(const device_t &dev, uint64_t *sectors);
 
 // The absolute path of an image file; false when it does not fit.
-bool image_path(const host_table &table, const char *name, char (&out)[PATH_MAX]);
+bool image_path(const host_table_t &table, const char *name, char (&out)[PATH_MAX]);
 
 } // namespace replay
 

@@ -1,9 +1,8 @@
 // The words of a host table line; see words.h.
-
 #include "replay/words.h"
 
-#include <cerrno>
-#include <cstring>
+#include <errno.h>
+#include <string.h>
 
 namespace replay
 {
@@ -90,7 +89,7 @@ bool read_hex_byte(const char *word, unsigned char *value)
 
 bool read_hex(char *cursor, unsigned char *bytes, size_t room, unsigned *used)
 {
-	for (char *word = next_word(&cursor); word != nullptr; word = next_word(&cursor)) {
+	for (char *word = next_word(&cursor); word; word = next_word(&cursor)) {
 		for (; *word != '\0'; word += 2) {
 			const int high = digit_value(word[0]);
 			const int low = word[1] == '\0' ? 16 : digit_value(word[1]);
@@ -107,7 +106,7 @@ int errno_by_name(const char *name)
 	static const struct {
 		const char *name;
 		int number;
-	} rows[] = {
+	} ERRORS[] = {
 		{"EPERM", EPERM},         {"ENOENT", ENOENT},
 		{"EINTR", EINTR},         {"EIO", EIO},
 		{"ENXIO", ENXIO},         {"EBADF", EBADF},
@@ -129,7 +128,7 @@ int errno_by_name(const char *name)
 		{"ENOLINK", ENOLINK},
 	};
 
-	for (const auto &row : rows) {
+	for (const auto &row : ERRORS) {
 		if (strcmp(row.name, name) == 0)
 			return row.number;
 	}

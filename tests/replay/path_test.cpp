@@ -63,7 +63,7 @@ class ReplayCovers : public ReplayPath
 protected:
 	static bool covered(const std::string &path)
 	{
-		replay::place to;
+		replay::place_t to;
 		replay::find_place(path.c_str(), replay::KEEP_LINK, &to);
 		return to.kind != replay::RUNNING;
 	}

@@ -200,11 +200,11 @@ TEST_F(ReplayTable, RecordsHoldWhatTheLinesSay)
 	                "sector 5 0102\n + 03\n"
 	                "device /dev/hdb\nopen fails ENOMEDIUM\n"
 	                "mount /a\\040b 1024 10 9\nmount /c 512 8 7 6\nmount /d fails ESTALE\n");
-	replay::arena memory;
+	replay::arena_t memory;
 	ASSERT_TRUE(memory.open());
-	replay::host_table *table = replay::load_table(host().c_str(), &memory);
+	replay::host_table_t *table = replay::load_table(host().c_str(), &memory);
 	ASSERT_NE(table, nullptr);
-	const replay::device *hda = replay::find_device(table, "/dev/hda");
+	const replay::device_t *hda = replay::find_device(table, "/dev/hda");
 	ASSERT_NE(hda, nullptr);
 	EXPECT_EQ(hda->answers[replay::BLKGETSIZE_ANSWER].value[0], 128u);
 	EXPECT_EQ(hda->answers[replay::HDIO_GETGEO_ANSWER].value[3], 7u);
@@ -215,7 +215,7 @@ TEST_F(ReplayTable, RecordsHoldWhatTheLinesSay)
 	EXPECT_EQ(hda->opens_left, 2u);
 	EXPECT_EQ(hda->end, 100u);
 	EXPECT_STREQ(hda->image, "disk.img");
-	const replay::sector *first = hda->sectors;
+	const replay::sector_t *first = hda->sectors;
 	ASSERT_NE(first, nullptr);
 	EXPECT_EQ(first->number, 9u);
 	EXPECT_EQ(first->data[446], 0x80);
@@ -227,10 +227,10 @@ TEST_F(ReplayTable, RecordsHoldWhatTheLinesSay)
 	EXPECT_EQ(first->data[511], 0x55);
 	ASSERT_NE(first->next, nullptr);
 	EXPECT_EQ(first->next->data[2], 3);
-	const replay::device *hdb = replay::find_device(table, "/dev/hdb");
+	const replay::device_t *hdb = replay::find_device(table, "/dev/hdb");
 	ASSERT_NE(hdb, nullptr);
 	EXPECT_EQ(hdb->answers[replay::OPEN_ANSWER].error, ENOMEDIUM);
-	const replay::mount *blank = replay::find_mount(table, "/a b");
+	const replay::mount_t *blank = replay::find_mount(table, "/a b");
 	ASSERT_NE(blank, nullptr);
 	EXPECT_EQ(blank->bavail, 9u);
 	EXPECT_EQ(replay::find_mount(table, "/c")->bavail, 6u);
