@@ -6,6 +6,7 @@ without that file), expected.stderr the text on standard error of a run that
 succeeds (nothing without that file).  A run that fails has to say why.
 """
 
+import itertools
 import json
 import os
 import pathlib
@@ -15,7 +16,8 @@ import pytest
 
 HERE = pathlib.Path(__file__).resolve().parent
 HOSTS = sorted(found.parent for found in HERE.glob("*/host.txt"))
-KINDS = ("disks", "partitions", "cdroms")
+HEADINGS = {"disks": "DISKS", "partitions": "PARTITIONS", "cdroms": "CD-ROMS"}
+KINDS = tuple(HEADINGS)
 MAX_DISKS = 16
 CHANGES = ("write ", "mknod ", "unlink ")
 
@@ -100,10 +102,24 @@ def test_kind_alone(host, run, kind):
     assert done.log == ["shell cat /etc/mtab"] * host.shells_of(kind)
 
 
+def node_of(kind, record):
+    """As the table names it: the kernel counts partitions from 1, the record from 0."""
+    if kind == "partitions":
+        return f"{record['disk_device_name']}{record['part_index'] + 1}"
+    return record["device_name"]
+
+
+def rows_of(table, heading):
+    """The first column below a heading, up to the blank line; a sentence in the table's place has none."""
+    lines = table.splitlines()
+    body = list(itertools.takewhile(bool, lines[lines.index(heading) + 1 :]))
+    return [line.split()[0] for line in body[1:]] if body[0].startswith("DEVICE ") else []
+
+
 def test_table(host, run):
+    """A row for each record, in their order, and no other."""
     done = run()
     check_ending(host, done)
-    for kind in KINDS:
-        for record in host.answer[kind]:
-            name = "disk_device_name" if kind == "partitions" else "device_name"
-            assert record[name].encode() in done.stdout
+    for kind, heading in HEADINGS.items():
+        nodes = [node_of(kind, record) for record in host.answer[kind]]
+        assert rows_of(done.stdout.decode("utf-8"), heading) == nodes
