@@ -17,7 +17,7 @@ PROGRAMS = ("bash", "qemu-system-x86_64", "busybox", "sfdisk", "mke2fs", "mkfs.v
 ISO_PROGRAMS = ("xorriso", "genisoimage")
 SEARCH_PATH = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 TIME_LIMIT = 300  # seconds, of a run that takes 4 to 10 on an idle machine without KVM
-PROGRAM_FILES = ("diskscout", "stcli", "diskscout.so", "vm-geometry", "vm-md")
+PROGRAM_FILES = ("diskscout", "stcli", "diskscout.so", "vm-eject", "vm-geometry", "vm-md")
 
 
 def missing_programs():

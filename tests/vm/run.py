@@ -20,6 +20,7 @@ import scenario
 # The machines of the diagnostic command line: unittest looks for them among the names of this module.
 from array_tests import Arrays  # noqa: F401
 from command_tests import Commands  # noqa: F401
+from media_tests import Media  # noqa: F401
 
 SKIPPED = 77
 

@@ -1,0 +1,2 @@
+# shellcheck shell=dash
+true
