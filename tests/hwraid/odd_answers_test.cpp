@@ -1,5 +1,4 @@
-// Answers between the rules: errors behind lines that are cleaned to nothing, numbers beyond every range, and
-// what the trace says of a run.
+// Answers between the rules: errors behind lines that are cleaned to nothing, numbers beyond every range.
 #include "site.h"
 
 #include "hwraid/aacraid/aac_container.h"
@@ -8,7 +7,6 @@
 #include "hwraid/aacraid/aac_disk.h"
 #include "hwraid/aacraid/aac_public.h"
 #include "hwraid/aacraid/aac_raid.h"
-#include "hwraid/aacraid/output_debug_string.h"
 
 namespace
 {
@@ -16,12 +14,6 @@ namespace
 class OddAnswer : public SiteTest
 {
 protected:
-	void TearDown() override
-	{
-		std::filesystem::remove("I_NEED_DEBUG_NOW.txt");
-		SiteTest::TearDown();
-		g_nIfNeedDebug = -1;
-	}
 	std::string file(std::string_view text)
 	{
 		const std::filesystem::path path = site_ / "odd";
@@ -158,53 +150,6 @@ TEST_F(OddAnswer, TwoSignsAreNoNumber)
 	EXPECT_EQ(head->nSize, 0);
 	EXPECT_EQ(head->bContainerID, 0);
 	Aac_Clear_Disk_Partition_List(head);
-}
-
-class RunTrace : public OddAnswer
-{
-protected:
-	void SetUp() override
-	{
-		OddAnswer::SetUp();
-		g_nIfNeedDebug = -1;
-		write_file("I_NEED_DEBUG_NOW.txt", "");
-	}
-	std::string traced(int position)
-	{
-		char name[32];
-		testing::internal::CaptureStderr();
-		Aac_Get_Controller_Name(name, position);
-		return testing::internal::GetCapturedStderr();
-	}
-};
-
-bool holds(const std::string &text, const char *part)
-{
-	return text.find(part) != std::string::npos;
-}
-
-TEST_F(RunTrace, TellsEachStepAndHowALookupEnded)
-{
-	answer("Executing: controller list\n----\naac0  EXAMPLE  read/write  No\n");
-	const std::string found = traced(0);
-	EXPECT_TRUE(holds(found, "File:hwraid/aacraid/aac_tool, Line:"));
-	EXPECT_FALSE(holds(found, "find pointer is NULL"));
-	EXPECT_TRUE(holds(found, "Aac_Get_Controller_Name reutrn 0\n"));
-
-	EXPECT_TRUE(holds(traced(1), "\nAfter while loop, find pointer is NULL\n"));
-	const std::string past = traced(2);
-	EXPECT_TRUE(holds(past, "\nfind pointer is NULL, so return -1...\n"));
-	EXPECT_TRUE(holds(past, "Aac_Get_Controller_Name reutrn -1\n"));
-}
-
-TEST_F(RunTrace, TellsOfParsersOnlyWhenTheyRan)
-{
-	answer("Command Error: <Another application has opened the controller.>\n");
-	EXPECT_TRUE(holds(traced(0), "\nAnalyzeControllerFile return != 0 == -200.\n"));
-	tool("exit 3\n");
-	const std::string failed = traced(0);
-	EXPECT_TRUE(holds(failed, "system call return != 0: "));
-	EXPECT_FALSE(holds(failed, "AnalyzeControllerFile"));
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "site.h"
 
 #include "hwraid/aacraid/aac_task.h"
-#include "hwraid/aacraid/output_debug_string.h"
 
 namespace
 {
@@ -169,25 +168,6 @@ TEST_F(TaskTest, ContainerWithoutATaskHasNone)
 		EXPECT_EQ(Aac_Get_Container_Task("aac0", container), nullptr) << container;
 	answer("Executing: task list\n----\n");
 	EXPECT_EQ(Aac_Get_Container_Task("aac0", 1), nullptr);
-}
-
-TEST_F(TaskTest, TracesWhatFailed)
-{
-	answer("Command Error: <x>\n");
-	g_nIfNeedDebug = 1;
-	testing::internal::CaptureStderr();
-	EXPECT_EQ(count(), -300);
-	filter("exit 0\n");
-	EXPECT_EQ(count(), -1);
-	tool("exit 1\n");
-	EXPECT_EQ(count(), -1);
-	g_nIfNeedDebug = 0;
-	const std::string trace = testing::internal::GetCapturedStderr();
-	EXPECT_NE(trace.find("AnalyzeTaskFile return -300.\n"), std::string::npos) << trace;
-	EXPECT_NE(trace.find("state the file return < 0. "), std::string::npos) << trace;
-	EXPECT_NE(trace.find("system call return :256, " + (site_ / "tool").string() + " <"),
-	          std::string::npos)
-		<< trace;
 }
 
 TEST(TaskList, AnEmptyOneCanBeReleased)

@@ -57,7 +57,6 @@ TEST(Uuid, IsFreshAndThirtySixCharactersLong)
 	EXPECT_EQ(strlen(one), 36U);
 	EXPECT_EQ(strspn(one, "0123456789abcdefABCDEF-"), 36U);
 	EXPECT_STRNE(one, two);
-	EXPECT_EQ(CreateOneUuid(nullptr), -1);
 }
 
 } // namespace
