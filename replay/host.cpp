@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <errno.h>
+#include <initializer_list>
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
@@ -26,6 +27,30 @@ host_table_t *shown_host()
 	return shown;
 }
 
+// Whether a relative link in this directory of the host leads to the folder "shared" beside the host, or below it: what
+// several captured hosts have in common lies there, and nothing else outside of the host is reached.
+static bool leads_to_shared(const char *parent, const char *target)
+{
+	constexpr char FOLDER[] = "shared";
+	bool inside = false;
+	int depth = 0;
+
+	for (const char *text : {parent, target}) {
+		while (*(text += strspn(text, "/")) != '\0') {
+			const size_t step = strcspn(text, "/");
+			if (depth < 0 && (step != strlen(FOLDER) || memcmp(text, FOLDER, step) != 0))
+				return false;
+			inside = inside || depth < 0;
+			if (step == 2 && memcmp(text, "..", 2) == 0)
+				--depth;
+			else if (step != 1 || *text != '.')
+				++depth;
+			text += step;
+		}
+	}
+	return inside && depth >= 0;
+}
+
 // The path with the link that ends at `end` in `stored` replaced by what it names. An absolute link means the
 // host's own path, covered or not: nothing that is captured leads back to the running machine.
 static bool replace_link(const char *shown_path, size_t end, const char *target, char (&to)[PATH_MAX])
@@ -41,6 +66,8 @@ static bool replace_link(const char *shown_path, size_t end, const char *target,
 		end = 0;
 	memcpy(parent, shown_path, end);
 	parent[end] = '\0';
+	if (target[0] != '/' && leads_to_shared(parent, target))
+		return false;
 	return join(changed, parent, target) && join(whole, changed, rest) && plain_path(whole, to);
 }
 

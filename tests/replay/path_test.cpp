@@ -187,6 +187,29 @@ TEST_F(ReplayCovers, NorDoesALinkInTheMiddleOfAPath)
 	EXPECT_EQ(stream_text(fopen("/proc/ide/hda/media", "r")), "captured\n");
 }
 
+// Several hosts have a drive in common: it lies in the folder "shared" beside them, and in no other.
+TEST_F(ReplayCovers, ARelativeLinkReachesWhatHostsShare)
+{
+	namespace fs = std::filesystem;
+	for (const char *folder : {"host/proc/ide", "shared/drive", "shared-not/drive", "other/drive"}) {
+		fs::create_directories(root / folder);
+		std::ofstream(root / folder / "media") << folder << "\n";
+	}
+	std::ofstream(root / "host/host.txt").flush();
+	const std::pair<const char *, const char *> links[] = {
+		{"hda", "../../../shared/drive"},           {"hdb", "../../../sharedx/drive"},
+		{"hdc", "../../../shared-not/drive"},       {"hdd", "../../../other/drive"},
+		{"hde", "../../../shared/../other/drive"},  {"hdf", "../../../../shared/drive"},
+		{"hdg", "../../../shared/drive/../../../"}, {"hdh", "../../.."},
+	};
+	for (const auto &[name, target] : links)
+		fs::create_symlink(target, root / "host/proc/ide" / name);
+	ASSERT_EQ(replay_use((root / "host").c_str()), 0);
+	EXPECT_EQ(stream_text(fopen("/proc/ide/hda/media", "r")), "shared/drive\n");
+	for (const char *name : {"hdb", "hdc", "hdd", "hde", "hdf", "hdg", "hdh"})
+		EXPECT_EQ(fopen(("/proc/ide/" + std::string(name) + "/media").c_str(), "r"), nullptr) << name;
+}
+
 TEST_F(ReplayPath, FilesComeFromTheHost)
 {
 	put("proc/partitions", "captured\n");

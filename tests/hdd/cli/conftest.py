@@ -20,6 +20,11 @@ MENU = (
     "1 - Controller  2 - Disk  3 - Container  4 - Raid  5 - task  "
     "6 Server Management Interface -- GetIntemInfo 0 - Quit\n"
 )
+# The launcher looks for the configuration of the controller tool; a captured host of this room has none.
+NO_TOOL = (
+    "stcli: the console has no controller tool: the configuration /root/hardraid.cfg cannot be read: "
+    "No such file or directory\n"
+)
 
 # The mount table is read through cat, which has its own words for a table that is not there.
 COMPLAINT_OF_CAT = "cat: /etc/mtab: No such file or directory\n"

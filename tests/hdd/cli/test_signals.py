@@ -5,7 +5,7 @@ import time
 
 import pytest
 
-from conftest import HELLO, MENU, OK, find_host
+from conftest import HELLO, MENU, NO_TOOL, OK, find_host
 
 PAUSE = 2.0
 COUNTERS = "MEMORY_COUNTER    hdd    : 0\nMEMORY_COUNTER    hwraid : 0\n"
@@ -41,4 +41,4 @@ def test_console_waits_for_its_keys(cli, busy):
             time.sleep(0.1)
         _, shown = console.communicate("\n", timeout=20)
     main = MENU + "Command>"
-    assert (console.returncode, shown) == (0, HELLO + main + TASKS + main + "Bye!\n" + OK)
+    assert (console.returncode, shown) == (0, NO_TOOL + HELLO + main + TASKS + main + "Bye!\n" + OK)

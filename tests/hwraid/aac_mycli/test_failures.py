@@ -187,7 +187,7 @@ def silent_filter(site):
     site.configure(site.simulator, pathlib.Path("/bin/true"))
 
 
-BROKEN = [no_configuration, empty_configuration, no_filter, failing_filter, silent_filter]
+BROKEN = [no_configuration, empty_configuration, failing_filter, silent_filter]
 
 
 @pytest.mark.parametrize("broken", BROKEN)
@@ -195,6 +195,15 @@ def test_broken_site(site, broken):
     broken(site)
     check(site, with_codes(-1, -1, -1))
     controller_name(site)
+
+
+def test_filter_that_is_not_named(site):
+    """The tool is asked; then the shell takes the raw output's name for a command, and says so."""
+    no_filter(site)
+    transcript = site.run("2\n1\n0\n0\n")
+    menu = SUB_MENUS[DISK][0]
+    assert transcript.startswith(HELLO + MAIN + menu + "sh: ")
+    assert transcript.endswith("not found\n" + NONE.format(-1) + menu + MAIN + BYE)
 
 
 def test_tool_that_is_not_there(site):
