@@ -26,7 +26,9 @@ endif()
 # The plug-in's own sources: it lives in a process that is not ours.
 add_library(diskscout_hardening INTERFACE)
 target_compile_options(diskscout_hardening INTERFACE -fno-exceptions -fno-rtti)
-# What the machine or the compiler does not know is left out; the test library-file says what has to be there.
+# What the machine or the compiler does not know is left out; the test library-file says what has to be there. A
+# flag that is taken and then not used is not known either.
+set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(
   flag
   -fstack-protector-strong
@@ -49,6 +51,7 @@ if(NOT HAVE_ftrivial_auto_var_init_zero)
     target_compile_options(diskscout_hardening INTERFACE ${auto_var_init})
   endif()
 endif()
+unset(CMAKE_REQUIRED_FLAGS)
 if(NOT DISKSCOUT_SANITIZE AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   # The sanitizers replace the checked calls, and without optimisation they do not exist.
   target_compile_definitions(diskscout_hardening INTERFACE _FORTIFY_SOURCE=2)

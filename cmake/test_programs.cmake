@@ -4,8 +4,12 @@ include(CheckLinkerFlag)
 add_library(diskscout_test_options INTERFACE)
 # Their assertions are long to optimise and run once.
 target_compile_options(diskscout_test_options INTERFACE -O0 -g1)
-# The fastest linker that is installed.
-foreach(linker mold lld)
+# The fastest linker that is installed; the compiler's own optimiser at link time wants its own.
+set(linkers mold lld)
+if(CMAKE_INTERPROCEDURAL_OPTIMIZATION)
+  set(linkers)
+endif()
+foreach(linker ${linkers})
   check_linker_flag(CXX -fuse-ld=${linker} HAVE_linker_${linker})
   if(HAVE_linker_${linker})
     target_link_options(diskscout_test_options INTERFACE -fuse-ld=${linker})
