@@ -1,17 +1,15 @@
-/* Libraries that come with the program. */
+// Libraries that come with the program.
 #ifndef DISKSCOUT_TOOLS_COMMON_COMPANION_H
 #define DISKSCOUT_TOOLS_COMMON_COMPANION_H
 
 #include <filesystem>
 #include <string_view>
 
-/*
- * Where the library of this file name lies: beside the program, as in a build directory, or else in
- * ../lib/diskscout/ from there, as installed. Throws usage_error when it is in neither place.
- */
+// Where the library of this file name lies: beside the program, as in a build directory, or else in
+// ../lib/diskscout/ from there, as installed. Throws usage_error when it is in neither place.
 std::filesystem::path find_companion(std::string_view file_name);
 
-/* The same file, independent of the working directory. */
+// The same file, independent of the working directory.
 std::filesystem::path absolute_path(const std::filesystem::path &path);
 
 #endif

@@ -14,43 +14,43 @@ std::filesystem::path plugin_file(const std::string &named)
 	return named.empty() ? find_companion("diskscout.so") : absolute_path(named);
 }
 
-void loaded_plugin::unloader::operator()(void *handle) const
+void loaded_plugin_t::unloader_t::operator()(void *handle) const
 {
 	dlclose(handle);
 }
 
 // RTLD_NOW: what is missing is missed here, and not in the middle of a query.
-loaded_plugin::loaded_plugin(const std::filesystem::path &file)
-    : m_handle(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
+loaded_plugin_t::loaded_plugin_t(const std::filesystem::path &file)
+    : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
 {
-	if (!m_handle)
-		throw usage_error(fmt::format("the plug-in cannot be loaded: {}", dlerror()));
+	if (!handle_)
+		throw usage_error_t(fmt::format("the plug-in cannot be loaded: {}", dlerror()));
 }
 
-void *loaded_plugin::address_of(const char *name) const
+void *loaded_plugin_t::address_of(const char *name) const
 {
-	void *const address = dlsym(m_handle.get(), name);
+	void *const address = dlsym(handle_.get(), name);
 	if (!address)
-		throw usage_error(fmt::format("the plug-in cannot be used: {}", dlerror()));
+		throw usage_error_t(fmt::format("the plug-in cannot be used: {}", dlerror()));
 	return address;
 }
 
 // The exported variable that every host of the plug-in may write to; its size is part of the interface.
-static const char configuration_symbol[] = "g_szConfigFileName";
-using configuration_name = char[256];
+static const char CONFIGURATION_SYMBOL[] = "g_szConfigFileName";
+using configuration_name_t = char[256];
 
-std::string loaded_plugin::configuration() const
+std::string loaded_plugin_t::configuration() const
 {
-	const void *const name = dlsym(m_handle.get(), configuration_symbol);
-	return name ? text_of(*static_cast<const configuration_name *>(name)) : "";
+	const void *const name = dlsym(handle_.get(), CONFIGURATION_SYMBOL);
+	return name ? text_of(*static_cast<const configuration_name_t *>(name)) : "";
 }
 
-void loaded_plugin::set_configuration(const std::string &file) const
+void loaded_plugin_t::set_configuration(const std::string &file) const
 {
-	const std::size_t most = sizeof(configuration_name) - 1;
+	const std::size_t most = sizeof(configuration_name_t) - 1;
 	if (file.size() > most)
-		throw usage_error(fmt::format("the configuration's path has {} bytes, the plug-in takes {}",
-		                              file.size(), most));
-	configuration_name &name = *symbol<configuration_name>(configuration_symbol);
+		throw usage_error_t(fmt::format("the configuration's path has {} bytes, the plug-in takes {}",
+		                                file.size(), most));
+	configuration_name_t &name = *symbol<configuration_name_t>(CONFIGURATION_SYMBOL);
 	memcpy(name, file.c_str(), file.size() + 1);
 }

@@ -1,4 +1,4 @@
-/* The plug-in's file, loaded: what every program that calls it needs, whatever it calls. */
+// The plug-in's file, loaded: what every program that calls it needs, whatever it calls.
 #ifndef DISKSCOUT_TOOLS_COMMON_LOADED_PLUGIN_H
 #define DISKSCOUT_TOOLS_COMMON_LOADED_PLUGIN_H
 
@@ -6,41 +6,35 @@
 #include <memory>
 #include <string>
 
-/*
- * The file that --plugin names; without a name, which is empty then, the one that comes with the program. The
- * path is a full one. Throws usage_error when none comes with it.
- */
+// The file that --plugin names; without a name, which is empty then, the one that comes with the program. The
+// path is a full one. Throws usage_error when none comes with it.
 std::filesystem::path plugin_file(const std::string &named);
 
-class loaded_plugin
+class loaded_plugin_t
 {
 public:
-	/* Throws usage_error when the file is no library that can be loaded. */
-	explicit loaded_plugin(const std::filesystem::path &file);
+	// Throws usage_error when the file is no library that can be loaded.
+	explicit loaded_plugin_t(const std::filesystem::path &file);
 
-	/*
-	 * The controller tool's configuration file, which the plug-in reads at its first hardware query.
-	 * Empty when the plug-in does not tell; throws usage_error when it cannot be made to read this one.
-	 */
+	// The controller tool's configuration file, which the plug-in reads at its first hardware query.
+	// Empty when the plug-in does not tell; throws usage_error when it cannot be made to read this one.
 	std::string configuration() const;
 	void set_configuration(const std::string &file) const;
 
-	/*
-	 * What the plug-in exports by this name, of the type it is declared with. Throws usage_error when
-	 * there is no such thing.
-	 */
+	// What the plug-in exports by this name, of the type it is declared with. Throws usage_error when
+	// there is no such thing.
 	template <typename Symbol> Symbol *symbol(const char *name) const
 	{
 		return reinterpret_cast<Symbol *>(address_of(name));
 	}
 
 private:
-	struct unloader {
+	struct unloader_t {
 		void operator()(void *handle) const;
 	};
 	void *address_of(const char *name) const;
 
-	std::unique_ptr<void, unloader> m_handle;
+	std::unique_ptr<void, unloader_t> handle_;
 };
 
 #endif

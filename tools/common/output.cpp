@@ -33,6 +33,6 @@ bool write_output(std::string_view text)
 
 void complain(std::string_view what)
 {
-	const std::string line = fmt::format("{}: {}\n", program_name, printable(what));
+	const std::string line = fmt::format("{}: {}\n", PROGRAM_NAME, printable(what));
 	fputs(line.c_str(), stderr);
 }

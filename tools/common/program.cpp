@@ -11,7 +11,7 @@ int run_program(int (*run)(int argc, char **argv), int argc, char **argv)
 	occupy_standard_descriptors();
 	try {
 		return run(argc, argv);
-	} catch (const usage_error &error) {
+	} catch (const usage_error_t &error) {
 		complain(error.what());
 		return STATUS_USAGE;
 	} catch (const std::exception &error) {

@@ -1,16 +1,14 @@
-/* What all our programs are to their callers: a name and an exit status. */
+// What all our programs are to their callers: a name and an exit status.
 #ifndef DISKSCOUT_TOOLS_COMMON_PROGRAM_H
 #define DISKSCOUT_TOOLS_COMMON_PROGRAM_H
 
 enum { STATUS_FINE = 0, STATUS_FAILED = 1, STATUS_USAGE = 2 };
 
-/* Every program defines its own; what it complains about begins with it. */
-extern const char program_name[];
+// Every program defines its own; what it complains about begins with it.
+extern const char PROGRAM_NAME[];
 
-/*
- * The exit status of a program that does this. What it throws is complained about: a usage_error is
- * STATUS_USAGE, all else STATUS_FAILED.
- */
+// The exit status of a program that does this. What it throws is complained about: a usage_error is
+// STATUS_USAGE, all else STATUS_FAILED.
 int run_program(int (*run)(int argc, char **argv), int argc, char **argv);
 
 #endif

@@ -34,13 +34,13 @@ static std::string get_variable(const char *name)
  */
 static std::string loadable_name(const fs::path &library)
 {
-	constexpr int least = 100;
+	constexpr int LEAST = 100;
 	if (library.string().find_first_of(" :") == std::string::npos)
 		return library.string();
 	const int opened = open(library.c_str(), O_RDONLY | O_CLOEXEC);
 	if (opened < 0)
-		throw usage_error(fmt::format("{} cannot be opened: {}", library.string(), strerror(errno)));
-	int held = fcntl(opened, F_DUPFD, least);
+		throw usage_error_t(fmt::format("{} cannot be opened: {}", library.string(), strerror(errno)));
+	int held = fcntl(opened, F_DUPFD, LEAST);
 	if (held < 0)
 		held = fcntl(opened, F_DUPFD, STDERR_FILENO + 1);
 	close(opened);
@@ -64,7 +64,7 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 	const fs::path host = absolute_path(directory);
 	std::error_code error;
 	if (!fs::is_regular_file(host / "host.txt", error))
-		throw usage_error(fmt::format("{} is no captured host: it has no host.txt", directory));
+		throw usage_error_t(fmt::format("{} is no captured host: it has no host.txt", directory));
 	preload(find_companion("diskscout-replay.so"));
 	// The caller's environment may name another host; this one was asked for.
 	set_variable("REPLAY_SYSROOT", host.string());
@@ -75,11 +75,12 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 		argv.push_back(argument.data());
 	argv.push_back(nullptr);
 	execv("/proc/self/exe", argv.data());
-	throw usage_error(fmt::format("the program cannot be started anew: {}", strerror(errno)));
+	throw usage_error_t(fmt::format("the program cannot be started anew: {}", strerror(errno)));
 }
 
 void expect_captured_host()
 {
 	if (!dlsym(RTLD_DEFAULT, "replay_use"))
-		throw usage_error("the replay library was not loaded, so the captured host cannot be shown");
+		throw usage_error_t(
+			"the replay library was not loaded, so the captured host cannot be shown");
 }

@@ -71,8 +71,8 @@ std::size_t width_of(std::string_view printable_text)
 
 std::string human_size(std::uint64_t bytes)
 {
-	static const char *const units[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
-	const unsigned last = std::size(units) - 1;
+	static const char *const UNITS[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+	const unsigned last = std::size(UNITS) - 1;
 
 	if (bytes < 1024)
 		return fmt::format("{} B", bytes);
@@ -88,7 +88,7 @@ std::string human_size(std::uint64_t bytes)
 		tenths = 10;
 		unit++;
 	}
-	return fmt::format("{}.{} {}", tenths / 10, tenths % 10, units[unit]);
+	return fmt::format("{}.{} {}", tenths / 10, tenths % 10, UNITS[unit]);
 }
 
 std::string human_size_if_known(std::uint64_t bytes)

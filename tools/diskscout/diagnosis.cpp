@@ -31,7 +31,7 @@ static bool is_among(const std::vector<aac_controller> &controllers, const std::
 }
 
 // The causes in the order that an operation would meet them in.
-std::string diagnosis(enquiry &from)
+std::string diagnosis(enquiry_t &from)
 {
 	const std::string file = from.configuration();
 	if (!file.empty() && !can_be_read(file))

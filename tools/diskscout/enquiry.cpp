@@ -3,33 +3,34 @@
 
 #include "text.h"
 
-enquiry::enquiry(const plugin &from, std::string controller) : m_plugin(from), m_named(std::move(controller))
+enquiry_t::enquiry_t(const plugin_t &from, std::string controller)
+    : plugin_(from), named_(std::move(controller))
 {
 }
 
-item_list enquiry::ask(UINT query, const std::string &argument) const
+item_list_t enquiry_t::ask(UINT query, const std::string &argument) const
 {
-	return {m_plugin, query, argument};
+	return {plugin_, query, argument};
 }
 
-const item_list &enquiry::controllers()
+const item_list_t &enquiry_t::controllers()
 {
-	if (!m_controllers)
-		m_controllers.emplace(m_plugin, CMD_GET_CONTROLLERS);
-	return *m_controllers;
+	if (!controllers_)
+		controllers_.emplace(plugin_, CMD_GET_CONTROLLERS);
+	return *controllers_;
 }
 
-const item_list &enquiry::raid_disks()
+const item_list_t &enquiry_t::raid_disks()
 {
-	if (!m_raid_disks)
-		m_raid_disks.emplace(m_plugin, CMD_GET_RAID_DISKS, controller().value_or(""));
-	return *m_raid_disks;
+	if (!raid_disks_)
+		raid_disks_.emplace(plugin_, CMD_GET_RAID_DISKS, controller().value_or(""));
+	return *raid_disks_;
 }
 
-std::optional<std::string> enquiry::controller()
+std::optional<std::string> enquiry_t::controller()
 {
-	if (!m_named.empty())
-		return m_named;
+	if (!named_.empty())
+		return named_;
 	const std::vector<aac_controller> listed = controllers().records<aac_controller>();
 	if (listed.empty())
 		return std::nullopt;

@@ -1,4 +1,4 @@
-/* What one run asks the plug-in. Lists that several kinds need are asked for once. */
+// What one run asks the plug-in. Lists that several kinds need are asked for once.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 
@@ -7,26 +7,26 @@
 #include <optional>
 #include <string>
 
-class enquiry
+class enquiry_t
 {
 public:
-	/* The controller is named by the caller of the program; empty: the first one of the list. */
-	enquiry(const plugin &from, std::string controller);
+	// The controller is named by the caller of the program; empty: the first one of the list.
+	enquiry_t(const plugin_t &from, std::string controller);
 
-	item_list ask(UINT query, const std::string &argument = {}) const;
-	/* One run of the controller tool each, at the first call. */
-	const item_list &controllers();
-	const item_list &raid_disks();
-	/* The controller that the queries are about; none when none was named and none is listed. */
+	item_list_t ask(UINT query, const std::string &argument = {}) const;
+	// One run of the controller tool each, at the first call.
+	const item_list_t &controllers();
+	const item_list_t &raid_disks();
+	// The controller that the queries are about; none when none was named and none is listed.
 	std::optional<std::string> controller();
 
-	std::string configuration() const { return m_plugin.configuration(); }
+	std::string configuration() const { return plugin_.configuration(); }
 
 private:
-	const plugin &m_plugin;
-	std::string m_named;
-	std::optional<item_list> m_controllers;
-	std::optional<item_list> m_raid_disks;
+	const plugin_t &plugin_;
+	std::string named_;
+	std::optional<item_list_t> controllers_;
+	std::optional<item_list_t> raid_disks_;
 };
 
 #endif

@@ -2,19 +2,19 @@
 #include "kinds.h"
 #include "text.h"
 
-using cdrom = STORAGE_CDROM_LIST;
+using cdrom_t = STORAGE_CDROM_LIST;
 
-static const column<cdrom> columns[] = {
-	{"DEVICE", align::left, [](const cdrom &c) { return shown(c.szDeviceName); }},
-	{"BUS", align::left, [](const cdrom &c) { return shown(c.szInterface); }},
-	{"MODEL", align::left, [](const cdrom &c) { return shown(c.szModel); }},
-	{"SERIAL", align::left, [](const cdrom &c) { return shown(c.szSerialNumber); }},
-	{"FIRMWARE", align::left, [](const cdrom &c) { return shown(c.szFirmwareVersion); }},
-	{"MOUNT POINT", align::left, [](const cdrom &c) { return shown(c.szMountPoint); }},
-	{"SIZE", align::right, [](const cdrom &c) { return human_size_if_known(c.nTotalSpace); }},
+static const column_t<cdrom_t> COLUMNS[] = {
+	{"DEVICE", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szDeviceName); }},
+	{"BUS", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szInterface); }},
+	{"MODEL", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szModel); }},
+	{"SERIAL", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szSerialNumber); }},
+	{"FIRMWARE", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szFirmwareVersion); }},
+	{"MOUNT POINT", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szMountPoint); }},
+	{"SIZE", align_t::RIGHT, [](const cdrom_t &c) { return human_size_if_known(c.nTotalSpace); }},
 };
 
-static ordered_json object(const cdrom &c)
+static ordered_json_t object(const cdrom_t &c)
 {
 	return {
 		{"cdrom_id", c.nCdromID},
@@ -33,11 +33,11 @@ static ordered_json object(const cdrom &c)
 	};
 }
 
-static answer ask(enquiry &from)
+static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_CDROMS), columns, object);
+	return answer_of(from.ask(CMD_GET_CDROMS), COLUMNS, object);
 }
 
-const kind cdroms_kind = {
-	"cdroms", "CD-ROMS", "CD-ROM", "No CD-ROM drive was found.", scope::host, ask,
+const kind_t CDROMS_KIND = {
+	"cdroms", "CD-ROMS", "CD-ROM", "No CD-ROM drive was found.", scope_t::HOST, ask,
 };

@@ -1,10 +1,10 @@
 // RAID containers: the logical drives of a controller.
 #include "raid.h"
 
-using container = HWRAID_LIST;
+using container_t = HWRAID_LIST;
 
 // The controller tool has two words for not knowing; the numbers tell them apart.
-static constexpr coded_word usages[] = {
+static constexpr coded_word_t USAGES[] = {
 	{KESTREL_HWRAID_USAGE_TYPE_UNKNOW, "unknown"},
 	{KESTREL_HWRAID_USAGE_TYPE_FAT, "FAT"},
 	{KESTREL_HWRAID_USAGE_TYPE_NULTPART, "several partitions"},
@@ -25,7 +25,7 @@ static bool is_container(int member)
 	return member >= 24 && member <= 63;
 }
 
-static std::vector<int> members_of(const container &c)
+static std::vector<int> members_of(const container_t &c)
 {
 	std::vector<int> members;
 	for (const int member : c.nPosition) {
@@ -35,7 +35,7 @@ static std::vector<int> members_of(const container &c)
 	return members;
 }
 
-static std::string member_text(const container &c)
+static std::string member_text(const container_t &c)
 {
 	std::string text;
 	for (const int member : members_of(c)) {
@@ -45,9 +45,9 @@ static std::string member_text(const container &c)
 	return text.empty() ? "-" : text;
 }
 
-static ordered_json member_array(const container &c)
+static ordered_json_t member_array(const container_t &c)
 {
-	ordered_json array = ordered_json::array();
+	ordered_json_t array = ordered_json_t::array();
 	for (const int member : members_of(c)) {
 		if (is_container(member))
 			array.push_back({{"position", member}, {"container", member}});
@@ -57,51 +57,52 @@ static ordered_json member_array(const container &c)
 	return array;
 }
 
-static std::string stripe_of(const container &c)
+static std::string stripe_of(const container_t &c)
 {
 	return c.nStripeSize == 0 ? "-" : signed_size(c.nStripeSize);
 }
 
-static const column<container> columns[] = {
-	{"ID", align::right, [](const container &c) { return std::to_string(c.nRaidID); }},
-	{"LABEL", align::left, [](const container &c) { return shown(c.szLabel); }},
-	{"TYPE", align::left, [](const container &c) { return word_of(c.RaidType, container_types); }},
-	{"USAGE", align::left, [](const container &c) { return word_of(c.Usage, usages); }},
-	{"SIZE MOD 4 GIB", align::right, [](const container &c) { return size_modulo_4_gib(c.nTotalSize); }},
-	{"STRIPE", align::right, stripe_of},
-	{"HOT SPARE", align::left, [](const container &c) { return address(c.nHotSpare); }},
-	{"MEMBERS", align::right, [](const container &c) { return std::to_string(c.nDiskNumber); }},
-	{"MADE OF", align::left, member_text},
+static const column_t<container_t> COLUMNS[] = {
+	{"ID", align_t::RIGHT, [](const container_t &c) { return std::to_string(c.nRaidID); }},
+	{"LABEL", align_t::LEFT, [](const container_t &c) { return shown(c.szLabel); }},
+	{"TYPE", align_t::LEFT, [](const container_t &c) { return word_of(c.RaidType, CONTAINER_TYPES); }},
+	{"USAGE", align_t::LEFT, [](const container_t &c) { return word_of(c.Usage, USAGES); }},
+	{"SIZE MOD 4 GIB", align_t::RIGHT,
+         [](const container_t &c) { return size_modulo_4_gib(c.nTotalSize); }},
+	{"STRIPE", align_t::RIGHT, stripe_of},
+	{"HOT SPARE", align_t::LEFT, [](const container_t &c) { return address(c.nHotSpare); }},
+	{"MEMBERS", align_t::RIGHT, [](const container_t &c) { return std::to_string(c.nDiskNumber); }},
+	{"MADE OF", align_t::LEFT, member_text},
 };
 
-static ordered_json object(const container &c)
+static ordered_json_t object(const container_t &c)
 {
 	return {
 		{"raid_id", c.nRaidID},
 		{"disk_number", c.nDiskNumber},
 		{"members", member_array(c)},
 		{"type", c.RaidType},
-		{"type_word", json_word(c.RaidType, container_types)},
+		{"type_word", json_word(c.RaidType, CONTAINER_TYPES)},
 		{"total_size", c.nTotalSize},
 		{"stripe_size", c.nStripeSize},
 		{"usage", c.Usage},
-		{"usage_word", json_word(c.Usage, usages)},
+		{"usage_word", json_word(c.Usage, USAGES)},
 		{"hot_spare", json_address(c.nHotSpare)},
 		{"label", json_text(c.szLabel)},
 	};
 }
 
-static answer ask(enquiry &from)
+static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_CONTAINERS, from.controller().value_or("")), columns, object);
+	return answer_of(from.ask(CMD_GET_CONTAINERS, from.controller().value_or("")), COLUMNS, object);
 }
 
-const kind containers_kind = {
+const kind_t CONTAINERS_KIND = {
 	"containers",
 	"CONTAINERS",
 	"container",
 	"The controller has no container.",
-	scope::controller,
+	scope_t::CONTROLLER,
 	ask,
 	"MOD 4 GIB leaves out whole multiples of 4 GiB; raid-partitions shows sizes in full.",
 };

@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-using disk = STORAGE_DISK_LIST;
+using disk_t = STORAGE_DISK_LIST;
 
 // An IDE disk has no address; the field is 0 there, which would read as the first SCSI disk.
-static std::string address_of(const disk &d)
+static std::string address_of(const disk_t &d)
 {
 	if (text_of(d.szInterface) == "IDE")
 		return "-";
@@ -15,21 +15,21 @@ static std::string address_of(const disk &d)
 	                   d.nPosition >> 8 & 0xff, d.nPosition & 0xff);
 }
 
-static const column<disk> columns[] = {
-	{"DEVICE", align::left, [](const disk &d) { return shown(d.szDeviceName); }},
-	{"BUS", align::left, [](const disk &d) { return shown(d.szInterface); }},
-	{"ADDRESS", align::left, address_of},
-	{"SIZE", align::right, [](const disk &d) { return human_size_if_known(d.nSize); }},
-	{"VENDOR", align::left, [](const disk &d) { return shown(d.szVendor); }},
-	{"MODEL", align::left, [](const disk &d) { return shown(d.szModel); }},
-	{"SERIAL", align::left, [](const disk &d) { return shown(d.szSerialNumber); }},
-	{"FIRMWARE", align::left, [](const disk &d) { return shown(d.szFirmwareVersion); }},
-	{"PARTITIONS", align::right, [](const disk &d) { return fmt::to_string(d.nPartNumber); }},
-	{"EXTENDED", align::right, [](const disk &d) { return fmt::to_string(d.nExPartNumber); }},
-	{"SYSTEM", align::left, [](const disk &d) { return mark(d.bUsedBySystem); }},
+static const column_t<disk_t> COLUMNS[] = {
+	{"DEVICE", align_t::LEFT, [](const disk_t &d) { return shown(d.szDeviceName); }},
+	{"BUS", align_t::LEFT, [](const disk_t &d) { return shown(d.szInterface); }},
+	{"ADDRESS", align_t::LEFT, address_of},
+	{"SIZE", align_t::RIGHT, [](const disk_t &d) { return human_size_if_known(d.nSize); }},
+	{"VENDOR", align_t::LEFT, [](const disk_t &d) { return shown(d.szVendor); }},
+	{"MODEL", align_t::LEFT, [](const disk_t &d) { return shown(d.szModel); }},
+	{"SERIAL", align_t::LEFT, [](const disk_t &d) { return shown(d.szSerialNumber); }},
+	{"FIRMWARE", align_t::LEFT, [](const disk_t &d) { return shown(d.szFirmwareVersion); }},
+	{"PARTITIONS", align_t::RIGHT, [](const disk_t &d) { return fmt::to_string(d.nPartNumber); }},
+	{"EXTENDED", align_t::RIGHT, [](const disk_t &d) { return fmt::to_string(d.nExPartNumber); }},
+	{"SYSTEM", align_t::LEFT, [](const disk_t &d) { return mark(d.bUsedBySystem); }},
 };
 
-static ordered_json object(const disk &d)
+static ordered_json_t object(const disk_t &d)
 {
 	return {
 		{"disk_id", d.nDiskID},
@@ -58,12 +58,12 @@ static ordered_json object(const disk &d)
 	};
 }
 
-static answer ask(enquiry &from)
+static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_DISKS), columns, object);
+	return answer_of(from.ask(CMD_GET_DISKS), COLUMNS, object);
 }
 
-const kind disks_kind = {
-	"disks",     "DISKS", "disk", "No disk with an IDE or SCSI name, such as hda or sda, was found.",
-	scope::host, ask,
+const kind_t DISKS_KIND = {
+	"disks",       "DISKS", "disk", "No disk with an IDE or SCSI name, such as hda or sda, was found.",
+	scope_t::HOST, ask,
 };

@@ -4,41 +4,41 @@
 
 #include <fmt/format.h>
 
-using partition = STORAGE_PART_LIST;
+using partition_t = STORAGE_PART_LIST;
 
 // The kernel numbers partitions from 1, the record counts them from 0.
-static std::string node_of(const partition &p)
+static std::string node_of(const partition_t &p)
 {
 	const std::string disk = shown(p.szDiskDeviceName);
 	return disk == "-" ? disk : disk + fmt::to_string(std::uint64_t{p.nPartIndex} + 1);
 }
 
 // 0 bytes used is an answer, but only of a mounted file system.
-static std::string used_space_of(const partition &p)
+static std::string used_space_of(const partition_t &p)
 {
 	return p.nTotalSpace ? human_size(p.nUsedSpace) : human_size_if_known(p.nUsedSpace);
 }
 
 // The start is counted in sectors, as the partitioning programs do, so that both can be compared.
-static std::string first_sector_of(const partition &p)
+static std::string first_sector_of(const partition_t &p)
 {
 	return fmt::to_string(p.nStart / 512);
 }
 
-static const column<partition> columns[] = {
-	{"DEVICE", align::left, node_of},
-	{"TYPE", align::left, [](const partition &p) { return shown(p.szType); }},
-	{"BOOT", align::left, [](const partition &p) { return mark(p.bActive); }},
-	{"FIRST SECTOR", align::right, first_sector_of},
-	{"SIZE", align::right, [](const partition &p) { return human_size_if_known(p.nSize); }},
-	{"FILE SYSTEM", align::left, [](const partition &p) { return shown(p.szFileSystem); }},
-	{"MOUNT POINTS", align::left, [](const partition &p) { return shown(p.szMountPoint); }},
-	{"TOTAL", align::right, [](const partition &p) { return human_size_if_known(p.nTotalSpace); }},
-	{"USED", align::right, used_space_of},
-	{"SYSTEM", align::left, [](const partition &p) { return mark(p.bUsedBySystem); }},
+static const column_t<partition_t> COLUMNS[] = {
+	{"DEVICE", align_t::LEFT, node_of},
+	{"TYPE", align_t::LEFT, [](const partition_t &p) { return shown(p.szType); }},
+	{"BOOT", align_t::LEFT, [](const partition_t &p) { return mark(p.bActive); }},
+	{"FIRST SECTOR", align_t::RIGHT, first_sector_of},
+	{"SIZE", align_t::RIGHT, [](const partition_t &p) { return human_size_if_known(p.nSize); }},
+	{"FILE SYSTEM", align_t::LEFT, [](const partition_t &p) { return shown(p.szFileSystem); }},
+	{"MOUNT POINTS", align_t::LEFT, [](const partition_t &p) { return shown(p.szMountPoint); }},
+	{"TOTAL", align_t::RIGHT, [](const partition_t &p) { return human_size_if_known(p.nTotalSpace); }},
+	{"USED", align_t::RIGHT, used_space_of},
+	{"SYSTEM", align_t::LEFT, [](const partition_t &p) { return mark(p.bUsedBySystem); }},
 };
 
-static ordered_json object(const partition &p)
+static ordered_json_t object(const partition_t &p)
 {
 	return {
 		{"disk_device_name", json_text(p.szDiskDeviceName)},
@@ -59,12 +59,12 @@ static ordered_json object(const partition &p)
 	};
 }
 
-static answer ask(enquiry &from)
+static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_PARTITIONS), columns, object);
+	return answer_of(from.ask(CMD_GET_PARTITIONS), COLUMNS, object);
 }
 
-const kind partitions_kind = {
-	"partitions", "PARTITIONS", "partition", "No partition was found on the disks of this host.",
-	scope::host,  ask,
+const kind_t PARTITIONS_KIND = {
+	"partitions",  "PARTITIONS", "partition", "No partition was found on the disks of this host.",
+	scope_t::HOST, ask,
 };

@@ -3,15 +3,15 @@
 
 #include <fmt/format.h>
 
-using raid_partition = HWRAID_PARTITION_LIST;
+using raid_partition_t = HWRAID_PARTITION_LIST;
 
-static constexpr coded_word multilevel_types[] = {
+static constexpr coded_word_t MULTILEVEL_TYPES[] = {
 	{KESTREL_HWRAID_PART_MULTILEVEL_TYPE_UNKNOWN, "unknown"},
 	{KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE, "none"},
 	{KESTREL_HWRAID_PART_MULTILEVEL_TYPE_STRIPE, "stripe"},
 };
 
-static constexpr coded_word accesses[] = {
+static constexpr coded_word_t ACCESSES[] = {
 	{KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_UNKNOWN, "unknown"},
 	{KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_NOT_READ_OR_WRITE, "none"},
 	{KESTREL_HWRAID_PARTITION_READ_WRITE_ATTR_CAN_READ, "read"},
@@ -20,25 +20,26 @@ static constexpr coded_word accesses[] = {
 };
 
 // Without a container above, its number is 0, which is a container's number as well.
-static std::string part_of(const raid_partition &p)
+static std::string part_of(const raid_partition_t &p)
 {
 	if (p.MultilevelType == KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE)
 		return "-";
-	return fmt::format("{} {}", word_of(p.MultilevelType, multilevel_types), p.nMultilevelRaidID);
+	return fmt::format("{} {}", word_of(p.MultilevelType, MULTILEVEL_TYPES), p.nMultilevelRaidID);
 }
 
-static const column<raid_partition> columns[] = {
-	{"DISK", align::left, [](const raid_partition &p) { return address(p.nPosition); }},
-	{"OFFSET", align::right, [](const raid_partition &p) { return signed_size(p.nOffset); }},
-	{"SIZE", align::right, [](const raid_partition &p) { return signed_size(p.nSize); }},
-	{"CONTAINER", align::right, [](const raid_partition &p) { return std::to_string(p.bRaidID); }},
-	{"TYPE", align::left, [](const raid_partition &p) { return word_of(p.RaidType, container_types); }},
-	{"PART OF", align::left, part_of},
-	{"ACCESS", align::left,
-         [](const raid_partition &p) { return word_of(p.ReadWriteAttribute, accesses); }},
+static const column_t<raid_partition_t> COLUMNS[] = {
+	{"DISK", align_t::LEFT, [](const raid_partition_t &p) { return address(p.nPosition); }},
+	{"OFFSET", align_t::RIGHT, [](const raid_partition_t &p) { return signed_size(p.nOffset); }},
+	{"SIZE", align_t::RIGHT, [](const raid_partition_t &p) { return signed_size(p.nSize); }},
+	{"CONTAINER", align_t::RIGHT, [](const raid_partition_t &p) { return std::to_string(p.bRaidID); }},
+	{"TYPE", align_t::LEFT,
+         [](const raid_partition_t &p) { return word_of(p.RaidType, CONTAINER_TYPES); }},
+	{"PART OF", align_t::LEFT, part_of},
+	{"ACCESS", align_t::LEFT,
+         [](const raid_partition_t &p) { return word_of(p.ReadWriteAttribute, ACCESSES); }},
 };
 
-static ordered_json object(const raid_partition &p)
+static ordered_json_t object(const raid_partition_t &p)
 {
 	return {
 		{"address", json_address(p.nPosition)},
@@ -46,22 +47,22 @@ static ordered_json object(const raid_partition &p)
 		{"size", p.nSize},
 		{"raid_id", p.bRaidID},
 		{"type", p.RaidType},
-		{"type_word", json_word(p.RaidType, container_types)},
+		{"type_word", json_word(p.RaidType, CONTAINER_TYPES)},
 		{"multilevel_raid_id", p.nMultilevelRaidID},
 		{"multilevel_type", p.MultilevelType},
-		{"multilevel_type_word", json_word(p.MultilevelType, multilevel_types)},
+		{"multilevel_type_word", json_word(p.MultilevelType, MULTILEVEL_TYPES)},
 		{"read_write_attribute", p.ReadWriteAttribute},
-		{"read_write_attribute_word", json_word(p.ReadWriteAttribute, accesses)},
+		{"read_write_attribute_word", json_word(p.ReadWriteAttribute, ACCESSES)},
 	};
 }
 
-static answer ask(enquiry &from)
+static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_RAID_PARTITIONS, from.controller().value_or("")), columns, object);
+	return answer_of(from.ask(CMD_GET_RAID_PARTITIONS, from.controller().value_or("")), COLUMNS, object);
 }
 
-const kind raid_partitions_kind = {
-	"raid-partitions", "RAID PARTITIONS",
-	"RAID partition",  "No container uses the disks of the controller.",
-	scope::controller, ask,
+const kind_t RAID_PARTITIONS_KIND = {
+	"raid-partitions",   "RAID PARTITIONS",
+	"RAID partition",    "No container uses the disks of the controller.",
+	scope_t::CONTROLLER, ask,
 };

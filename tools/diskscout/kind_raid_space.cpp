@@ -2,20 +2,20 @@
 #include "raid.h"
 
 // An area's record does not tell its disk.
-struct free_area {
+struct free_area_t {
 	int disk;
 	HWRAID_SPACE_LIST area;
 };
 
-static const column<free_area> columns[] = {
-	{"DISK", align::left, [](const free_area &f) { return address(f.disk); }},
-	{"OFFSET MOD 4 GIB", align::right,
-         [](const free_area &f) { return size_modulo_4_gib(f.area.nOffset); }},
-	{"FREE MOD 4 GIB", align::right,
-         [](const free_area &f) { return size_modulo_4_gib(f.area.nFreeSpace); }},
+static const column_t<free_area_t> COLUMNS[] = {
+	{"DISK", align_t::LEFT, [](const free_area_t &f) { return address(f.disk); }},
+	{"OFFSET MOD 4 GIB", align_t::RIGHT,
+         [](const free_area_t &f) { return size_modulo_4_gib(f.area.nOffset); }},
+	{"FREE MOD 4 GIB", align_t::RIGHT,
+         [](const free_area_t &f) { return size_modulo_4_gib(f.area.nFreeSpace); }},
 };
 
-static ordered_json object(const free_area &f)
+static ordered_json_t object(const free_area_t &f)
 {
 	return {
 		{"address", json_address(f.disk)},
@@ -30,14 +30,15 @@ static std::string argument_for(int disk, const std::string &controller)
 	return std::string(reinterpret_cast<const char *>(&disk), sizeof disk) + controller;
 }
 
-static answer ask(enquiry &from)
+static answer_t ask(enquiry_t &from)
 {
 	const std::string controller = from.controller().value_or("");
-	std::vector<free_area> areas;
+	std::vector<free_area_t> areas;
 	std::string where = from.raid_disks().failed() ? " at the list of disks" : "";
 	bool failed = !where.empty();
 	for (const HWRAID_DISK_LIST &disk : from.raid_disks().records<HWRAID_DISK_LIST>()) {
-		const item_list list = from.ask(CMD_GET_RAID_SPACE, argument_for(disk.nPosition, controller));
+		const item_list_t list =
+			from.ask(CMD_GET_RAID_SPACE, argument_for(disk.nPosition, controller));
 		if (list.failed()) {
 			where += (failed ? ", " : " for disk ") + address(disk.nPosition);
 			failed = true;
@@ -45,15 +46,15 @@ static answer ask(enquiry &from)
 		for (const HWRAID_SPACE_LIST &area : list.records<HWRAID_SPACE_LIST>())
 			areas.push_back({disk.nPosition, area});
 	}
-	return {failed, table_of(areas, columns), array_of(areas, object), where};
+	return {failed, table_of(areas, COLUMNS), array_of(areas, object), where};
 }
 
-const kind raid_space_kind = {
+const kind_t RAID_SPACE_KIND = {
 	"raid-space",
 	"RAID SPACE",
 	"RAID space",
 	"The disks of the controller have no free area.",
-	scope::controller,
+	scope_t::CONTROLLER,
 	ask,
 	"MOD 4 GIB leaves out whole multiples of 4 GiB; raid-disks and raid-partitions show sizes in full.",
 };

@@ -1,11 +1,11 @@
 // The kinds of things that the plug-in lists.
 #include "kinds.h"
 
-const std::vector<const kind *> &all_kinds()
+const std::vector<const kind_t *> &all_kinds()
 {
-	static const std::vector<const kind *> kinds = {
-		&disks_kind,      &partitions_kind, &cdroms_kind,     &controllers_kind,
-		&containers_kind, &raid_disks_kind, &raid_space_kind, &raid_partitions_kind,
+	static const std::vector<const kind_t *> KINDS = {
+		&DISKS_KIND,      &PARTITIONS_KIND, &CDROMS_KIND,     &CONTROLLERS_KIND,
+		&CONTAINERS_KIND, &RAID_DISKS_KIND, &RAID_SPACE_KIND, &RAID_PARTITIONS_KIND,
 	};
-	return kinds;
+	return KINDS;
 }

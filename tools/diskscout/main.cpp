@@ -9,21 +9,22 @@
 #include "program.h"
 #include "sysroot.h"
 
-const char program_name[] = "diskscout";
+const char PROGRAM_NAME[] = "diskscout";
 
-static int show(const plugin &from, const options &opts)
+static int show(const plugin_t &from, const options_t &opts)
 {
 	if (!opts.config.empty())
 		from.set_configuration(opts.config);
-	enquiry asked(from, opts.controller);
-	const listing shown = opts.json ? list_as_json(asked, opts.kinds) : list_as_tables(asked, opts.kinds);
+	enquiry_t asked(from, opts.controller);
+	const listing_t shown =
+		opts.json ? list_as_json(asked, opts.kinds) : list_as_tables(asked, opts.kinds);
 	const bool written = write_output(shown.text);
 	return shown.complete && written ? STATUS_FINE : STATUS_FAILED;
 }
 
 static int run(int argc, char **argv)
 {
-	const options opts = parse_options(argc, argv);
+	const options_t opts = parse_options(argc, argv);
 	if (!opts.answer.empty())
 		return write_output(opts.answer) ? STATUS_FINE : STATUS_FAILED;
 
@@ -32,7 +33,7 @@ static int run(int argc, char **argv)
 		restart_on_captured_host(opts.sysroot, replayed_command_line(opts, argv[0], file.string()));
 	if (opts.replayed)
 		expect_captured_host();
-	return show(plugin(file), opts);
+	return show(plugin_t(file), opts);
 }
 
 int main(int argc, char **argv)

@@ -1,9 +1,9 @@
 // The plug-in, loaded and asked as an agent does.
 #include "plugin.h"
 
-plugin::plugin(const std::filesystem::path &file)
-    : loaded_plugin(file), m_get_item_info(symbol<decltype(GetItemInfo)>("GetItemInfo")),
-      m_set_item_info(symbol<decltype(SetItemInfo)>("SetItemInfo"))
+plugin_t::plugin_t(const std::filesystem::path &file)
+    : loaded_plugin_t(file), get_item_info_(symbol<decltype(GetItemInfo)>("GetItemInfo")),
+      set_item_info_(symbol<decltype(SetItemInfo)>("SetItemInfo"))
 {
 }
 
@@ -14,7 +14,7 @@ static IPMICOMMAND request(UINT command)
 	return result;
 }
 
-int plugin::get(UINT command, const std::string &argument, void **result, int *length) const
+int plugin_t::get(UINT command, const std::string &argument, void **result, int *length) const
 {
 	IPMICOMMAND cmd = request(command);
 	// The request wants bytes that may be written to.
@@ -23,22 +23,22 @@ int plugin::get(UINT command, const std::string &argument, void **result, int *l
 		cmd.szData = data.data();
 		cmd.nDataLen = static_cast<UINT>(data.size() + 1);
 	}
-	return m_get_item_info(&cmd, result, length);
+	return get_item_info_(&cmd, result, length);
 }
 
-int plugin::set(UINT command, void **result) const
+int plugin_t::set(UINT command, void **result) const
 {
 	const IPMICOMMAND cmd = request(command);
-	return m_set_item_info(&cmd, result);
+	return set_item_info_(&cmd, result);
 }
 
-item_list::item_list(const plugin &from, UINT query, const std::string &argument)
-    : m_plugin(from), m_query(query), m_failed(from.get(query, argument, &m_head, &m_length) != 0)
+item_list_t::item_list_t(const plugin_t &from, UINT query, const std::string &argument)
+    : plugin_(from), query_(query), failed_(from.get(query, argument, &head_, &length_) != 0)
 {
 }
 
-item_list::~item_list()
+item_list_t::~item_list_t()
 {
 	// The release code of a query is the query code plus one. Nobody is left to hear of a failed release.
-	m_plugin.set(m_query + 1, &m_head);
+	plugin_.set(query_ + 1, &head_);
 }

@@ -26,7 +26,7 @@ std::string address(int position)
 	return fmt::format("{:x}:{:02x}:{:x}", channel_of(position), id_of(position), lun_of(position));
 }
 
-ordered_json json_address(int position)
+ordered_json_t json_address(int position)
 {
 	if (position == NO_ADDRESS)
 		return nullptr;

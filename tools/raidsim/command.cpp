@@ -7,14 +7,14 @@
 #include <fmt/format.h>
 #include <limits>
 
-refusal command_error(const std::string &text)
+refusal_t command_error(const std::string &text)
 {
-	return refusal("Command Error: <" + text + ">");
+	return refusal_t("Command Error: <" + text + ">");
 }
 
-refusal parsing_error(const std::string &text)
+refusal_t parsing_error(const std::string &text)
 {
-	return refusal("Parsing Error: <" + text + ">");
+	return refusal_t("Parsing Error: <" + text + ">");
 }
 
 // Where the word that `text` begins with ends: at a blank, or where a list of disks goes on without one.
@@ -38,9 +38,9 @@ static std::size_t length_of_token(std::string_view text)
 	return text.size();
 }
 
-std::vector<token> tokens_of(std::string_view line)
+std::vector<token_t> tokens_of(std::string_view line)
 {
-	std::vector<token> tokens;
+	std::vector<token_t> tokens;
 	for (line = trimmed(line); !line.empty(); line = trimmed(line)) {
 		const std::size_t length = length_of_token(line);
 		tokens.push_back({std::string(line.substr(0, length))});
@@ -59,21 +59,22 @@ static std::string unquoted(const std::string &text)
 	return inner;
 }
 
-command::command(std::string_view name, std::string_view known, const std::vector<token> &rest) : echo_(name)
+command_t::command_t(std::string_view name, std::string_view known, const std::vector<token_t> &rest)
+    : echo_(name)
 {
-	for (const token &part : rest) {
+	for (const token_t &part : rest) {
 		if (part.is_switch())
 			add_switch(part.text, known);
 		else
 			operands_.push_back(part.text);
 	}
-	for (const setting &s : settings_)
+	for (const setting_t &s : settings_)
 		echo_ += fmt::format(" /{}={}", s.name, s.value);
 	for (const std::string &operand : operands_)
 		echo_ += " " + operand;
 }
 
-void command::add_switch(const std::string &part, std::string_view known)
+void command_t::add_switch(const std::string &part, std::string_view known)
 {
 	const std::size_t equals = part.find('=');
 	const std::string name =
@@ -87,16 +88,16 @@ void command::add_switch(const std::string &part, std::string_view known)
 	settings_.push_back({name, value});
 }
 
-std::optional<std::string> command::text(const std::string &name) const
+std::optional<std::string> command_t::text(const std::string &name) const
 {
-	for (const setting &s : settings_) {
+	for (const setting_t &s : settings_) {
 		if (s.name == name)
 			return unquoted(s.value);
 	}
 	return std::nullopt;
 }
 
-bool command::truth(const std::string &name) const
+bool command_t::truth(const std::string &name) const
 {
 	const std::string value = text(name).value_or("FALSE");
 	if (value != "TRUE" && value != "FALSE")
@@ -104,7 +105,7 @@ bool command::truth(const std::string &name) const
 	return value == "TRUE";
 }
 
-void command::expect_operands(std::size_t least, std::size_t most) const
+void command_t::expect_operands(std::size_t least, std::size_t most) const
 {
 	if (operands_.size() < least)
 		throw parsing_error("A parameter is missing");
@@ -112,12 +113,12 @@ void command::expect_operands(std::size_t least, std::size_t most) const
 		throw parsing_error(fmt::format("Unexpected parameter {}", operands_[most]));
 }
 
-std::string command::name_at(std::size_t index) const
+std::string command_t::name_at(std::size_t index) const
 {
 	return unquoted(operands_.at(index));
 }
 
-int command::number_at(std::size_t index) const
+int command_t::number_at(std::size_t index) const
 {
 	const std::string &text = operands_.at(index);
 	const std::optional<std::int64_t> value = number_of(text, std::numeric_limits<int>::max());
@@ -127,7 +128,7 @@ int command::number_at(std::size_t index) const
 }
 
 // "(0,1,0)"
-static std::optional<address> address_of(std::string_view text)
+static std::optional<address_t> address_of(std::string_view text)
 {
 	if (text.size() < 2 || text.front() != '(' || text.back() != ')')
 		return std::nullopt;
@@ -143,7 +144,7 @@ static std::optional<address> address_of(std::string_view text)
 		parts[i] = static_cast<int>(*value);
 		text.remove_prefix(std::min(comma + 1, text.size()));
 	}
-	return address{parts[0], parts[1], parts[2]};
+	return address_t{parts[0], parts[1], parts[2]};
 }
 
 std::optional<std::int64_t> kilobytes_of(std::string_view text)
@@ -159,9 +160,9 @@ std::optional<std::int64_t> kilobytes_of(std::string_view text)
 }
 
 // "((0,0,0),1024M)", "((0,0,0))" or "(0,0,0)"
-static std::optional<disk_operand> disk_of(std::string_view text)
+static std::optional<disk_operand_t> disk_of(std::string_view text)
 {
-	disk_operand result;
+	disk_operand_t result;
 	std::string_view inner = text;
 	if (text.substr(0, 2) == "((" && text.back() == ')') {
 		const std::size_t end = text.find(')') + 1;
@@ -172,25 +173,25 @@ static std::optional<disk_operand> disk_of(std::string_view text)
 		if (!size.empty() && !result.size_kb)
 			return std::nullopt;
 	}
-	const std::optional<address> at = address_of(inner);
+	const std::optional<address_t> at = address_of(inner);
 	if (!at)
 		return std::nullopt;
 	result.at = *at;
 	return result;
 }
 
-disk_operand command::disk_at(std::size_t index) const
+disk_operand_t command_t::disk_at(std::size_t index) const
 {
 	const std::string &text = operands_.at(index);
-	const std::optional<disk_operand> result = disk_of(text);
+	const std::optional<disk_operand_t> result = disk_of(text);
 	if (!result)
 		throw parsing_error(fmt::format("Invalid device {}", text));
 	return *result;
 }
 
-address command::address_at(std::size_t index) const
+address_t command_t::address_at(std::size_t index) const
 {
-	const disk_operand result = disk_at(index);
+	const disk_operand_t result = disk_at(index);
 	if (result.size_kb)
 		throw parsing_error(fmt::format("Unexpected size in {}", operands_.at(index)));
 	return result.at;

@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-static void open_controller(context &at, const command &what)
+static void open_controller(context_t &at, const command_t &what)
 {
 	what.expect_operands(1, 1);
 	const std::string name = what.name_at(0);
@@ -26,33 +26,33 @@ static void open_controller(context &at, const command &what)
 	at.opened = index;
 }
 
-static void controller_list(context &at, const command &what)
+static void controller_list(context_t &at, const command_t &what)
 {
 	what.expect_operands(0, 0);
 	at.answer = {"Adapter Name  Adapter Type           Availability  Clustering",
 	             "------------  ---------------------  ------------  ----------"};
 	if (at.wanted.missing)
 		return;
-	for (const controller &c : at.all.controllers) {
+	for (const controller_t &c : at.all.controllers) {
 		// Two blanks part the columns, however long a value is.
 		at.answer.push_back(fmt::format("{:<12}  {:<21}  {:<12}  {}", c.name, c.type, c.availability,
 		                                c.clustering));
 	}
 }
 
-static void task_list(context &at, const command &what)
+static void task_list(context_t &at, const command_t &what)
 {
 	what.expect_operands(0, 0);
 	at.answer = {"TaskId Function  Done%  Container State Specific1 Specific2",
 	             "------ -------- ------- --------- ----- --------- ---------"};
-	for (const task &t : at.open_controller().tasks) {
+	for (const task_t &t : at.open_controller().tasks) {
 		at.answer.push_back(fmt::format("{:>5}   {:<7} {:>3}.{}% {:>6}      {:<5} {:08x}  {:08x}",
 		                                t.id, t.function, t.done / 10, t.done % 10, t.container,
 		                                t.state, 0, 0));
 	}
 }
 
-static const action actions[] = {
+static const action_t ACTIONS[] = {
 	{"exit", "", false, false, nullptr},
 	{"open", "", false, false, open_controller},
 	{"controller list", "", false, false, controller_list},
@@ -73,7 +73,7 @@ static const action actions[] = {
 	{"task list", "", true, false, task_list},
 };
 
-static bool begins_with(const std::vector<token> &tokens, const std::vector<std::string> &words)
+static bool begins_with(const std::vector<token_t> &tokens, const std::vector<std::string> &words)
 {
 	if (tokens.size() < words.size())
 		return false;
@@ -84,28 +84,28 @@ static bool begins_with(const std::vector<token> &tokens, const std::vector<std:
 	return true;
 }
 
-const action &action_of(const std::vector<token> &tokens)
+const action_t &action_of(const std::vector<token_t> &tokens)
 {
-	for (const action &row : actions) {
+	for (const action_t &row : ACTIONS) {
 		if (begins_with(tokens, words_of(row.words)))
 			return row;
 	}
 	throw parsing_error(fmt::format("Unknown command {}", tokens.front().text));
 }
 
-command command_of(const action &row, const std::vector<token> &tokens)
+command_t command_of(const action_t &row, const std::vector<token_t> &tokens)
 {
 	const auto count = static_cast<std::ptrdiff_t>(words_of(row.words).size());
-	std::vector<token> rest(tokens.begin() + count, tokens.end());
+	std::vector<token_t> rest(tokens.begin() + count, tokens.end());
 	// A controller's name is repeated in quotation marks, however it was written.
-	for (token &part : rest) {
+	for (token_t &part : rest) {
 		if (row.run == open_controller && part.text.front() != '"')
 			part.text = '"' + part.text + '"';
 	}
-	return command(row.words, row.switches, rest);
+	return command_t(row.words, row.switches, rest);
 }
 
-void require_controller(const action &row, context &at)
+void require_controller(const action_t &row, context_t &at)
 {
 	if (!row.needs_open)
 		return;

@@ -6,19 +6,19 @@
 
 #include <vector>
 
-struct action {
+struct action_t {
 	const char *words;
 	const char *switches; // that it knows, between blanks
 	bool needs_open;
 	bool changes;
-	void (*run)(context &at, const command &what); // null: the end of the script
+	void (*run)(context_t &at, const command_t &what); // null: the end of the script
 };
 
 // The row whose words the line begins with, and the rest of the line.
-const action &action_of(const std::vector<token> &tokens);
-command command_of(const action &row, const std::vector<token> &tokens);
+const action_t &action_of(const std::vector<token_t> &tokens);
+command_t command_of(const action_t &row, const std::vector<token_t> &tokens);
 
 // Refuses when the action needs an open controller, or one that may be written.
-void require_controller(const action &row, context &at);
+void require_controller(const action_t &row, context_t &at);
 
 #endif

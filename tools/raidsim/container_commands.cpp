@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-static const int first_member_number = 24;
+static const int FIRST_MEMBER_NUMBER = 24;
 
 static std::string without_blanks_at_end(const std::string &text)
 {
@@ -15,16 +15,16 @@ static std::string without_blanks_at_end(const std::string &text)
 }
 
 // "0:02:0 64.0KB:74.5GB"
-static std::string piece_text(const piece &p)
+static std::string piece_text(const piece_t &p)
 {
 	return fmt::format("{} {}:{}", hex_address_text(p.at), size_text(p.offset_kb), size_text(p.size_kb));
 }
 
-class container_table
+class container_table_t
 {
 public:
 	// A blank before the numbers 0 to 9 and before labels is the tool's own way.
-	container_table(const controller &where, bool blank) : where_(where), blank_(blank) {}
+	container_table_t(const controller_t &where, bool blank) : where_(where), blank_(blank) {}
 
 	std::vector<std::string> lines = {
 		"Num          Total  Oth Stripe          Scsi   Partition",
@@ -32,16 +32,16 @@ public:
 		"----- ------ ------ --- ------ ------- ------ -------------",
 	};
 
-	void add_container(const container &c)
+	void add_container(const container_t &c)
 	{
 		add(c);
-		for (const container *member : members_of(where_, c.number))
+		for (const container_t *member : members_of(where_, c.number))
 			add(*member);
 		lines.emplace_back();
 	}
 
 private:
-	void add_row(const std::string &text, std::size_t piece_index, const container &c)
+	void add_row(const std::string &text, std::size_t piece_index, const container_t &c)
 	{
 		const std::string part =
 			piece_index < c.pieces.size() ? piece_text(c.pieces[piece_index]) : "";
@@ -50,7 +50,7 @@ private:
 		lines.push_back(one_blank && !blank_ ? row.substr(1) : row);
 	}
 
-	void add(const container &c)
+	void add(const container_t &c)
 	{
 		const std::string stripe = c.stripe_kb > 0 ? fmt::format("{}KB", c.stripe_kb) : "";
 		add_row(fmt::format("{:>2}    {:<6} {}     {:<6} {:<7} ", c.number, c.type,
@@ -64,17 +64,17 @@ private:
 			add_row("", next++, c);
 	}
 
-	const controller &where_;
+	const controller_t &where_;
 	bool blank_;
 };
 
-void container_list(context &at, const command &what)
+void container_list(context_t &at, const command_t &what)
 {
 	what.expect_operands(0, 1);
-	controller &where = at.open_controller();
-	container_table table(where, !at.wanted.noblank);
+	controller_t &where = at.open_controller();
+	container_table_t table(where, !at.wanted.noblank);
 	if (!what.operands().empty()) {
-		const container *const c = find_container(where, what.number_at(0));
+		const container_t *const c = find_container(where, what.number_at(0));
 		// This command has its own words for it.
 		if (!c)
 			throw command_error("Container not found.");
@@ -82,64 +82,64 @@ void container_list(context &at, const command &what)
 		at.answer = table.lines;
 		return;
 	}
-	for (int number = 0; number < first_member_number; number++) {
-		if (const container *const c = find_container(where, number))
+	for (int number = 0; number < FIRST_MEMBER_NUMBER; number++) {
+		if (const container_t *const c = find_container(where, number))
 			table.add_container(*c);
 	}
 	at.answer = table.lines;
 }
 
-void container_show_failover(context &at, const command &what)
+void container_show_failover(context_t &at, const command_t &what)
 {
 	what.expect_operands(1, 1);
-	const container &c = require_container(at.open_controller(), what.number_at(0));
+	const container_t &c = require_container(at.open_controller(), what.number_at(0));
 	at.answer = {"Container    Scsi C:ID:L", "--------- ----------------------------------"};
 	if (c.spares.empty()) {
 		at.answer.push_back(fmt::format("{:>5}     --- No Devices Assigned ---", c.number));
 		return;
 	}
 	std::string row = fmt::format("{:>5}     ", c.number);
-	for (const address &spare : c.spares)
+	for (const address_t &spare : c.spares)
 		row += " " + address_text(spare);
 	at.answer.push_back(row);
 }
 
-static bool is_spare(const container &c, const address &disk)
+static bool is_spare(const container_t &c, const address_t &disk)
 {
 	return std::find(c.spares.begin(), c.spares.end(), disk) != c.spares.end();
 }
 
-static void add_spare(controller &where, container &c, const address &disk)
+static void add_spare(controller_t &where, container_t &c, const address_t &disk)
 {
 	if (!is_initialised(require_storage(where, disk)))
 		throw command_error("The specified disk is not initialized.");
 	if (is_spare(c, disk))
 		throw command_error("The specified device is already a failover disk of the container.");
-	for (const piece &p : c.pieces) {
+	for (const piece_t &p : c.pieces) {
 		if (p.at == disk)
 			throw command_error("The specified device is a member of the container.");
 	}
 	c.spares.push_back(disk);
 }
 
-void container_set_failover(context &at, const command &what)
+void container_set_failover(context_t &at, const command_t &what)
 {
 	what.expect_operands(2, SIZE_MAX);
-	controller &where = at.open_controller();
-	container &c = require_container(where, what.number_at(0));
+	controller_t &where = at.open_controller();
+	container_t &c = require_container(where, what.number_at(0));
 	if (c.type != "Mirror" && c.type != "RAID-5")
 		throw command_error("The specified container has no redundancy.");
 	for (std::size_t i = 1; i < what.operands().size(); i++)
 		add_spare(where, c, what.address_at(i));
 }
 
-void container_remove_failover(context &at, const command &what)
+void container_remove_failover(context_t &at, const command_t &what)
 {
 	what.expect_operands(2, SIZE_MAX);
-	controller &where = at.open_controller();
-	container &c = require_container(where, what.number_at(0));
+	controller_t &where = at.open_controller();
+	container_t &c = require_container(where, what.number_at(0));
 	for (std::size_t i = 1; i < what.operands().size(); i++) {
-		const address disk = what.address_at(i);
+		const address_t disk = what.address_at(i);
 		require_disk(where, disk);
 		// The controller's own spelling.
 		if (!is_spare(c, disk))
@@ -148,11 +148,11 @@ void container_remove_failover(context &at, const command &what)
 	}
 }
 
-void container_delete(context &at, const command &what)
+void container_delete(context_t &at, const command_t &what)
 {
 	what.expect_operands(1, 1);
-	controller &where = at.open_controller();
-	const container &c = require_container(where, what.number_at(0));
+	controller_t &where = at.open_controller();
+	const container_t &c = require_container(where, what.number_at(0));
 	if (c.parent >= 0)
 		throw command_error("The specified container is a member of another container.");
 	if (c.data && !what.truth("always"))

@@ -4,10 +4,10 @@
 
 #include "context.h"
 
-void container_list(context &at, const command &what);
-void container_show_failover(context &at, const command &what);
-void container_set_failover(context &at, const command &what);
-void container_remove_failover(context &at, const command &what);
-void container_delete(context &at, const command &what);
+void container_list(context_t &at, const command_t &what);
+void container_show_failover(context_t &at, const command_t &what);
+void container_set_failover(context_t &at, const command_t &what);
+void container_remove_failover(context_t &at, const command_t &what);
+void container_delete(context_t &at, const command_t &what);
 
 #endif

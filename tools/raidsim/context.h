@@ -10,19 +10,19 @@
 #include <vector>
 
 // Only an accepted command's changes are kept.
-struct context {
-	state all;
+struct context_t {
+	state_t all;
 	int opened; // index of the open controller, -1: none
-	const faults &wanted;
+	const faults_t &wanted;
 	std::vector<std::string> answer;
 
-	controller &open_controller() { return all.controllers.at(static_cast<std::size_t>(opened)); }
+	controller_t &open_controller() { return all.controllers.at(static_cast<std::size_t>(opened)); }
 };
 
 // The disk at an address; refused when there is none, or no such channel.
-disk &require_disk(controller &where, const address &at);
+disk_t &require_disk(controller_t &where, const address_t &at);
 // The same for a disk that can hold data, which an enclosure's processor cannot.
-disk &require_storage(controller &where, const address &at);
-container &require_container(controller &where, int number);
+disk_t &require_storage(controller_t &where, const address_t &at);
+container_t &require_container(controller_t &where, int number);
 
 #endif

@@ -4,9 +4,9 @@
 
 #include "context.h"
 
-void create_strip(context &at, const command &what);
-void create_mirror(context &at, const command &what);
-void create_raid5(context &at, const command &what);
-void create_mstrip(context &at, const command &what);
+void create_strip(context_t &at, const command_t &what);
+void create_mirror(context_t &at, const command_t &what);
+void create_raid5(context_t &at, const command_t &what);
+void create_mstrip(context_t &at, const command_t &what);
 
 #endif

@@ -12,7 +12,7 @@ static const char *yes_no(bool value)
 	return value ? "YES" : "NO";
 }
 
-static std::string full_row(const disk &d)
+static std::string full_row(const disk_t &d)
 {
 	// From the device type on, values stand one column right of their headings.
 	return fmt::format("{:<6}   {:<15} {:<16} {:<9} {:<17} {:<5} {:>9} {:<11} {:<16} {:<6} {} ",
@@ -20,13 +20,13 @@ static std::string full_row(const disk &d)
 	                   d.revision, d.blocks, d.bytes_per_block, d.usage, yes_no(d.shared), d.rate);
 }
 
-static std::string short_row(const disk &d)
+static std::string short_row(const disk_t &d)
 {
 	return fmt::format("{:<6}   {:<15} {:>9} {:<11} {:<16} {:<6} {} ", address_text(d.at), d.type,
 	                   d.blocks, d.bytes_per_block, d.usage, yes_no(d.shared), d.rate);
 }
 
-void disk_list(context &at, const command &what)
+void disk_list(context_t &at, const command_t &what)
 {
 	what.expect_operands(0, 0);
 	const bool full = what.truth("full");
@@ -41,26 +41,26 @@ void disk_list(context &at, const command &what)
 		at.answer = {"C:ID:L  Device Type     Blocks    Bytes/Block Usage            Shared Rate",
 		             "------  --------------  --------- ----------- ---------------- ------ ----"};
 	}
-	for (const disk &d : at.open_controller().disks)
+	for (const disk_t &d : at.open_controller().disks)
 		at.answer.push_back(full ? full_row(d) : short_row(d));
 }
 
 // The top of the multi-level container that a container belongs to, or itself.
-static const container &top_of(controller &where, const container &c)
+static const container_t &top_of(controller_t &where, const container_t &c)
 {
 	return c.parent < 0 ? c : require_container(where, c.parent);
 }
 
-void disk_initialize(context &at, const command &what)
+void disk_initialize(context_t &at, const command_t &what)
 {
 	what.expect_operands(1, 1);
-	controller &where = at.open_controller();
-	disk &d = require_storage(where, what.address_at(0));
+	controller_t &where = at.open_controller();
+	disk_t &d = require_storage(where, what.address_at(0));
 	const bool always = what.truth("always");
 	const bool unconditional = what.truth("unconditional");
 	std::vector<int> lost;
-	for (const used_piece &used : pieces_on(where, d.at)) {
-		const container &top = top_of(where, *used.owner);
+	for (const used_piece_t &used : pieces_on(where, d.at)) {
+		const container_t &top = top_of(where, *used.owner);
 		if (top.data && !always)
 			throw command_error("The specified disk has a container that holds data.");
 		if (top.usage == "Open" && !unconditional)
@@ -69,15 +69,15 @@ void disk_initialize(context &at, const command &what)
 	}
 	for (const int number : lost)
 		remove_container(where, number);
-	for (container &c : where.containers)
+	for (container_t &c : where.containers)
 		c.spares.erase(std::remove(c.spares.begin(), c.spares.end(), d.at), c.spares.end());
 	d.usage = "Initialized";
 }
 
-void disk_show_defect(context &at, const command &what)
+void disk_show_defect(context_t &at, const command_t &what)
 {
 	what.expect_operands(1, 1);
-	const disk &d = require_disk(at.open_controller(), what.address_at(0));
+	const disk_t &d = require_disk(at.open_controller(), what.address_at(0));
 	if (d.type != "Disk")
 		throw command_error("The device has answered with a parameter error.");
 	if (d.bad_status)
@@ -86,47 +86,47 @@ void disk_show_defect(context &at, const command &what)
 	             fmt::format("Number of GROWN defects on drive: {}", d.grown_defects)};
 }
 
-static std::string space_row(const disk &d, const char *usage, const area &a)
+static std::string space_row(const disk_t &d, const char *usage, const area_t &a)
 {
 	return fmt::format("  {}     {:<9} {}:{}", address_text(d.at), usage, size_text(a.offset_kb),
 	                   size_text(a.size_kb));
 }
 
-static void add_space(context &at, const disk &d)
+static void add_space(context_t &at, const disk_t &d)
 {
-	struct row {
+	struct row_t {
 		std::int64_t offset_kb;
 		std::string text;
 	};
-	const controller &where = at.open_controller();
-	std::vector<row> rows;
-	for (const used_piece &used : pieces_on(where, d.at)) {
-		const piece &p = *used.part;
+	const controller_t &where = at.open_controller();
+	std::vector<row_t> rows;
+	for (const used_piece_t &used : pieces_on(where, d.at)) {
+		const piece_t &p = *used.part;
 		rows.push_back({p.offset_kb,
 		                space_row(d, p.rebuild ? "Rebuild" : "Container", {p.offset_kb, p.size_kb})});
 	}
-	for (const area &a : free_areas(where, d))
+	for (const area_t &a : free_areas(where, d))
 		rows.push_back({a.offset_kb, space_row(d, "Free", a)});
 	std::sort(rows.begin(), rows.end(),
-	          [](const row &a, const row &b) { return a.offset_kb < b.offset_kb; });
-	for (const row &r : rows)
+	          [](const row_t &a, const row_t &b) { return a.offset_kb < b.offset_kb; });
+	for (const row_t &r : rows)
 		at.answer.push_back(r.text);
 }
 
-void disk_show_space(context &at, const command &what)
+void disk_show_space(context_t &at, const command_t &what)
 {
 	what.expect_operands(0, 1);
 	at.answer = {"", "Scsi C:ID:L Usage      Size", "----------- ---------- -------------"};
-	controller &where = at.open_controller();
+	controller_t &where = at.open_controller();
 	if (!what.operands().empty()) {
 		add_space(at, require_disk(where, what.address_at(0)));
 		return;
 	}
-	for (const disk &d : where.disks)
+	for (const disk_t &d : where.disks)
 		add_space(at, d);
 }
 
-static std::string partition_row(const container &c, const piece &p)
+static std::string partition_row(const container_t &c, const piece_t &p)
 {
 	const bool member = c.parent >= 0;
 	return fmt::format("{:<6}  {}:{}  {:>6}     {:<7}  {:>6}     {:<7}  RW", address_text(p.at),
@@ -134,15 +134,15 @@ static std::string partition_row(const container &c, const piece &p)
 	                   member ? c.parent : 0, member ? "Stripe" : "None");
 }
 
-void disk_show_partition(context &at, const command &what)
+void disk_show_partition(context_t &at, const command_t &what)
 {
 	what.expect_operands(0, 0);
-	const controller &where = at.open_controller();
+	const controller_t &where = at.open_controller();
 	at.answer = {"Scsi    Partition      Container  Container Multi-level  Multi-level",
 	             "C:ID:L  Offset:Size    Num        Type     Num          Type     R/W",
 	             "------  -------------  ---------  -------  -----------  -------  ---"};
-	for (const disk &d : where.disks) {
-		for (const used_piece &used : pieces_on(where, d.at))
+	for (const disk_t &d : where.disks) {
+		for (const used_piece_t &used : pieces_on(where, d.at))
 			at.answer.push_back(partition_row(*used.owner, *used.part));
 	}
 }

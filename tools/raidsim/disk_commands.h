@@ -4,10 +4,10 @@
 
 #include "context.h"
 
-void disk_list(context &at, const command &what);
-void disk_initialize(context &at, const command &what);
-void disk_show_defect(context &at, const command &what);
-void disk_show_space(context &at, const command &what);
-void disk_show_partition(context &at, const command &what);
+void disk_list(context_t &at, const command_t &what);
+void disk_initialize(context_t &at, const command_t &what);
+void disk_show_defect(context_t &at, const command_t &what);
+void disk_show_space(context_t &at, const command_t &what);
+void disk_show_partition(context_t &at, const command_t &what);
 
 #endif

@@ -6,36 +6,36 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-struct plain_word {
+struct plain_word_t {
 	const char *word;
-	bool faults::*field;
+	bool faults_t::*field;
 	bool value;
 };
 
-static const plain_word plain_words[] = {
-	{"busy", &faults::busy, true},         {"missing", &faults::missing, true},
-	{"kill", &faults::kill, true},         {"flood", &faults::flood, true},
-	{"terminal", &faults::terminal, true}, {"status", &faults::status, true},
-	{"noblank", &faults::noblank, true},   {"blank", &faults::noblank, false},
+static const plain_word_t PLAIN_WORDS[] = {
+	{"busy", &faults_t::busy, true},         {"missing", &faults_t::missing, true},
+	{"kill", &faults_t::kill, true},         {"flood", &faults_t::flood, true},
+	{"terminal", &faults_t::terminal, true}, {"status", &faults_t::status, true},
+	{"noblank", &faults_t::noblank, true},   {"blank", &faults_t::noblank, false},
 };
 
-struct number_word {
+struct number_word_t {
 	const char *word;
 	std::int64_t least;
 	std::int64_t most;
-	void (*set)(faults &, std::int64_t);
+	void (*set)(faults_t &, std::int64_t);
 };
 
-static const number_word number_words[] = {
-	{"exit", 1, 255, [](faults &f, std::int64_t n) { f.exit = n; }},
-	{"cut", 0, INT64_C(1) << 30, [](faults &f, std::int64_t n) { f.cut = n; }},
-	{"slow", 0, 600000, [](faults &f, std::int64_t n) { f.slow = n; }},
-	{"pager", 1, 1000, [](faults &f, std::int64_t n) { f.pager = n; }},
+static const number_word_t NUMBER_WORDS[] = {
+	{"exit", 1, 255, [](faults_t &f, std::int64_t n) { f.exit = n; }},
+	{"cut", 0, INT64_C(1) << 30, [](faults_t &f, std::int64_t n) { f.cut = n; }},
+	{"slow", 0, 600000, [](faults_t &f, std::int64_t n) { f.slow = n; }},
+	{"pager", 1, 1000, [](faults_t &f, std::int64_t n) { f.pager = n; }},
 };
 
-static bool set_plain(faults &f, std::string_view word)
+static bool set_plain(faults_t &f, std::string_view word)
 {
-	for (const plain_word &p : plain_words) {
+	for (const plain_word_t &p : PLAIN_WORDS) {
 		if (word == p.word) {
 			f.*p.field = p.value;
 			return true;
@@ -44,12 +44,12 @@ static bool set_plain(faults &f, std::string_view word)
 	return false;
 }
 
-static bool set_number(faults &f, std::string_view word)
+static bool set_number(faults_t &f, std::string_view word)
 {
 	const std::size_t equals = word.find('=');
 	if (equals == std::string_view::npos)
 		return false;
-	for (const number_word &n : number_words) {
+	for (const number_word_t &n : NUMBER_WORDS) {
 		if (word.substr(0, equals) != n.word)
 			continue;
 		const std::optional<std::int64_t> value = number_of(word.substr(equals + 1), n.most);
@@ -61,16 +61,16 @@ static bool set_number(faults &f, std::string_view word)
 	return false;
 }
 
-faults faults_of(std::string_view words)
+faults_t faults_of(std::string_view words)
 {
-	faults f;
+	faults_t f;
 	while (!words.empty()) {
 		const std::size_t length = std::min(words.find(','), words.size());
 		const std::string_view word = trimmed(words.substr(0, length));
 		words.remove_prefix(std::min(length + 1, words.size()));
 		// A misspelt fault would be a test that tests nothing.
 		if (!word.empty() && !set_plain(f, word) && !set_number(f, word))
-			throw fault_error(fmt::format("RAIDSIM_FAULT: \"{}\" is not known", word));
+			throw fault_error_t(fmt::format("RAIDSIM_FAULT: \"{}\" is not known", word));
 	}
 	return f;
 }

@@ -7,11 +7,11 @@
 #include <stdexcept>
 #include <string_view>
 
-struct fault_error : std::runtime_error {
+struct fault_error_t : std::runtime_error {
 	using std::runtime_error::runtime_error;
 };
 
-struct faults {
+struct faults_t {
 	bool busy = false;    // every controller is held by another application
 	bool missing = false; // no controller exists
 	bool kill = false;    // dies by a signal with half of its output written
@@ -26,6 +26,6 @@ struct faults {
 };
 
 // Words between commas, "exit=3,terminal".
-faults faults_of(std::string_view words);
+faults_t faults_of(std::string_view words);
 
 #endif

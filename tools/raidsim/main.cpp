@@ -25,7 +25,7 @@ static bool write_out(const std::string &text)
 	return fwrite(text.data(), 1, text.size(), stdout) == text.size() && fflush(stdout) == 0;
 }
 
-static int answer(const faults &wanted, std::string text)
+static int answer(const faults_t &wanted, std::string text)
 {
 	std::this_thread::sleep_for(std::chrono::milliseconds(wanted.slow));
 	if (wanted.kill)
@@ -43,15 +43,15 @@ static int answer(const faults &wanted, std::string text)
 
 static int run()
 {
-	const faults wanted = faults_of(variable("RAIDSIM_FAULT"));
+	const faults_t wanted = faults_of(variable("RAIDSIM_FAULT"));
 	const std::string path = variable("RAIDSIM_STATE");
 	if (path.empty())
-		throw state_error("RAIDSIM_STATE names no file");
+		throw state_error_t("RAIDSIM_STATE names no file");
 	// It paints a terminal and wants to know which.
 	if (variable("TERM").empty())
-		throw state_error("TERM is not set");
+		throw state_error_t("TERM is not set");
 	std::string script{std::istreambuf_iterator<char>(std::cin), {}};
-	session one(wanted, path, std::move(script));
+	session_t one(wanted, path, std::move(script));
 	return answer(wanted, one.run());
 }
 

@@ -3,7 +3,7 @@
 // and a second controller that is read only.
 #include "sample.h"
 
-const char sample_state[] = R"(
+const char SAMPLE_STATE[] = R"(
 format version=1
 controller name=aac0 type="EXAMPLE 2200S" availability=read/write clustering=No opens=yes channels=2 next_task=107
 disk at=0:00:0 type=Disk removable=no vendor=ACME product=EX103073FL3800 revision=SA1B blocks=143374805 bytes_per_block=512 usage=Initialized shared=no rate=320 primary_defects=3 grown_defects=0 bad_status=no

@@ -3,6 +3,6 @@
 #define DISKSCOUT_TOOLS_RAIDSIM_SAMPLE_H
 
 // The text that a new state file begins with.
-extern const char sample_state[];
+extern const char SAMPLE_STATE[];
 
 #endif

@@ -10,10 +10,10 @@
 #include <vector>
 
 // The script. The pager takes single keys out of it, blanks most of all.
-class input
+class input_t
 {
 public:
-	explicit input(std::string text) : text_(std::move(text)) {}
+	explicit input_t(std::string text) : text_(std::move(text)) {}
 
 	// False at the end.
 	bool next_line(std::string &line);
@@ -25,10 +25,10 @@ private:
 	std::size_t at_ = 0;
 };
 
-class screen
+class screen_t
 {
 public:
-	screen(const faults &wanted, input &keys) : wanted_(wanted), keys_(keys) {}
+	screen_t(const faults_t &wanted, input_t &keys) : wanted_(wanted), keys_(keys) {}
 
 	void banner();
 	void prompt(const std::string &name);
@@ -46,8 +46,8 @@ private:
 	// How many lines to go on with; 0: quit.
 	std::int64_t ask();
 
-	const faults &wanted_;
-	input &keys_;
+	const faults_t &wanted_;
+	input_t &keys_;
 	std::string text_;
 };
 

@@ -4,21 +4,21 @@
 #include "state_file.h"
 #include "text.h"
 
-session::session(const faults &wanted, std::string state_path, std::string script)
+session_t::session_t(const faults_t &wanted, std::string state_path, std::string script)
     : wanted_(wanted), state_path_(std::move(state_path)), input_(std::move(script)), screen_(wanted, input_),
       now_(load_state(state_path_))
 {
 }
 
-std::string session::prompt_name() const
+std::string session_t::prompt_name() const
 {
 	return opened_ < 0 ? "CLI" : upper_case(now_.controllers[static_cast<std::size_t>(opened_)].name);
 }
 
-std::vector<std::string> session::carry_out(const action &row, const command &what)
+std::vector<std::string> session_t::carry_out(const action_t &row, const command_t &what)
 {
 	// A refused command leaves nothing behind, however far it came.
-	context at = {now_, opened_, wanted_, {}};
+	context_t at = {now_, opened_, wanted_, {}};
 	require_controller(row, at);
 	row.run(at, what);
 	if (row.changes)
@@ -28,19 +28,19 @@ std::vector<std::string> session::carry_out(const action &row, const command &wh
 	return at.answer;
 }
 
-void session::obey(const std::string &line)
+void session_t::obey(const std::string &line)
 {
-	const std::vector<token> tokens = tokens_of(line);
+	const std::vector<token_t> tokens = tokens_of(line);
 	std::string echo(trimmed(line));
 	std::vector<std::string> answer;
 	try {
-		const action &row = action_of(tokens);
-		const command what = command_of(row, tokens);
+		const action_t &row = action_of(tokens);
+		const command_t what = command_of(row, tokens);
 		echo = what.echo();
 		ended_ = row.run == nullptr;
 		if (!ended_)
 			answer = carry_out(row, what);
-	} catch (const refusal &error) {
+	} catch (const refusal_t &error) {
 		refused_ = true;
 		answer = {error.what()};
 	}
@@ -49,7 +49,7 @@ void session::obey(const std::string &line)
 		screen_.answer(answer);
 }
 
-const std::string &session::run()
+const std::string &session_t::run()
 {
 	screen_.banner();
 	screen_.prompt(prompt_name());

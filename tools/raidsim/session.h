@@ -5,24 +5,24 @@
 #include "commands.h"
 #include "screen.h"
 
-class session
+class session_t
 {
 public:
-	session(const faults &wanted, std::string state_path, std::string script);
+	session_t(const faults_t &wanted, std::string state_path, std::string script);
 
 	// The whole output. May throw a state_error.
 	const std::string &run();
 
 private:
 	void obey(const std::string &line);
-	std::vector<std::string> carry_out(const action &row, const command &what);
+	std::vector<std::string> carry_out(const action_t &row, const command_t &what);
 	std::string prompt_name() const;
 
-	const faults &wanted_;
+	const faults_t &wanted_;
 	std::string state_path_;
-	input input_;
-	screen screen_;
-	state now_;
+	input_t input_;
+	screen_t screen_;
+	state_t now_;
 	int opened_ = -1; // the open controller's index, -1: none
 	bool refused_ = false;
 	bool ended_ = false;

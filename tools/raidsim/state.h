@@ -7,26 +7,26 @@
 #include <vector>
 
 // Where a disk hangs: channel, SCSI ID and LUN.
-struct address {
+struct address_t {
 	int channel = 0;
 	int id = 0;
 	int lun = 0;
 };
 
-inline bool operator==(const address &a, const address &b)
+inline bool operator==(const address_t &a, const address_t &b)
 {
 	return a.channel == b.channel && a.id == b.id && a.lun == b.lun;
 }
 
 // A part of a disk that a container uses.
-struct piece {
-	address at;
+struct piece_t {
+	address_t at;
 	std::int64_t offset_kb = 0;
 	std::int64_t size_kb = 0;
 	bool rebuild = false; // being filled from the other members
 };
 
-struct container {
+struct container_t {
 	int number = 0;
 	std::string type; // "Stripe", "Mirror", "RAID-5", "Volume" or "Reconf"
 	std::int64_t size_kb = 0;
@@ -36,12 +36,12 @@ struct container {
 	std::string label;
 	int parent = -1; // the multi-level container it is a member of, -1: none
 	bool data = false;
-	std::vector<piece> pieces; // none: a multi-level container
-	std::vector<address> spares;
+	std::vector<piece_t> pieces; // none: a multi-level container
+	std::vector<address_t> spares;
 };
 
-struct disk {
-	address at;
+struct disk_t {
+	address_t at;
 	std::string type; // "Disk", "Processor", ...
 	bool removable = false;
 	std::string vendor;
@@ -57,7 +57,7 @@ struct disk {
 	bool bad_status = false; // does not tell its defects
 };
 
-struct task {
+struct task_t {
 	int id = 0;
 	std::string function; // "Bld/Vfy", "Rebuild", ...
 	int done = 0;         // tenths of a percent
@@ -66,7 +66,7 @@ struct task {
 	std::string state; // "RUN" or another state word; only RUN moves on
 };
 
-struct controller {
+struct controller_t {
 	std::string name;
 	std::string type;
 	std::string availability;
@@ -74,24 +74,24 @@ struct controller {
 	std::string opens; // "yes", "busy" or "wrong-type"
 	int channels = 1;
 	int next_task = 101;
-	std::vector<disk> disks;
-	std::vector<container> containers;
-	std::vector<task> tasks;
+	std::vector<disk_t> disks;
+	std::vector<container_t> containers;
+	std::vector<task_t> tasks;
 };
 
-struct state {
-	std::vector<controller> controllers;
+struct state_t {
+	std::vector<controller_t> controllers;
 };
 
-container *find_container(controller &where, int number);
+container_t *find_container(controller_t &where, int number);
 
 // The members of a multi-level container, in the order of their numbers.
-std::vector<const container *> members_of(const controller &where, int parent);
+std::vector<const container_t *> members_of(const controller_t &where, int parent);
 
 // Removes the container with its members, pieces, spares and tasks.
-void remove_container(controller &where, int number);
+void remove_container(controller_t &where, int number);
 
 // Lets the tasks of every controller do one step; a finished one is shown once more and then gone.
-void let_time_pass(state &all);
+void let_time_pass(state_t &all);
 
 #endif

@@ -6,21 +6,21 @@
 #include "state.h"
 
 // The first line.
-struct version {
+struct version_t {
 	int number = 1;
 };
 
-template <typename Visitor> void visit(version &v, Visitor &field)
+template <typename Visitor> void visit(version_t &v, Visitor &field)
 {
 	field("version", v.number);
 }
 
-template <typename Visitor> void visit(address &a, Visitor &field)
+template <typename Visitor> void visit(address_t &a, Visitor &field)
 {
 	field("at", a);
 }
 
-template <typename Visitor> void visit(piece &p, Visitor &field)
+template <typename Visitor> void visit(piece_t &p, Visitor &field)
 {
 	field("at", p.at);
 	field("offset_kb", p.offset_kb);
@@ -28,7 +28,7 @@ template <typename Visitor> void visit(piece &p, Visitor &field)
 	field("rebuild", p.rebuild);
 }
 
-template <typename Visitor> void visit(container &c, Visitor &field)
+template <typename Visitor> void visit(container_t &c, Visitor &field)
 {
 	field("number", c.number);
 	field("type", c.type);
@@ -41,7 +41,7 @@ template <typename Visitor> void visit(container &c, Visitor &field)
 	field("data", c.data);
 }
 
-template <typename Visitor> void visit(disk &d, Visitor &field)
+template <typename Visitor> void visit(disk_t &d, Visitor &field)
 {
 	field("at", d.at);
 	field("type", d.type);
@@ -59,7 +59,7 @@ template <typename Visitor> void visit(disk &d, Visitor &field)
 	field("bad_status", d.bad_status);
 }
 
-template <typename Visitor> void visit(task &t, Visitor &field)
+template <typename Visitor> void visit(task_t &t, Visitor &field)
 {
 	field("id", t.id);
 	field("function", t.function);
@@ -69,7 +69,7 @@ template <typename Visitor> void visit(task &t, Visitor &field)
 	field("state", t.state);
 }
 
-template <typename Visitor> void visit(controller &c, Visitor &field)
+template <typename Visitor> void visit(controller_t &c, Visitor &field)
 {
 	field("name", c.name);
 	field("type", c.type);

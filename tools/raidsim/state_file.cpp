@@ -20,7 +20,7 @@ static std::string text_of_file(const std::string &path)
 	std::ostringstream text;
 	text << file.rdbuf();
 	if (!file || file.bad())
-		throw state_error(path + " cannot be read");
+		throw state_error_t(path + " cannot be read");
 	return text.str();
 }
 
@@ -44,28 +44,28 @@ static void replace_file(const std::string &path, const std::string &text)
 	std::string temporary = path + ".XXXXXX";
 	const int fd = mkostemp(temporary.data(), O_CLOEXEC);
 	if (fd < 0)
-		throw state_error(fmt::format("{}: {}", temporary, strerror(errno)));
+		throw state_error_t(fmt::format("{}: {}", temporary, strerror(errno)));
 	bool good = write_and_sync(fd, text) && fchmod(fd, 0644) == 0;
 	good = close(fd) == 0 && good;
 	if (good && rename(temporary.c_str(), path.c_str()) == 0)
 		return;
 	const int error = errno;
 	unlink(temporary.c_str());
-	throw state_error(fmt::format("{} cannot be written: {}", path, strerror(error)));
+	throw state_error_t(fmt::format("{} cannot be written: {}", path, strerror(error)));
 }
 
-state load_state(const std::string &path)
+state_t load_state(const std::string &path)
 {
 	if (access(path.c_str(), F_OK) != 0)
-		replace_file(path, state_as_text(state_from_text(sample_state)));
+		replace_file(path, state_as_text(state_from_text(SAMPLE_STATE)));
 	try {
 		return state_from_text(text_of_file(path));
-	} catch (const state_error &error) {
-		throw state_error(fmt::format("{}: {}", path, error.what()));
+	} catch (const state_error_t &error) {
+		throw state_error_t(fmt::format("{}: {}", path, error.what()));
 	}
 }
 
-void save_state(const std::string &path, const state &all)
+void save_state(const std::string &path, const state_t &all)
 {
 	const std::string text = state_as_text(all);
 	if (text != state_as_text(state_from_text(text_of_file(path))))

@@ -8,9 +8,9 @@
 
 // Both throw a state_error when the file cannot be read, understood or written. A file that does not exist is
 // made from the sample first.
-state load_state(const std::string &path);
+state_t load_state(const std::string &path);
 
 // Replaces the file at once or not at all; nothing is written when the text stays the same.
-void save_state(const std::string &path, const state &all);
+void save_state(const std::string &path, const state_t &all);
 
 #endif

@@ -20,10 +20,10 @@
 #include <map>
 #include <sstream>
 
-static const char header[] = "# State of the simulated controllers; written anew at every change.\n"
+static const char HEADER[] = "# State of the simulated controllers; written anew at every change.\n"
 			     "format version=1\n";
 
-class field_writer
+class field_writer_t
 {
 public:
 	void operator()(const char *key, const std::string &value)
@@ -37,52 +37,52 @@ public:
 	{
 		text += fmt::format(" {}={}", key, value ? "yes" : "no");
 	}
-	void operator()(const char *key, const address &value) { (*this)(key, address_text(value)); }
+	void operator()(const char *key, const address_t &value) { (*this)(key, address_text(value)); }
 
 	std::string text;
 };
 
 template <typename Record> static std::string line_of(const char *word, Record &record)
 {
-	field_writer writer;
+	field_writer_t writer;
 	visit(record, writer);
 	return word + writer.text + "\n";
 }
 
-std::string state_as_text(state all)
+std::string state_as_text(state_t all)
 {
-	std::string text = header;
-	for (controller &c : all.controllers) {
+	std::string text = HEADER;
+	for (controller_t &c : all.controllers) {
 		text += "\n" + line_of("controller", c);
-		for (disk &d : c.disks)
+		for (disk_t &d : c.disks)
 			text += line_of("disk", d);
-		for (container &k : c.containers) {
+		for (container_t &k : c.containers) {
 			text += line_of("container", k);
-			for (piece &p : k.pieces)
+			for (piece_t &p : k.pieces)
 				text += line_of("piece", p);
-			for (address &a : k.spares)
+			for (address_t &a : k.spares)
 				text += line_of("spare", a);
 		}
-		for (task &t : c.tasks)
+		for (task_t &t : c.tasks)
 			text += line_of("task", t);
 	}
 	return text;
 }
 
-class field_reader
+class field_reader_t
 {
 public:
 	// Takes the fields behind the first word of a line apart.
-	explicit field_reader(std::string_view rest)
+	explicit field_reader_t(std::string_view rest)
 	{
 		for (rest = trimmed(rest); !rest.empty(); rest = trimmed(rest)) {
 			const std::size_t equals = rest.find('=');
 			if (equals == std::string_view::npos)
-				throw state_error(fmt::format("\"{}\" is no key=value", rest));
+				throw state_error_t(fmt::format("\"{}\" is no key=value", rest));
 			const std::string key(rest.substr(0, equals));
 			rest.remove_prefix(equals + 1);
 			if (!fields_.emplace(key, take_value(rest)).second)
-				throw state_error(fmt::format("\"{}\" stands twice", key));
+				throw state_error_t(fmt::format("\"{}\" stands twice", key));
 		}
 	}
 
@@ -103,17 +103,17 @@ public:
 	{
 		const std::string text = take(key);
 		if (text != "yes" && text != "no")
-			throw state_error(fmt::format("{}={} is neither yes nor no", key, text));
+			throw state_error_t(fmt::format("{}={} is neither yes nor no", key, text));
 		value = text == "yes";
 	}
-	void operator()(const char *key, address &value)
+	void operator()(const char *key, address_t &value)
 	{
 		std::string text = take(key);
 		for (char &c : text)
 			c = c == ':' ? ' ' : c;
 		const std::vector<std::string> parts = words_of(text);
 		if (parts.size() != 3)
-			throw state_error(fmt::format("{}={} is no address", key, text));
+			throw state_error_t(fmt::format("{}={} is no address", key, text));
 		value.channel = static_cast<int>(number(key, parts[0], 9));
 		value.id = static_cast<int>(number(key, parts[1], 99));
 		value.lun = static_cast<int>(number(key, parts[2], 9));
@@ -122,7 +122,7 @@ public:
 	void expect_no_more() const
 	{
 		if (!fields_.empty())
-			throw state_error(fmt::format("\"{}\" is not known here", fields_.begin()->first));
+			throw state_error_t(fmt::format("\"{}\" is not known here", fields_.begin()->first));
 	}
 
 private:
@@ -134,7 +134,7 @@ private:
 		const std::size_t end =
 			quoted ? rest.find('"') : std::min(rest.find_first_of(" \t"), rest.size());
 		if (end == std::string_view::npos)
-			throw state_error("a quotation mark is missing");
+			throw state_error_t("a quotation mark is missing");
 		std::string value(rest.substr(0, end));
 		rest.remove_prefix(end + (quoted ? 1 : 0));
 		return value;
@@ -144,7 +144,7 @@ private:
 	{
 		const auto found = fields_.find(key);
 		if (found == fields_.end())
-			throw state_error(fmt::format("\"{}\" is missing", key));
+			throw state_error_t(fmt::format("\"{}\" is missing", key));
 		std::string value = found->second;
 		fields_.erase(found);
 		return value;
@@ -154,7 +154,7 @@ private:
 	{
 		const std::optional<std::int64_t> value = number_of(text, limit);
 		if (!value)
-			throw state_error(fmt::format("{}={} is no number in range", key, text));
+			throw state_error_t(fmt::format("{}={} is no number in range", key, text));
 		return *value;
 	}
 
@@ -163,7 +163,7 @@ private:
 
 template <typename Record> static Record record_of(std::string_view rest)
 {
-	field_reader reader(rest);
+	field_reader_t reader(rest);
 	Record record;
 	visit(record, reader);
 	reader.expect_no_more();
@@ -173,77 +173,77 @@ template <typename Record> static Record record_of(std::string_view rest)
 template <typename Owner> static Owner &last_of(std::vector<Owner> &owners, const char *name)
 {
 	if (owners.empty())
-		throw state_error(fmt::format("there is no {} above", name));
+		throw state_error_t(fmt::format("there is no {} above", name));
 	return owners.back();
 }
 
-static void read_format(state &, std::string_view rest)
+static void read_format(state_t &, std::string_view rest)
 {
-	if (record_of<version>(rest).number != 1)
-		throw state_error("the format's version is not 1");
+	if (record_of<version_t>(rest).number != 1)
+		throw state_error_t("the format's version is not 1");
 }
 
-static void read_controller(state &all, std::string_view rest)
+static void read_controller(state_t &all, std::string_view rest)
 {
-	all.controllers.push_back(record_of<controller>(rest));
+	all.controllers.push_back(record_of<controller_t>(rest));
 }
 
-static void read_disk(state &all, std::string_view rest)
+static void read_disk(state_t &all, std::string_view rest)
 {
-	last_of(all.controllers, "controller").disks.push_back(record_of<disk>(rest));
+	last_of(all.controllers, "controller").disks.push_back(record_of<disk_t>(rest));
 }
 
-static void read_container(state &all, std::string_view rest)
+static void read_container(state_t &all, std::string_view rest)
 {
-	last_of(all.controllers, "controller").containers.push_back(record_of<container>(rest));
+	last_of(all.controllers, "controller").containers.push_back(record_of<container_t>(rest));
 }
 
-static container &last_container(state &all)
+static container_t &last_container(state_t &all)
 {
 	return last_of(last_of(all.controllers, "controller").containers, "container");
 }
 
-static void read_piece(state &all, std::string_view rest)
+static void read_piece(state_t &all, std::string_view rest)
 {
-	last_container(all).pieces.push_back(record_of<piece>(rest));
+	last_container(all).pieces.push_back(record_of<piece_t>(rest));
 }
 
-static void read_spare(state &all, std::string_view rest)
+static void read_spare(state_t &all, std::string_view rest)
 {
-	last_container(all).spares.push_back(record_of<address>(rest));
+	last_container(all).spares.push_back(record_of<address_t>(rest));
 }
 
-static void read_task(state &all, std::string_view rest)
+static void read_task(state_t &all, std::string_view rest)
 {
-	last_of(all.controllers, "controller").tasks.push_back(record_of<task>(rest));
+	last_of(all.controllers, "controller").tasks.push_back(record_of<task_t>(rest));
 }
 
-struct line_kind {
+struct line_kind_t {
 	const char *word;
-	void (*read)(state &all, std::string_view rest);
+	void (*read)(state_t &all, std::string_view rest);
 };
 
-static const line_kind kinds[] = {
+static const line_kind_t KINDS[] = {
 	{"format", read_format},       {"controller", read_controller}, {"disk", read_disk},
 	{"container", read_container}, {"piece", read_piece},           {"spare", read_spare},
 	{"task", read_task},
 };
 
-static void read_line(state &all, std::string_view line)
+static void read_line(state_t &all, std::string_view line)
 {
 	const std::string_view word = line.substr(0, line.find(' '));
-	for (const line_kind &kind : kinds) {
+	for (const line_kind_t &kind : KINDS) {
 		if (word == kind.word) {
 			kind.read(all, line.substr(word.size()));
 			return;
 		}
 	}
-	throw state_error(fmt::format("\"{}\" is no kind of record", word));
+	throw state_error_t(fmt::format("\"{}\" is no kind of record", word));
 }
 
-state state_from_text(const std::string &text)
+state_t state_from_text(const std::string &text)
 {
-	state all;
+	state_t all;
 	std::istringstream lines(text);
 	std::string line;
 	for (int number = 1; std::getline(lines, line); number++) {
@@ -252,8 +252,8 @@ state state_from_text(const std::string &text)
 			continue;
 		try {
 			read_line(all, content);
-		} catch (const state_error &error) {
-			throw state_error(fmt::format("line {}: {}", number, error.what()));
+		} catch (const state_error_t &error) {
+			throw state_error_t(fmt::format("line {}: {}", number, error.what()));
 		}
 	}
 	return all;

@@ -8,11 +8,11 @@
 #include <string>
 
 // The text cannot be understood, or its file not be read or written.
-struct state_error : std::runtime_error {
+struct state_error_t : std::runtime_error {
 	using std::runtime_error::runtime_error;
 };
 
-std::string state_as_text(state all);
-state state_from_text(const std::string &text);
+std::string state_as_text(state_t all);
+state_t state_from_text(const std::string &text);
 
 #endif

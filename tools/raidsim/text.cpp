@@ -5,7 +5,7 @@
 #include <charconv>
 #include <fmt/format.h>
 
-static const char blanks[] = " \t\r";
+static const char BLANKS[] = " \t\r";
 
 // The C library's own would follow the locale.
 static std::string shifted(std::string_view text, char first, char last, int by)
@@ -30,17 +30,17 @@ std::string upper_case(std::string_view text)
 
 std::string_view trimmed(std::string_view text)
 {
-	const std::size_t first = text.find_first_not_of(blanks);
+	const std::size_t first = text.find_first_not_of(BLANKS);
 	if (first == std::string_view::npos)
 		return {};
-	return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+	return text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
 }
 
 std::vector<std::string> words_of(std::string_view text)
 {
 	std::vector<std::string> words;
 	for (text = trimmed(text); !text.empty(); text = trimmed(text)) {
-		const std::size_t length = std::min(text.find_first_of(blanks), text.size());
+		const std::size_t length = std::min(text.find_first_of(BLANKS), text.size());
 		words.emplace_back(text.substr(0, length));
 		text.remove_prefix(length);
 	}
@@ -59,12 +59,12 @@ std::optional<std::int64_t> number_of(std::string_view text, std::int64_t limit)
 
 std::string size_text(std::int64_t kilobytes)
 {
-	struct unit {
+	struct unit_t {
 		std::int64_t kilobytes;
 		const char *name;
 	};
-	static const unit units[] = {{1048576, "GB"}, {1024, "MB"}, {1, "KB"}};
-	for (const unit &u : units) {
+	static const unit_t UNITS[] = {{1048576, "GB"}, {1024, "MB"}, {1, "KB"}};
+	for (const unit_t &u : UNITS) {
 		if (kilobytes < u.kilobytes && u.kilobytes > 1)
 			continue;
 		const std::int64_t whole = kilobytes / u.kilobytes;
@@ -76,12 +76,12 @@ std::string size_text(std::int64_t kilobytes)
 	return {};
 }
 
-std::string address_text(const address &at)
+std::string address_text(const address_t &at)
 {
 	return fmt::format("{}:{:02}:{}", at.channel, at.id, at.lun);
 }
 
-std::string hex_address_text(const address &at)
+std::string hex_address_text(const address_t &at)
 {
 	return fmt::format("{:x}:{:02x}:{:x}", at.channel, at.id, at.lun);
 }

@@ -26,9 +26,9 @@ std::optional<std::int64_t> number_of(std::string_view text, std::int64_t limit 
 std::string size_text(std::int64_t kilobytes);
 
 // "0:02:0", as in every table but the container list.
-std::string address_text(const address &at);
+std::string address_text(const address_t &at);
 
 // The container list counts SCSI IDs in hexadecimal: "1:0a:0".
-std::string hex_address_text(const address &at);
+std::string hex_address_text(const address_t &at);
 
 #endif

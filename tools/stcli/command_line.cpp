@@ -41,24 +41,24 @@ public:
 	}
 };
 
-static usage_error no_such_option(const std::string &option)
+static usage_error_t no_such_option(const std::string &option)
 {
-	return usage_error(fmt::format("{}: there is no such option (see stcli --help)", option));
+	return usage_error_t(fmt::format("{}: there is no such option (see stcli --help)", option));
 }
 
-static usage_error empty_value(const std::string &option)
+static usage_error_t empty_value(const std::string &option)
 {
-	return usage_error(fmt::format("{}: the value must not be empty", option));
+	return usage_error_t(fmt::format("{}: the value must not be empty", option));
 }
 
 // An option whose value is missing, or a flag that got one.
-static usage_error misused(const std::string &option)
+static usage_error_t misused(const std::string &option)
 {
 	if (option.back() == '=')
 		return empty_value(option);
 	if (option.find('=') != std::string::npos)
 		return no_such_option(option);
-	return usage_error(fmt::format("{}: a value is missing (see stcli --help)", option));
+	return usage_error_t(fmt::format("{}: a value is missing (see stcli --help)", option));
 }
 
 static void set_value(std::string &field, const std::string &value, const arguments_t &arguments)
@@ -69,7 +69,7 @@ static void set_value(std::string &field, const std::string &value, const argume
 	if (value.empty() || (stands_apart && option.back() == '='))
 		throw empty_value(option);
 	if (!field.empty())
-		throw usage_error(fmt::format("{}: the option is given twice", option));
+		throw usage_error_t(fmt::format("{}: the option is given twice", option));
 	field = value;
 }
 
@@ -91,7 +91,7 @@ static std::string with_abbreviations(const std::string &name)
 
 static void add_options(CLI::App &app, command_line_t &line, const arguments_t &arguments)
 {
-	for (const common_option_t &row : common_options) {
+	for (const common_option_t &row : COMMON_OPTIONS) {
 		const auto set = [&line, &row, &arguments](const CLI::results_t &values) {
 			set_value(line.*row.field, values.front(), arguments);
 			return true;
@@ -107,7 +107,7 @@ static void add_options(CLI::App &app, command_line_t &line, const arguments_t &
 	add_flag("-h," + with_abbreviations("--help"), line.help,
 	         "print this, and the commands that the plug-in has");
 	add_flag(with_abbreviations("--version"), line.version, "print the version");
-	add_flag(replayed_option, line.replayed, "")->group("");
+	add_flag(REPLAYED_OPTION, line.replayed, "")->group("");
 }
 
 static void describe(CLI::App &app)

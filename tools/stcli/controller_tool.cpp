@@ -17,7 +17,7 @@
 #include <memory>
 #include <string_view>
 
-static const char white_space[] = " \t\n\v\f\r";
+static const char WHITE_SPACE[] = " \t\n\v\f\r";
 
 // As the plug-in opens it, so that a captured host shows its own.
 struct closer_t {
@@ -38,21 +38,21 @@ static void set_directory(controller_tool_t &tool, std::string_view value)
 
 static void set_name(controller_tool_t &tool, std::string_view value)
 {
-	const std::size_t from = value.find_first_not_of(white_space);
+	const std::size_t from = value.find_first_not_of(WHITE_SPACE);
 	if (from == std::string_view::npos)
 		return;
 	value.remove_prefix(from);
-	tool.name = value.substr(0, value.find_first_of(white_space));
+	tool.name = value.substr(0, value.find_first_of(WHITE_SPACE));
 }
 
 static const struct {
 	std::string_view key;
 	void (*set)(controller_tool_t &tool, std::string_view value);
-} rows[] = {{"Cli Path:", set_directory}, {"Cli Name:", set_name}};
+} ROWS[] = {{"Cli Path:", set_directory}, {"Cli Name:", set_name}};
 
 static void take_line(controller_tool_t &tool, std::string_view line)
 {
-	for (const auto &row : rows) {
+	for (const auto &row : ROWS) {
 		if (line.substr(0, row.key.size()) == row.key)
 			row.set(tool, line.substr(row.key.size()));
 	}

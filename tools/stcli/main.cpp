@@ -16,12 +16,12 @@
 #include <cstdio>
 #include <fmt/format.h>
 
-const char program_name[] = "stcli";
+const char PROGRAM_NAME[] = "stcli";
 
 static std::string commands_of(const std::string &plugin)
 {
 	return "\nCommands, behind the name of the part that knows them:\n" +
-	       command_tree(plugin_file(plugin)).help() + "and hwraid: the RAID console\n";
+	       command_tree_t(plugin_file(plugin)).help() + "and hwraid: the RAID console\n";
 }
 
 // The usage first: without a plug-in that can be loaded it is what is needed.
@@ -49,14 +49,14 @@ static bool is_console(const command_line_t &line)
 static void refuse_words_of_console(const command_line_t &line)
 {
 	if (is_console(line) && line.words.size() > 1)
-		throw usage_error(fmt::format(
+		throw usage_error_t(fmt::format(
 			"hwraid takes no words, \"{}\" stands behind it (options stand before it)",
 			line.words[1]));
 }
 
 static int run_command(const command_line_t &line)
 {
-	const command_tree tree(plugin_file(line.plugin));
+	const command_tree_t tree(plugin_file(line.plugin));
 	if (!line.config.empty())
 		tree.set_configuration(line.config);
 	if (is_console(line))

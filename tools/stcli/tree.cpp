@@ -14,20 +14,20 @@
 // Where the command stands among the words that the plug-in gets: behind the program's name.
 enum { FIRST_WORD = 1 };
 
-command_tree::command_tree(const std::filesystem::path &file)
-    : loaded_plugin(file), m_stcli(symbol<decltype(stcli)>("stcli"))
+command_tree_t::command_tree_t(const std::filesystem::path &file)
+    : loaded_plugin_t(file), stcli_(symbol<decltype(stcli)>("stcli"))
 {
 }
 
 // As main gets its words: they may be written to, and a null stands behind the last one.
-bool command_tree::run(std::vector<std::string> words) const
+bool command_tree_t::run(std::vector<std::string> words) const
 {
 	std::string name = "stcli";
 	std::vector<char *> argv = {name.data()};
 	for (std::string &word : words)
 		argv.push_back(word.data());
 	argv.push_back(nullptr);
-	return m_stcli(static_cast<int>(argv.size() - 1), argv.data(), FIRST_WORD) == 0;
+	return stcli_(static_cast<int>(argv.size() - 1), argv.data(), FIRST_WORD) == 0;
 }
 
 static int checked(int result, const char *what)
@@ -38,58 +38,58 @@ static int checked(int result, const char *what)
 }
 
 // Sends what is written to standard error into memory, as long as it lives.
-class captured_error
+class captured_error_t
 {
 public:
-	captured_error()
-	    : m_memory(checked(memfd_create("standard error", MFD_CLOEXEC), "memory for the help")),
-	      m_kept(checked(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0), "standard error"))
+	captured_error_t()
+	    : memory_(checked(memfd_create("standard error", MFD_CLOEXEC), "memory for the help")),
+	      kept_(checked(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0), "standard error"))
 	{
-		checked(dup2(m_memory, STDERR_FILENO), "standard error");
+		checked(dup2(memory_, STDERR_FILENO), "standard error");
 	}
-	~captured_error()
+	~captured_error_t()
 	{
 		fflush(stderr);
-		dup2(m_kept, STDERR_FILENO);
-		close(m_kept);
-		close(m_memory);
+		dup2(kept_, STDERR_FILENO);
+		close(kept_);
+		close(memory_);
 	}
-	captured_error(const captured_error &) = delete;
-	captured_error &operator=(const captured_error &) = delete;
+	captured_error_t(const captured_error_t &) = delete;
+	captured_error_t &operator=(const captured_error_t &) = delete;
 
 	std::string text() const
 	{
 		fflush(stderr);
 		std::string text;
 		char piece[1024];
-		lseek(m_memory, 0, SEEK_SET);
-		for (ssize_t n; (n = read(m_memory, piece, sizeof(piece))) > 0;)
+		lseek(memory_, 0, SEEK_SET);
+		for (ssize_t n; (n = read(memory_, piece, sizeof(piece))) > 0;)
 			text.append(piece, static_cast<std::size_t>(n));
 		return text;
 	}
 
 private:
-	int m_memory;
-	int m_kept;
+	int memory_;
+	int kept_;
 };
 
 // The entry point says something before and behind every command; the rest is the tree's.
 static std::string lines_of_tree(const std::string &printed)
 {
-	static constexpr std::string_view of_entry_point = "stcli: ";
+	static constexpr std::string_view OF_ENTRY_POINT = "stcli: ";
 	std::istringstream lines(printed);
 	std::string result;
 	for (std::string line; std::getline(lines, line);) {
-		if (line.compare(0, of_entry_point.size(), of_entry_point) != 0)
+		if (line.compare(0, OF_ENTRY_POINT.size(), OF_ENTRY_POINT) != 0)
 			result += line + "\n";
 	}
 	return result;
 }
 
-std::string command_tree::help() const
+std::string command_tree_t::help() const
 {
-	const captured_error captured;
+	const captured_error_t captured;
 	if (!run({"help"}))
-		throw usage_error("the plug-in cannot be used: it does not tell its commands");
+		throw usage_error_t("the plug-in cannot be used: it does not tell its commands");
 	return lines_of_tree(captured.text());
 }
