@@ -49,6 +49,7 @@ bool ReadLine(char *lpszLine, size_t nSize)
 
 // ---- numbers ----
 
+// compat: text that is no number, and no text at all, is 0. Enter alone at "Container ID" means container 0.
 static int NumberIn(const char *lpszLine)
 {
 	int nNumber = 0;
@@ -92,6 +93,8 @@ bool AskContainer(const char *lpszPrompt, int *pnContainerID)
 	return AskNumber(0, 99, lpszPrompt, pnContainerID);
 }
 
+// compat: the prompts speak of defects whatever is done with the disk; who waits for them waits for these
+// words.
 bool AskDisk(const char *lpszDisk, int *pnC_ID_L)
 {
 	static constexpr struct {

@@ -6,6 +6,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+// compat: of a choice only the first character counts, so that "10" is choice 1. Whoever means another gets
+// that.
 bool Obey(const Menu &menu, const char *lpszLine)
 {
 	for (const MenuRow *pRow = menu.pRows; pRow != menu.pRows + menu.nRows; pRow++) {

@@ -17,6 +17,8 @@ static void PrintController(const aac_controller &controller)
 	fprintf(stderr, "Adapter_Type: %s\n", controller.Adapter_Type);
 	fprintf(stderr, "Availability: %d (0- Unavaible 1- Unknown 2-read only 3- read/write) \n",
 	        controller.Availability);
+	// compat: what is neither yes nor no is shown as No; the management interface's menu shows the
+	// number.
 	fprintf(stderr, "Clustering  : %s\n", controller.Clustering == 1 ? "Yes" : "No");
 }
 
@@ -82,6 +84,8 @@ static void ShowContainerTask()
 		fprintf(stderr, "Taskid = %d\n", pTask->TaskId);
 		PrintTaskFields(*pTask);
 	} else {
+		// compat: no task and a tool that fails look the same; the list of all tasks tells them
+		// apart.
 		fprintf(stderr, "get container task return:%d\n", -1);
 	}
 	// With all tasks behind it in the list.

@@ -41,6 +41,8 @@ static void PrintDisk(const HWRAID_DISK_LIST &disk)
 	fprintf(stderr, "nRate:%d\n", disk.nRate);
 }
 
+// compat: the records hold no more than 32 bits with a sign, so that 2 GiB and more may show as less than
+// nothing.
 static void PrintSpace(const HWRAID_SPACE_LIST &space)
 {
 	fprintf(stderr, "nOffset:%d K\n", static_cast<int>(space.nOffset / 1024));

@@ -25,6 +25,7 @@ void printf_info()
 	fputs(MAIN_MENU.lpszText, stderr);
 }
 
+// compat: no menu shows it; it is there for those who call it by its name.
 void print_controller()
 {
 	fputs("------------------------------\n"
@@ -35,7 +36,8 @@ void print_controller()
 	      stderr);
 }
 
-// Unlike a sub-menu: an empty line is unknown, and what is unknown does not show the menu again.
+// compat: unlike in a sub-menu an empty line is unknown, and what is unknown does not show the menu again.
+// Keys that leave twice with Enter do not end the console.
 int call_mycli()
 {
 	StartInput();

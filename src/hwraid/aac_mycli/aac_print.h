@@ -40,7 +40,7 @@ template <class Record> struct ListKind {
 	int (*pfnClear)(Record *pHead);
 };
 
-// Says only that there is nothing to print.
+// compat: an empty list, which is no failure, is reported as one: 0. Only below 0 something is wrong.
 inline void ReportFailure(int nResult)
 {
 	if (nResult < 1)
