@@ -272,6 +272,7 @@ def test_help_is_the_usage_and_the_commands(launcher, arguments):
     assert (result.returncode, result.stderr) == (0, "")
     assert result.stdout.startswith("Usage: stcli [OPTION]... WORD...\n")
     assert result.stdout.endswith("2 for bad usage.\n" + COMMANDS)
+    assert "\n\n\n" not in result.stdout
     for option in OPTIONS:
         assert option in result.stdout
     assert "--replayed" not in result.stdout

@@ -91,6 +91,12 @@ static std::string with_abbreviations(const std::string &name)
 
 static void add_options(CLI::App &app, command_line_t &line, const arguments_t &arguments)
 {
+	const auto add_flag = [&](const std::string &names, bool &flag, const char *what) {
+		const auto set = [&flag, &arguments](std::int64_t) { set_flag(flag, arguments); };
+		return app.add_flag_function(names, set, what)->trigger_on_parse()->disable_flag_override();
+	};
+	// First, for CLI11 leaves a line free behind the options of a group when another group follows.
+	add_flag(REPLAYED_OPTION, line.replayed, "")->group("");
 	for (const common_option_t &row : COMMON_OPTIONS) {
 		const auto set = [&line, &row, &arguments](const CLI::results_t &values) {
 			set_value(line.*row.field, values.front(), arguments);
@@ -100,14 +106,9 @@ static void add_options(CLI::App &app, command_line_t &line, const arguments_t &
 			->type_name(row.value)
 			->trigger_on_parse();
 	}
-	const auto add_flag = [&](const std::string &names, bool &flag, const char *what) {
-		const auto set = [&flag, &arguments](std::int64_t) { set_flag(flag, arguments); };
-		return app.add_flag_function(names, set, what)->trigger_on_parse()->disable_flag_override();
-	};
 	add_flag("-h," + with_abbreviations("--help"), line.help,
 	         "print this, and the commands that the plug-in has");
 	add_flag(with_abbreviations("--version"), line.version, "print the version");
-	add_flag(REPLAYED_OPTION, line.replayed, "")->group("");
 }
 
 static void describe(CLI::App &app)
