@@ -210,7 +210,7 @@ TEST_F(CliHandlers, CommandsFail)
 	for (const cli_func_t handler : {cli_hdd, cli_exe, cli_sal, cli_0})
 		EXPECT_EQ(run(handler, {"rand", "1", "2", "x"}), "-1 1\n");
 	for (const cli_func_t handler : {cli_hdd, cli_exe, cli_sal, cli_os, cli_linux})
-		EXPECT_EQ(run(handler, {"mdstat"}), "-1 1\n");
+		EXPECT_EQ(run(handler, {"mdspeed"}), "-1 1\n");
 	for (const cli_func_t handler : {cli_hdd, cli_exe, cli_sal, cli_1})
 		EXPECT_EQ(run(handler, {"mbr", "/dev/none"}), "-1 1\n");
 }

@@ -2,6 +2,7 @@
 #include "host.h"
 
 #include "hdd/sal/src/0/fd.h"
+#include "replay/replay.h"
 
 #include <fcntl.h>
 #include <limits.h>
@@ -99,6 +100,37 @@ TEST_F(FdTest, ReadWithoutADescriptorFailsAndZeroes)
 	char bytes[2] = {'x', 'x'};
 	EXPECT_EQ(fdread_buf(-1, bytes, 2), -1);
 	EXPECT_EQ(std::string(bytes, 2), std::string(2, '\0'));
+}
+
+bool waits(const Descriptor &descriptor)
+{
+	EXPECT_TRUE(descriptor.is_open());
+	return (fcntl(descriptor.fd(), F_GETFL) & O_NONBLOCK) == 0;
+}
+
+// A drive without a medium can be opened only without waiting for one.
+TEST_F(FdTest, OnlyABlockDeviceIsOpenedPlainly)
+{
+	host.table("device /dev/block\n\tBLKGETSIZE 8\n").link("/dev/to-block", "block");
+	host.show();
+	for (const char *path : {"/dev/block", "/dev/to-block"}) {
+		EXPECT_TRUE(waits(Descriptor(path))) << path;
+		EXPECT_TRUE(waits(Descriptor(fdopen_rw(path)))) << path;
+	}
+	for (const char *path : {"/dev/disk", "/dev/null"}) {
+		EXPECT_FALSE(waits(Descriptor(path))) << path;
+		EXPECT_FALSE(waits(Descriptor(fdopen_rw(path)))) << path;
+	}
+}
+
+// Nothing is opened before it is known what it is.
+TEST_F(FdTest, WhatCannotBeAskedIsNotOpened)
+{
+	host.table("device /dev/block\n\tBLKGETSIZE 8\n");
+	host.show();
+	replay_fail_call(1, 0);
+	EXPECT_LT(fdopen_ro("/dev/block"), 0);
+	EXPECT_EQ(replay_calls(), 1);
 }
 
 // A path below /tmp is the running machine's own.

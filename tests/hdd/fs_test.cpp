@@ -4,8 +4,13 @@
 #include "hdd/sal/src/0/fs.h"
 #include "replay/replay.h"
 
+#include <chrono>
+#include <fcntl.h>
 #include <filesystem>
+#include <signal.h>
 #include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -181,6 +186,32 @@ TEST_F(FsTest, OpeningAPipeWithoutAWriterDoesNotWait)
 	EXPECT_EQ(fsread_line(fs.get(), line), -1);
 }
 
+// What comes through the pipe a while after it has been opened.
+TEST_F(FsTest, WaitsForASlowWriter)
+{
+	const std::string pipe = host.path("/pipe");
+	ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+	const int writer = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+	ASSERT_GE(writer, 0);
+	const Stream fs(fsopen_ro(pipe.c_str()));
+	ASSERT_TRUE(static_cast<bool>(fs));
+	std::thread writing([writer] {
+		for (const char *piece : {"on", "e\n", "two\n"}) {
+			std::this_thread::sleep_for(std::chrono::milliseconds(20));
+			EXPECT_GT(write(writer, piece, strlen(piece)), 0);
+		}
+		close(writer);
+	});
+	line_t line;
+	for (const char *expected : {"one\n", "two\n"}) {
+		EXPECT_EQ(fsread_line(fs.get(), line), 0);
+		EXPECT_EQ(line_text(line), expected);
+	}
+	EXPECT_EQ(fsread_line(fs.get(), line), -1);
+	EXPECT_FALSE(fs.failed());
+	writing.join();
+}
+
 TEST_F(FsTest, DescriptorWithoutAStreamIsClosed)
 {
 	const char *path = table("one\n");
@@ -200,6 +231,18 @@ TEST_F(FsTest, PipeReadsWhatTheCommandWrites)
 		EXPECT_EQ(line_text(line), expected);
 	}
 	EXPECT_EQ(fsread_line(output.get(), line), -1);
+}
+
+TEST_F(FsTest, PipeTellsACommandThatFails)
+{
+	EXPECT_FALSE(Pipe("true").has_failed());
+	EXPECT_TRUE(Pipe("false").has_failed());
+	EXPECT_TRUE(Pipe("exit 255").has_failed());
+	EXPECT_TRUE(Pipe("kill -9 $$").has_failed());
+	EXPECT_TRUE(Pipe("/none/such 2>/dev/null").has_failed());
+	const auto before = signal(SIGCHLD, SIG_IGN);
+	EXPECT_FALSE(Pipe("false").has_failed());
+	signal(SIGCHLD, before);
 }
 
 TEST_F(FsTest, PipeThatCannotBeOpened)

@@ -15,6 +15,7 @@ protected:
 	void SetUp() override
 	{
 		HostTest::SetUp();
+		host.file("/etc/mtab", "");
 		counter_ = memory_counter_hdd;
 	}
 	void TearDown() override
@@ -249,7 +250,6 @@ TEST_F(HddTest, DiskWithoutANodeFailsThePartitions)
 TEST_F(HddTest, VolumesThatCannotBeListedFailThePartitions)
 {
 	// Without disks every other failing call would go unnoticed.
-	host.file("/etc/mtab", "");
 	int failures = 0;
 	for (long nth = 1; nth <= 12; nth++) {
 		replay_fail_call(nth, 0);
@@ -261,6 +261,23 @@ TEST_F(HddTest, VolumesThatCannotBeListedFailThePartitions)
 		EXPECT_EQ(result, nullptr);
 	}
 	EXPECT_EQ(failures, 1);
+}
+
+TEST_F(HddTest, OnlyThePartitionsNeedAMountTable)
+{
+	ide_disks(1);
+	host.ide_drive("hdc", "cdrom");
+	tables("hda", "table 0\nentry 00 83 63 9\n");
+	host.remove("/etc/mtab");
+	EXPECT_EQ(stdisk_all(&result, &length), 0);
+	EXPECT_EQ(length, 1);
+	stdisk_clear(&result);
+	EXPECT_EQ(stcdrom_all(&result, &length), 0);
+	EXPECT_EQ(length, 1);
+	stcdrom_clear(&result);
+	EXPECT_EQ(stpart_all(&result, &length), -1);
+	EXPECT_EQ(length, 0);
+	EXPECT_EQ(result, nullptr);
 }
 
 TEST_F(HddTest, ReleaseOfNothing)

@@ -72,7 +72,7 @@ TEST_F(MdstatList, ArraysBelongToTheList)
 	expect_shape(*list, 2, 2, 16);
 	for (int slot = 0; slot < 2; slot++) {
 		const mdstat_dev_t &dev = list->item[slot];
-		EXPECT_EQ(dev.subdevlist.parent, &dev);
+		EXPECT_EQ(dev.subdevlist.parent, nullptr);
 		for (const mdstat_subdev_t &member : live_items(dev.subdevlist))
 			EXPECT_EQ(member.parent, &dev.subdevlist);
 	}

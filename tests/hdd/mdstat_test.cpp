@@ -36,7 +36,7 @@ TEST_F(MdstatParser, FieldsOfItsMembers)
 	EXPECT_EQ(members.num, 4);
 	EXPECT_EQ(members.num_real, 2);
 	EXPECT_EQ(members.lmt, 8);
-	EXPECT_EQ(members.parent, dev.get());
+	EXPECT_EQ(members.parent, nullptr);
 	EXPECT_EQ(members.nr_faulty, 1);
 	EXPECT_EQ(members.item[1].tag, 1);
 	EXPECT_EQ(members.item[1].index, 1);

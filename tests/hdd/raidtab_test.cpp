@@ -205,6 +205,26 @@ TEST_F(RaidtabTest, ValuesThatAreNoNumbersChangeNothing)
 	EXPECT_EQ(array().subdevlist_spare.num_real, 0);
 }
 
+// A count is what the file says, whatever the list holds.
+TEST_F(RaidtabTest, CountsAreTakenAsDeclared)
+{
+	static const struct {
+		const char *value;
+		int count;
+	} rows[] = {{"0", 0},  {"-1", -1},  {"+3", 3},
+	            {"9", 9},  {"007", 7},  {"-2147483648", INT_MIN},
+	            {"3x", 3}, {"-5#", -5}, {"2147483647", INT_MAX},
+	            {"-0", 0}, {"1 2", 1},  {"2147483648", INT_MAX},
+	            {"1-", 1}, {"-1-", -1}, {"-99999999999999999999", INT_MIN}};
+	for (const auto &row : rows) {
+		EXPECT_EQ(read(printed("raiddev /dev/md0\nnr-raid-disks %s\nnr-spare-disks %s\n", row.value,
+		                       row.value)),
+		          0);
+		EXPECT_EQ(array().subdevlist_member.num, row.count) << row.value;
+		EXPECT_EQ(array().subdevlist_spare.num, row.count) << row.value;
+	}
+}
+
 std::string arrays(int count)
 {
 	std::string text;

@@ -148,10 +148,21 @@ TEST_F(VollistTest, ReadsThroughOneShell)
 	EXPECT_THAT(host.log(), ::testing::ElementsAre("shell cat /etc/mtab"));
 }
 
-TEST_F(VollistTest, MissingTableHasNoVolumes)
+TEST_F(VollistTest, MissingTable)
 {
-	EXPECT_EQ(get(), 0);
+	EXPECT_EQ(get(), -1);
 	expect_shape(*list, 0, 0, 32);
+}
+
+// The command is still writing when it is heard no more, and ends by a signal.
+TEST_F(VollistTest, ListThatIsFullBeforeTheEndIsNoFailure)
+{
+	std::string mtab;
+	for (int i = 0; i < 400; i++)
+		mtab += printed("/dev/x%d /mnt/%d ext3 %s 0 0\n", i, i, repeat("o", 2000).c_str());
+	host.file("/etc/mtab", mtab);
+	EXPECT_EQ(get(), 0);
+	expect_shape(*list, 32, 32, 32);
 }
 
 } // namespace

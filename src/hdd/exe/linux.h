@@ -103,10 +103,10 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg);
 int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg);
 
 // Calls take for the first 32 mounted file systems, pseudo ones included; what it returns is not looked at.
-// Returns 0, or -1 when the mount table cannot be opened.
+// Returns 0, or -1 when the mount table cannot be read.
 int walk_exe_vols(int (*take)(const exe_vol_t *vol, void *context), void *context);
 
-// The first 32 mounted file systems, pseudo ones included. 0, or -1 when the mount table cannot be opened.
+// The first 32 mounted file systems, pseudo ones included. 0, or -1 when the mount table cannot be read.
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg);
 
 // What a partition is joined to: one slot of a volume list.
@@ -132,7 +132,7 @@ struct part_join_t {
 
 // Joins to the volumes of a list, which must outlive it.
 void begin_part_join(part_join_t *join, const exe_vollist_t &vols);
-// Joins to the host's volumes. 0, or -1 when the mount table cannot be opened.
+// Joins to the host's volumes. 0, or -1 when the mount table cannot be read.
 int begin_part_join(part_join_t *join);
 
 // Calls take for every partition of the disk at this path, joined to the volumes, until it returns other

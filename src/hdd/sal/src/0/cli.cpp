@@ -1,7 +1,6 @@
 #include "hdd/sal/src/0/cli.h"
 
 #include "base/text.h"
-#include "hdd/sal/src/0/fd.h"
 
 // The word at which the command begins; null when there is none.
 static const char *first_word(int argc, char **argv, int start)
@@ -121,9 +120,4 @@ int word_to_int64(const char *word, int64_t *value)
 int word_to_int(const char *word, int *value)
 {
 	return whole_word(word, value);
-}
-
-bool is_readable(const char *path)
-{
-	return Descriptor(path).is_open();
 }

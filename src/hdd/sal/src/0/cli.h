@@ -61,17 +61,12 @@ int run_leaf(const char *name, const command_t (&commands)[count], int argc, cha
 int word_to_int64(const char *word, int64_t *value);
 int word_to_int(const char *word, int *value);
 
-// Whether the file can be opened for reading, without waiting for it.
-bool is_readable(const char *path);
-
-// Builds a list and dumps it. -1 without a print when its source cannot be read at all, and after the dump
-// when the list is incomplete.
+// Builds a list and dumps it, an incomplete or empty one too: what the builder returned is told behind it. 0,
+// or -1 when that was anything but 0.
 template <class List>
-int show_list(const char *source, int (*parse)(List *list, filter_func_t filter, void *arg),
-              filter_func_t filter, void *arg, void (*display)(const List *list))
+int show_list(int (*parse)(List *list, filter_func_t filter, void *arg), filter_func_t filter, void *arg,
+              void (*display)(const List *list))
 {
-	if (!is_readable(source))
-		return -1;
 	CLEARED_BY_CALLEE List list;
 	const int result = parse(&list, filter, arg);
 	display(&list);

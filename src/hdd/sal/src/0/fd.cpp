@@ -4,16 +4,29 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+// What stands at the path is asked before it is opened: asked afterwards, a drive would have been opened
+// without its medium, and a pipe would have kept the host waiting. Both calls go by the name, so that
+// whatever stands between the host and the C library sees which device is meant. Between them only somebody
+// who may write to the directory can put another thing in the device's place; below /dev that is root.
+static int open_device(const char *path, int access)
+{
+	struct stat status;
+	if (stat(path, &status) != 0)
+		return -1;
+	return open(path, access | O_CLOEXEC | (S_ISBLK(status.st_mode) ? 0 : O_NONBLOCK));
+}
 
 int fdopen_ro(const char *path)
 {
-	return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+	return open_device(path, O_RDONLY);
 }
 
 int fdopen_rw(const char *path)
 {
-	return open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK);
+	return open_device(path, O_RDWR);
 }
 
 int fdseeks(int fd, unsigned long sector)

@@ -1,6 +1,8 @@
 // Descriptors of devices: opening, and reading and writing whole sectors.
 //
-// Opening never waits: where a pipe or a terminal line stands in a device's place, the calls fail.
+// Block devices are opened plainly: without a medium that fails, and nobody takes the size of the last one
+// for an answer. Everything else is opened without waiting: where a pipe or a terminal line stands in a
+// device's place, the calls fail.
 #ifndef DISKSCOUT_HDD_SAL_0_FD_H
 #define DISKSCOUT_HDD_SAL_0_FD_H
 

@@ -1,8 +1,8 @@
 #include "hdd/sal/src/0/fs.h"
 
-#include "hdd/sal/src/0/fd.h"
 #include "hdd/sal/src/0/str.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 // Part of every line read and of every close: what the host has printed so far appears before whatever
@@ -14,10 +14,14 @@ static void flush_all()
 
 FILE *fsopen_ro(const char *path)
 {
-	// Opened as devices are: some paths come from outside, and a pipe must not hold the host.
-	const int fd = fdopen_ro(path);
-	FILE *fs = fd >= 0 ? fdopen(fd, "r") : nullptr;
-	if (fd >= 0 && !fs)
+	// Some paths come from outside: a pipe that nobody writes to must not hold the host. Reading waits:
+	// what writes to a pipe may be slow.
+	const int fd = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+	if (fd < 0)
+		return nullptr;
+	fcntl(fd, F_SETFL, 0);
+	FILE *fs = fdopen(fd, "r");
+	if (!fs)
 		close(fd);
 	return fs;
 }
@@ -61,6 +65,13 @@ Stream::~Stream()
 }
 
 Pipe::Pipe(const char *command) : fs_(popen(command, "re")) {}
+
+bool Pipe::has_failed()
+{
+	const int status = pclose(fs_);
+	fs_ = nullptr;
+	return status != 0 && status != -1;
+}
 
 Pipe::~Pipe()
 {

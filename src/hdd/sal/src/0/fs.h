@@ -4,7 +4,9 @@
 
 #include "hdd/sal/src/0/def.h"
 
-FILE *fsopen_ro(const char *path); // null on failure; does not wait for a pipe's other end
+// Null on failure. Opening does not wait: a pipe without a writer reads as empty. Reading waits for what a
+// writer still has to say.
+FILE *fsopen_ro(const char *path);
 // Flushes all output streams, then closes fs. Returns what closing returned: 0, or EOF.
 int fsclose(FILE *fs);
 // Zeroes the line_t, then reads at most 1023 characters up to and including a newline, and flushes all
@@ -42,6 +44,9 @@ public:
 	Pipe &operator=(const Pipe &) = delete;
 	explicit operator bool() const { return fs_ != nullptr; }
 	FILE *get() const { return fs_; }
+	// Waits for the command, whose output has been read to its end. True when it ended with a status
+	// other than 0; a host that ignores its children's ends leaves none, and that tells nothing.
+	bool has_failed();
 
 private:
 	fs_t fs_;

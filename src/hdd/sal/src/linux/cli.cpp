@@ -102,7 +102,7 @@ static int cmd_scsishuffle(char *const *)
 
 static int cmd_mtab(char *const *)
 {
-	return show_list(PMTAB_PATH, parse_mtab_mntlist, nullptr, nullptr, display_mtab_mntlist);
+	return show_list(parse_mtab_mntlist, nullptr, nullptr, display_mtab_mntlist);
 }
 
 static int cmd_mtab_filtered(char *const *words)
@@ -114,46 +114,39 @@ static int cmd_mtab_filtered(char *const *words)
 
 	for (const auto &row : FILTERS)
 		if (strcmp(words[1], row.word) == 0)
-			return show_list(PMTAB_PATH, parse_mtab_mntlist, row.filter, words[2],
-			                 display_mtab_mntlist);
+			return show_list(parse_mtab_mntlist, row.filter, words[2], display_mtab_mntlist);
 	return -1;
 }
 
 static int cmd_procblk(char *const *)
 {
-	return show_list(PPROCBLK_PATH, parse_procblk_devlist, filter_procblk_is_disk, nullptr,
-	                 display_procblk_devlist);
+	return show_list(parse_procblk_devlist, filter_procblk_is_disk, nullptr, display_procblk_devlist);
 }
 
 static int cmd_procblk_disk(char *const *words)
 {
-	return show_list(PPROCBLK_PATH, parse_procblk_devlist, filter_procblk_is_part, words[1],
-	                 display_procblk_devlist);
+	return show_list(parse_procblk_devlist, filter_procblk_is_part, words[1], display_procblk_devlist);
 }
 
 static int cmd_procide(char *const *)
 {
-	return show_list(PPROCIDE_PATH, parse_procide_devlist, nullptr, nullptr, display_procide_devlist);
+	return show_list(parse_procide_devlist, nullptr, nullptr, display_procide_devlist);
 }
 
 static int cmd_procscsi(char *const *)
 {
-	return show_list(PPROCSCSISCSI_PATH, parse_procscsi_devlist, nullptr, nullptr,
-	                 display_procscsi_devlist);
+	return show_list(parse_procscsi_devlist, nullptr, nullptr, display_procscsi_devlist);
 }
 
 static int cmd_procscsihost(char *const *)
 {
-	return show_list(PPROCSCSI_PATH, parse_procscsi_hostlist, nullptr, nullptr,
-	                 display_procscsi_hostlist);
+	return show_list(parse_procscsi_hostlist, nullptr, nullptr, display_procscsi_hostlist);
 }
 
 static int cmd_raidtab(char *const *words)
 {
 	CLEARED_BY_CALLEE raidtab_devlist_t list;
 	const int result = read_raidtab_devlist(words[1], &list, nullptr, nullptr);
-	if (result != 0 && list.num == 0)
-		return -1;
 	display_raidtab_devlist(&list);
 	return result;
 }

@@ -112,15 +112,14 @@ static int cmd_sector(char *const *words)
 static int cmd_part(char *const *words)
 {
 	partlist_t list;
-	if (read_disk_partlist(words[1], &list) != 0)
-		return -1;
+	const int result = read_disk_partlist(words[1], &list);
 	dump_list_head(&list);
 	for (const part_t &part : live_items(list)) {
 		dump_item_head(part);
 		fprintf(stderr, "index=%d type=%02x active=%d (start,size)=(%d,%d)\n", part.part_index,
 		        part.type, part.active, low_32(part.start), low_32(part.size));
 	}
-	return 0;
+	return result;
 }
 
 // ---- paths ----

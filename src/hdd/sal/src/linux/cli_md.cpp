@@ -51,5 +51,5 @@ int cmd_mdspeed_limits(char *const *words)
 
 int cmd_mdstat(char *const *)
 {
-	return show_list(PMDSTAT_PATH, parse_mdstat_devlist, nullptr, nullptr, display_mdstat_devlist);
+	return show_list(parse_mdstat_devlist, nullptr, nullptr, display_mdstat_devlist);
 }

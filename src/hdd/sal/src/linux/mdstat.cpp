@@ -143,7 +143,6 @@ static int parse_array_line(mdstat_dev_t *dev, std::string_view line)
 		return -1;
 
 	list_clear(&dev->subdevlist);
-	dev->subdevlist.parent = dev;
 	const int result = parse_members(&dev->subdevlist, str_cut(text));
 	dev->nr_faulty = dev->subdevlist.nr_faulty;
 	if (dev->mdlevel == 'l' || dev->mdlevel == '0') {

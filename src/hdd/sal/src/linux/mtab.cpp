@@ -34,8 +34,12 @@ int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *con
 		const Stream table(fsopen_ro(PMTAB_PATH));
 		return table ? walk_entries(table.get(), take, context) : -1;
 	}
-	const Pipe table("cat /etc/mtab");
-	return table ? walk_entries(table.get(), take, context) : -1;
+	Pipe table("cat /etc/mtab");
+	if (!table)
+		return -1;
+	const int result = walk_entries(table.get(), take, context);
+	// Only at the table's end: a command that is not heard out ends badly for that alone.
+	return result == 0 && table.has_failed() ? -1 : result;
 }
 
 int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg)

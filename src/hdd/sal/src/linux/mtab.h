@@ -27,11 +27,12 @@ typedef mtab_mntlist_t mtab_t;
 enum mtab_source_t { MTAB_PIPE, MTAB_FILE };
 
 // Calls take for every entry in the table's order, until it returns other than 0. Returns what take did, 0
-// at the end of the table, or -1 when the source cannot be opened. A pipe without a table has no entries.
+// at the end of the table, or -1 when the source cannot be opened or, at its end, the pipe's command has
+// failed.
 int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *context), void *context);
 
-// Reads the table through the pipe. 0, -1 when the pipe cannot be opened, -2 when there are more entries
-// than the list holds: it has the first 32 that the filter kept.
+// Reads the table through the pipe. 0, -1 when the table cannot be read (the list holds what was), -2 when
+// there are more entries than the list holds: it has the first 32 that the filter kept.
 int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg);
 
 // Keep entries whose source begins with /dev/, or whose mount point begins with /mnt/; arg is ignored.

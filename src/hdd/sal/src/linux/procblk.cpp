@@ -67,10 +67,8 @@ int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *a
 int filter_procblk_is_disk(const void *item, const void *)
 {
 	const auto *dev = static_cast<const procblk_dev_t *>(item);
-	if (dev->part != 0)
-		return 0;
-	const std::string_view stem = split_devname(dev->name).stem;
-	return is_ide_stem(stem) || is_scsi_stem(stem);
+	const devname_t name = split_devname(dev->name);
+	return dev->part == 0 && (is_ide_name(name) || is_scsi_name(name));
 }
 
 int filter_procblk_is_part(const void *item, const void *arg)

@@ -12,12 +12,12 @@
 // A keyword applies to the array declared last; a disk keyword takes the path of the "device" line before it.
 #include "hdd/sal/src/linux/raidtab.h"
 
+#include "base/text.h"
 #include "hdd/sal/src/0/fn.h"
 #include "hdd/sal/src/0/fs.h"
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 
-#include <limits.h>
 #include <stdlib.h>
 
 // What the lines read so far have left open.
@@ -90,9 +90,7 @@ static void take_level(raidtab_state_t *state, std::string_view value)
 
 static void take_count(raidtab_subdevlist_t *disks, std::string_view value)
 {
-	int64_t count;
-	if (str_next_int(&value, &count) && count >= 0 && count <= INT_MAX)
-		disks->num = static_cast<int>(count);
+	take_decimal(&value, &disks->num);
 }
 
 static void take_raid_count(raidtab_state_t *state, std::string_view value)
