@@ -6,10 +6,12 @@
 #include <linux/hdreg.h>
 #include <mntent.h>
 #include <scsi/scsi.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 #include <vector>
@@ -26,7 +28,9 @@ const std::vector<std::string> SCSI_DISKS = {"sda", "sdb", "sdc", "sdd", "sde", 
 
 FILE *open_table(const char *path)
 {
-	return fdopen(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK), "r");
+	const int fd = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+	fcntl(fd, F_SETFL, 0);
+	return fdopen(fd, "r");
 }
 
 void read_lines(const std::string &path)
@@ -69,12 +73,12 @@ void read_ide()
 	}
 }
 
-std::vector<std::string> read_mounts(FILE *table)
+std::vector<std::string> read_mounts(FILE *table, size_t limit)
 {
 	std::vector<std::string> points;
 	char buffer[16384];
 	mntent entry;
-	while (getmntent_r(table, &entry, buffer, sizeof buffer))
+	while (points.size() < limit && getmntent_r(table, &entry, buffer, sizeof buffer))
 		points.emplace_back(entry.mnt_dir);
 	return points;
 }
@@ -82,14 +86,23 @@ std::vector<std::string> read_mounts(FILE *table)
 std::vector<std::string> read_mount_pipe()
 {
 	FILE *table = popen("cat /etc/mtab", "re");
-	std::vector<std::string> points = read_mounts(table);
+	// No list of mounts reaches further.
+	std::vector<std::string> points = read_mounts(table, 32);
 	pclose(table);
 	return points;
 }
 
+int open_disk(const std::string &disk)
+{
+	const std::string path = "/dev/" + disk;
+	struct stat status;
+	stat(path.c_str(), &status);
+	return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+}
+
 void ask_geometry(const std::string &disk)
 {
-	const int fd = open(("/dev/" + disk).c_str(), O_RDONLY | O_CLOEXEC);
+	const int fd = open_disk(disk);
 	unsigned long size;
 	hd_geometry geometry;
 	ioctl(fd, BLKGETSIZE, &size);
@@ -99,7 +112,7 @@ void ask_geometry(const std::string &disk)
 
 void ask_address(const std::string &disk)
 {
-	const int fd = open(("/dev/" + disk).c_str(), O_RDONLY | O_CLOEXEC);
+	const int fd = open_disk(disk);
 	unsigned answer[2];
 	ioctl(fd, SCSI_IOCTL_GET_IDLUN, answer);
 	close(fd);
@@ -107,7 +120,7 @@ void ask_address(const std::string &disk)
 
 void read_tables(const std::string &disk)
 {
-	const int fd = open(("/dev/" + disk).c_str(), O_RDONLY | O_CLOEXEC);
+	const int fd = open_disk(disk);
 	unsigned long size;
 	char sector[512];
 	ioctl(fd, BLKGETSIZE, &size);
@@ -131,7 +144,7 @@ void floor_disks()
 	read_ide();
 	read_lines("/proc/scsi/scsi");
 	FILE *table = open_table("/etc/mtab");
-	read_mounts(table);
+	read_mounts(table, SIZE_MAX);
 	fflush(nullptr);
 	fclose(table);
 	read_lines("/proc/partitions");

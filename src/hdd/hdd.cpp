@@ -2,7 +2,6 @@
 #include "hdd/hdd.h"
 
 #include "base/record_list.h"
-#include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 #include "hdd/sal/src/linux/parttab.h"
 
@@ -190,38 +189,41 @@ int stcdrom_all(void **result, int *length)
 	return 0;
 }
 
-static int append_part(const exe_part_t *part, void *context)
-{
-	static_cast<Answer<tagStoragePartList> *>(context)->append(*part, exe2stpart);
-	return 0;
-}
-
 // The device paths of the disks, as many as a list of them holds.
 struct disk_paths_t {
 	int num;
 	str_t path[list_capacity<exe_disklist_t>()];
 };
 
-static int append_path(const exe_disk_t *disk, void *context)
+// 0, or -1 when there are more.
+static int list_disk_paths(disk_paths_t *paths)
 {
-	auto *paths = static_cast<disk_paths_t *>(context);
-	if (paths->num == list_capacity<exe_disklist_t>())
-		return LIST_FULL;
-	str_copy(paths->path[paths->num++], disk->devpath);
+	CLEARED_BY_CALLEE ExeDisks disks;
+	CLEARED_BY_CALLEE exe_disk_t disk;
+	for (paths->num = 0; disks.next(&disk); paths->num++) {
+		if (paths->num == list_capacity<exe_disklist_t>())
+			return -1;
+		str_copy(paths->path[paths->num], disk.devpath);
+	}
 	return 0;
 }
 
 int stpart_all(void **result, int *length)
 {
 	Answer<tagStoragePartList> answer(result, length);
-	disk_paths_t disks = {};
+	CLEARED_BY_CALLEE disk_paths_t disks;
 	CLEARED_BY_CALLEE part_join_t join;
-	if (walk_exe_disks(append_path, &disks) != 0 || begin_part_join(&join) != 0)
+	if (list_disk_paths(&disks) != 0 || begin_part_join(&join) != 0)
 		return -1;
 
-	for (int i = 0; i < disks.num; i++)
-		if (walk_exe_parts(disks.path[i], &join, append_part, &answer) != 0)
+	exe_part_t part = {};
+	for (int i = 0; i < disks.num; i++) {
+		CLEARED_BY_CALLEE ExeParts parts(disks.path[i], &join);
+		while (parts.next(&part))
+			answer.append(part, exe2stpart);
+		if (parts.result() != 0)
 			return -1;
+	}
 	return 0;
 }
 

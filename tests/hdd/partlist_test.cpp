@@ -315,61 +315,48 @@ TEST_F(PartlistTest, MoreThan32AreCut)
 	EXPECT_EQ(text_of(list->item[31].devpath), "/dev/hda35");
 }
 
-// A walk that stops at the partition `last`.
-struct walk_t {
-	int last;
-	std::vector<std::string> seen;
-};
-
-int take(const exe_part_t *part, void *context)
-{
-	auto *walk = static_cast<walk_t *>(context);
-	walk->seen.push_back(
-		printed("%s %s %lu %d", part->devpath, part->mntpath, part->volspace.total, part->sys));
-	return part->part_index == walk->last ? 1 : 0;
-}
-
-class PartWalkTest : public PartlistTest
+class PartsTest : public PartlistTest
 {
 protected:
-	int walk_parts(const char *disk, walk_t *walk)
+	int pull(const char *disk)
 	{
 		const auto join = soiled<part_join_t>();
 		begin_part_join(join.get(), *vols);
-		return walk_exe_parts(disk, join.get(), take, walk);
+		ExeParts parts(disk, join.get());
+		exe_part_t part = {};
+		while (parts.next(&part))
+			seen.push_back(printed("%s %s %lu %d", part.devpath, part.mntpath,
+			                       part.volspace.total, part.sys));
+		EXPECT_FALSE(parts.next(&part));
+		return parts.result();
 	}
+	std::vector<std::string> seen;
 };
 
-TEST_F(PartWalkTest, TakesEveryPartition)
+TEST_F(PartsTest, GivesEveryPartition)
 {
 	disk("table 0\nentry 80 83 63 9\nentry 00 82 2000 9\nentry 00 83 3000 9\n");
 	mounted("/dev/hda1", "/", 8).sys = 1;
 	mounted("/dev/hda3", "/long/path", 6);
-	walk_t walk = {-1, {}};
-	EXPECT_EQ(walk_parts("/dev/hda", &walk), 0);
-	EXPECT_THAT(walk.seen,
+	EXPECT_EQ(pull("/dev/hda"), 0);
+	EXPECT_THAT(seen,
 	            ::testing::ElementsAre("/dev/hda1 / 8 1", "/dev/hda2  0 0", "/dev/hda3 /long/path 6 0"));
-	walk = {1, {}};
-	EXPECT_EQ(walk_parts("/dev/hda", &walk), -1);
-	EXPECT_THAT(walk.seen, ::testing::SizeIs(2));
 }
 
 // Nothing of a disk's last partition shows in those of the next disk.
-TEST_F(PartWalkTest, OneJoinServesAllDisks)
+TEST_F(PartsTest, OneRecordServesAllDisks)
 {
 	host.table("device /dev/long-name\n\tBLKGETSIZE 100\ntable 0\nentry 80 83 1 9\n");
 	disk("table 0\nentry 00 82 2000 9\n");
 	mounted("/dev/long-name1", "/", 8).sys = 1;
 	const auto join = soiled<part_join_t>();
 	begin_part_join(join.get(), *vols);
-	const auto keep = [](const exe_part_t *part, void *kept) {
-		*static_cast<exe_part_t *>(kept) = *part;
-		return 0;
-	};
-	const auto kept = std::make_unique<exe_part_t>();
-	EXPECT_EQ(walk_exe_parts("/dev/long-name", join.get(), keep, kept.get()), 0);
-	EXPECT_EQ(text_of(kept->mntpath), "/");
-	EXPECT_EQ(walk_exe_parts("/dev/hda", join.get(), keep, kept.get()), 0);
+	exe_part_t part = {};
+	ExeParts first("/dev/long-name", join.get());
+	ASSERT_TRUE(first.next(&part));
+	EXPECT_EQ(text_of(part.mntpath), "/");
+	ExeParts second("/dev/hda", join.get());
+	ASSERT_TRUE(second.next(&part));
 
 	exe_part_t expected = {};
 	expected.type = 0x82;
@@ -377,16 +364,15 @@ TEST_F(PartWalkTest, OneJoinServesAllDisks)
 	expected.size = 9;
 	strcpy(expected.disk, "/dev/hda");
 	strcpy(expected.devpath, "/dev/hda1");
-	EXPECT_EQ(memcmp(kept.get(), &expected, sizeof expected), 0);
+	EXPECT_EQ(memcmp(&part, &expected, sizeof expected), 0);
 }
 
-TEST_F(PartWalkTest, ABadDiskTakesNothing)
+TEST_F(PartsTest, ABadDiskHasNone)
 {
 	disk("ends 900\ntable 0\nentry 80 83 63 100\nentry 00 05 1000 100\n");
-	walk_t walk = {-1, {}};
-	EXPECT_EQ(walk_parts("/dev/hda", &walk), -1);
-	EXPECT_EQ(walk_parts("/dev/none", &walk), -1);
-	EXPECT_THAT(walk.seen, ::testing::IsEmpty());
+	EXPECT_EQ(pull("/dev/hda"), -1);
+	EXPECT_EQ(pull("/dev/none"), -1);
+	EXPECT_THAT(seen, ::testing::IsEmpty());
 }
 
 // A volume list in which the slots do not say their numbers: the first two entries share a mount point, the

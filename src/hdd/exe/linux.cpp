@@ -5,25 +5,13 @@
 #include "hdd/exe/names.h"
 #include "hdd/sal/src/0/fd.h"
 #include "hdd/sal/src/0/fn.h"
-#include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 #include "hdd/sal/src/linux/devio.h"
-#include "hdd/sal/src/linux/mtab.h"
-#include "hdd/sal/src/linux/procblk.h"
-#include "hdd/sal/src/linux/procide.h"
-#include "hdd/sal/src/linux/procscsi.h"
 
 #include <string.h>
 
 // In 512-byte sectors: so the kernel lists an extended partition, whose own space is only its table.
 constexpr size32_t EXTENDED_LISTED_SIZE = 2;
-
-// What is mounted at / and at /boot; empty when nothing is.
-struct system_mounts_t {
-	fname_t root;
-	fname_t boot;
-	int taken; // entries that the filter has kept so far
-};
 
 static void note_first(fname_t devpath, const mtab_mnt_t &mnt, std::string_view mntpath)
 {
@@ -31,32 +19,27 @@ static void note_first(fname_t devpath, const mtab_mnt_t &mnt, std::string_view 
 		str_copy(devpath, FNAME_SIZE, mnt.devpath);
 }
 
-static int take_system_mount(const mtab_mnt_t *mnt, void *context)
+static void find_system_mounts(system_mounts_t *mounts)
 {
-	auto *mounts = static_cast<system_mounts_t *>(context);
-	if (!filter_mtab_mnt_in_dev(mnt, nullptr))
-		return 0;
-	if (mounts->taken++ == list_capacity<mtab_mntlist_t>())
-		return STOP_WALK; // no list of mounts reaches further
-	note_first(mounts->root, *mnt, "/");
-	note_first(mounts->boot, *mnt, "/boot");
-	return 0;
+	b0(mounts, sizeof *mounts);
+	MtabTable table(MTAB_FILE);
+	mtab_mnt_t mnt = {};
+	// A list of mounts reaches no further.
+	for (int taken = 0; taken < list_capacity<mtab_mntlist_t>() && table.next(&mnt);) {
+		if (!filter_mtab_mnt_in_dev(&mnt, nullptr))
+			continue;
+		taken++;
+		note_first(mounts->root, mnt, "/");
+		note_first(mounts->boot, mnt, "/boot");
+	}
 }
-
-// The tables that every disk of one query is looked up in.
-struct disk_sources_t {
-	procide_devlist_t ide;
-	procscsi_devlist_t scsi;
-	system_mounts_t mounts;
-};
 
 // A source that cannot be read, or not wholly, leaves out the disks that depend on it and no others.
 static void read_disk_sources(disk_sources_t *sources)
 {
 	parse_procide_devlist(&sources->ide, nullptr, nullptr);
 	parse_procscsi_devlist(&sources->scsi, nullptr, nullptr);
-	b0(&sources->mounts, sizeof sources->mounts);
-	walk_mtab(MTAB_FILE, take_system_mount, &sources->mounts);
+	find_system_mounts(&sources->mounts);
 }
 
 void identify_ide(devid_t *devid, const procide_dev_t &drive)
@@ -136,66 +119,61 @@ static bool assemble_disk(exe_disk_t *disk, const char *name, const disk_sources
 	return true;
 }
 
-// The block devices of one query that may be disks, and how many partitions the kernel lists of each. Only
-// the names are kept, close together: every line of the table is compared with all of them.
-struct disk_names_t {
-	int num;
-	struct {
-		str_t name; // a disk's name is a stem of four letters at most
-		int partitions;
-		int extended;
-	} item[list_capacity<procblk_devlist_t>()];
-};
-
-static int take_disk_name(const procblk_dev_t *dev, void *context)
+static void list_disk_names(disk_names_t *disks)
 {
-	auto *disks = static_cast<disk_names_t *>(context);
-	// A list of block devices would hold no more.
-	if (filter_procblk_is_disk(dev, nullptr) && disks->num < list_capacity<procblk_devlist_t>())
-		str_copy(disks->item[disks->num++].name, dev->name);
-	return 0;
+	ProcblkTable table;
+	procblk_dev_t dev = {};
+	while (table.next(&dev))
+		// A list of block devices would hold no more.
+		if (filter_procblk_is_disk(&dev, nullptr) && disks->num < list_capacity<procblk_devlist_t>())
+			str_copy(disks->item[disks->num++].name, dev.name);
 }
 
-static int count_partition(const procblk_dev_t *dev, void *context)
+static void count_partition(disk_names_t *disks, const procblk_dev_t &dev)
 {
-	auto *disks = static_cast<disk_names_t *>(context);
-	for (int i = 0; dev->part != 0 && i < disks->num; i++) {
+	for (int i = 0; dev.part != 0 && i < disks->num; i++) {
 		auto &disk = disks->item[i];
 		// Nor would a list of one disk's partitions.
-		if (strcmp(dev->name, disk.name) != 0 ||
-		    disk.partitions == list_capacity<procblk_devlist_t>())
+		if (strcmp(dev.name, disk.name) != 0 || disk.partitions == list_capacity<procblk_devlist_t>())
 			continue;
 		disk.partitions++;
-		disk.extended += dev->size == EXTENDED_LISTED_SIZE;
+		disk.extended += dev.size == EXTENDED_LISTED_SIZE;
 	}
-	return 0;
 }
 
-int walk_exe_disks(int (*take)(const exe_disk_t *disk, void *context), void *context)
+static void count_partitions(disk_names_t *disks)
 {
-	disk_names_t names = {};
-	CLEARED_BY_CALLEE disk_sources_t sources;
-	walk_procblk(take_disk_name, &names);
-	read_disk_sources(&sources);
-	// One more look at the table counts for all disks: a look for each would cost more than all else.
-	walk_procblk(count_partition, &names);
+	ProcblkTable table;
+	procblk_dev_t dev = {};
+	while (table.next(&dev))
+		count_partition(disks, dev);
+}
 
-	int result = 0;
-	CLEARED_BY_CALLEE exe_disk_t disk;
-	for (int i = 0; i < names.num; i++) {
-		if (!assemble_disk(&disk, names.item[i].name, sources))
+ExeDisks::ExeDisks()
+{
+	b0(&names_, sizeof names_);
+	list_disk_names(&names_);
+	read_disk_sources(&sources_);
+	// One more look at the table counts for all disks: a look for each would cost more than all else.
+	count_partitions(&names_);
+}
+
+bool ExeDisks::next(exe_disk_t *disk)
+{
+	while (at_ < names_.num) {
+		const auto &name = names_.item[at_++];
+		if (!assemble_disk(disk, name.name, sources_))
 			continue;
-		disk.partnum = names.item[i].partitions;
-		disk.partnum_extended = names.item[i].extended;
-		if (take(&disk, context) != 0)
-			result = -1;
+		disk->partnum = name.partitions;
+		disk->partnum_extended = name.extended;
+		return true;
 	}
-	return result;
+	return false;
 }
 
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	collector_t<exe_disklist_t> to = {list, filter, arg};
-	return walk_exe_disks(collect<exe_disklist_t>, &to);
+	CLEARED_BY_CALLEE ExeDisks disks;
+	return list_fill(list, &disks, filter, arg);
 }

@@ -3,7 +3,11 @@
 #ifndef DISKSCOUT_HDD_EXE_LINUX_H
 #define DISKSCOUT_HDD_EXE_LINUX_H
 
-#include "hdd/sal/src/linux/def-devio.h"
+#include "hdd/sal/src/0/list.h"
+#include "hdd/sal/src/linux/mtab.h"
+#include "hdd/sal/src/linux/procblk.h"
+#include "hdd/sal/src/linux/procide.h"
+#include "hdd/sal/src/linux/procscsi.h"
 
 #include <string_view>
 
@@ -92,9 +96,46 @@ struct exe_partlist_t {
 	exe_part_t item[32];
 };
 
-// Calls take for every disk, in the order of the kernel's table. Returns 0, or -1 when a call has returned
-// other than 0: the others are made nevertheless.
-int walk_exe_disks(int (*take)(const exe_disk_t *disk, void *context), void *context);
+// What is mounted at / and at /boot; empty when nothing is.
+struct system_mounts_t {
+	fname_t root;
+	fname_t boot;
+};
+
+// The tables that every disk of one query is looked up in.
+struct disk_sources_t {
+	procide_devlist_t ide;
+	procscsi_devlist_t scsi;
+	system_mounts_t mounts;
+};
+
+// The block devices of one query that may be disks, and how many partitions the kernel lists of each. Only
+// the names are kept, close together: every line of the table is compared with all of them.
+struct disk_names_t {
+	int num;
+	struct {
+		str_t name; // a disk's name is a stem of four letters at most
+		int partitions;
+		int extended;
+	} item[list_capacity<procblk_devlist_t>()];
+};
+
+// The disks, in the order of the kernel's table: while (disks.next(&disk)). All tables are read at the
+// beginning.
+class ExeDisks
+{
+public:
+	ExeDisks();
+	// Fills disk with the next one, whatever it held. False at the end.
+	bool next(exe_disk_t *disk);
+	// Always 0: what cannot be read leaves out the disks that depend on it.
+	int result() const { return 0; }
+
+private:
+	disk_names_t names_;
+	disk_sources_t sources_;
+	int at_ = 0;
+};
 
 // 0, or -1 when more disks qualified than the list holds: it has the first 16.
 int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg);
@@ -102,9 +143,21 @@ int get_exe_disklist(exe_disklist_t *list, filter_func_t filter, void *arg);
 // IDE CD-ROM drives. Always 0.
 int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg);
 
-// Calls take for the first 32 mounted file systems, pseudo ones included; what it returns is not looked at.
-// Returns 0, or -1 when the mount table cannot be read.
-int walk_exe_vols(int (*take)(const exe_vol_t *vol, void *context), void *context);
+// The first 32 mounted file systems, pseudo ones included: while (vols.next(&vol)).
+class ExeVols
+{
+public:
+	ExeVols() : mounts_(MTAB_PIPE) {}
+	// Refills vol, which is all zero at first, with the next one. False at the end.
+	bool next(exe_vol_t *vol);
+	// 0, or -1 when the mount table cannot be read.
+	int result() const { return mounts_.result(); }
+
+private:
+	MtabTable mounts_;
+	mtab_mnt_t mnt_ = {};
+	int taken_ = 0;
+};
 
 // The first 32 mounted file systems, pseudo ones included. 0, or -1 when the mount table cannot be read.
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg);
@@ -125,7 +178,6 @@ struct part_join_t {
 	joined_vol_t vols[32];           // by slot
 	const joined_vol_t *on_disk[32]; // those of the present disk's partitions, in slot order
 	int on_disk_num;
-	exe_part_t part; // the last one that a walk has made
 	size_t texts_used;
 	char texts[2 * 32 * FNAME_SIZE]; // the paths of volumes that stand in no list
 };
@@ -135,11 +187,25 @@ void begin_part_join(part_join_t *join, const exe_vollist_t &vols);
 // Joins to the host's volumes. 0, or -1 when the mount table cannot be read.
 int begin_part_join(part_join_t *join);
 
-// Calls take for every partition of the disk at this path, joined to the volumes, until it returns other
-// than 0. Returns 0, or -1: the disk cannot be opened, sized or read (take is not called then), or take has
-// ended the walk.
-int walk_exe_parts(const char *disk, part_join_t *join, int (*take)(const exe_part_t *part, void *context),
-                   void *context);
+// The partitions of the disk at this path, joined to the volumes: while (parts.next(&part)). The path and the
+// join must outlive it; all tables are read at the beginning.
+class ExeParts
+{
+public:
+	ExeParts(const char *disk, part_join_t *join);
+	// Refills part, which is all zero at first, with the next one; it may hold one of another disk. False
+	// at the end.
+	bool next(exe_part_t *part);
+	// 0, or -1 when the disk cannot be opened, sized or read: then it has no partitions.
+	int result() const { return result_; }
+
+private:
+	const char *disk_;
+	part_join_t *join_;
+	partlist_t entries_;
+	int slot_ = 0;
+	int result_;
+};
 
 // The partitions of the disk at this path, joined to their volumes; a null vols builds a volume list of its
 // own. 0, or -1: the disk cannot be opened, sized or read, or the volumes cannot be listed (the list is

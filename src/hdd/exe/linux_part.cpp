@@ -1,7 +1,6 @@
 // The partitions of the inventory: the entries of a disk's tables, joined to the volumes on them.
 #include "hdd/exe/linux.h"
 
-#include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 #include "hdd/sal/src/linux/parttab.h"
 
@@ -21,7 +20,6 @@ static void join_slot(joined_vol_t *joined, const exe_vol_t &vol)
 
 void begin_part_join(part_join_t *join, const exe_vollist_t &vols)
 {
-	b0(&join->part, sizeof join->part);
 	// Free slots too: their mount points count.
 	for (int slot = 0; slot < list_capacity<exe_vollist_t>(); slot++)
 		join_slot(&join->vols[slot], vols.item[slot]);
@@ -36,29 +34,20 @@ static std::string_view store_text(part_join_t *join, std::string_view text)
 	return std::string_view(stored, text.size());
 }
 
-struct vol_joiner_t {
-	part_join_t *join;
-	int num;
-};
-
-static int join_volume(const exe_vol_t *vol, void *context)
-{
-	auto *to = static_cast<vol_joiner_t *>(context);
-	joined_vol_t *joined = &to->join->vols[to->num++];
-	join_slot(joined, *vol);
-	joined->live = true;
-	joined->devpath = store_text(to->join, joined->devpath);
-	joined->mntpath = store_text(to->join, joined->mntpath);
-	return 0;
-}
-
 int begin_part_join(part_join_t *join)
 {
-	b0(&join->part, sizeof join->part);
 	b0(join->vols, sizeof join->vols);
 	join->texts_used = 0;
-	vol_joiner_t to = {join, 0};
-	return walk_exe_vols(join_volume, &to);
+	ExeVols vols;
+	exe_vol_t vol = {};
+	for (int num = 0; vols.next(&vol); num++) {
+		joined_vol_t *joined = &join->vols[num];
+		join_slot(joined, vol);
+		joined->live = true;
+		joined->devpath = store_text(join, joined->devpath);
+		joined->mntpath = store_text(join, joined->mntpath);
+	}
+	return vols.result();
 }
 
 // Whether a mount at the other place hides one at this: on the same point, and deliberately beneath it as
@@ -85,11 +74,11 @@ static void select_volumes(part_join_t *join, std::string_view disk)
 			join->on_disk[join->on_disk_num++] = &vol;
 }
 
-static void join_volumes(part_join_t *join, std::string_view devpath)
+static void join_volumes(const part_join_t &join, exe_part_t *part)
 {
-	exe_part_t *part = &join->part;
-	for (int i = 0; i < join->on_disk_num; i++) {
-		const joined_vol_t &vol = *join->on_disk[i];
+	const std::string_view devpath = part->devpath;
+	for (int i = 0; i < join.on_disk_num; i++) {
+		const joined_vol_t &vol = *join.on_disk[i];
 		if (vol.devpath != devpath)
 			continue;
 		if (vol.sys)
@@ -97,17 +86,16 @@ static void join_volumes(part_join_t *join, std::string_view devpath)
 		if (part->mntpath[0] != '\0')
 			str_append(part->mntpath, ";");
 		str_append(part->mntpath, vol.mntpath);
-		if (is_hidden(*join, &vol))
+		if (is_hidden(join, &vol))
 			continue;
 		part->volid = vol.volid;
 		part->volspace = vol.volspace;
 	}
 }
 
-// Fills what the entry tells; the record holds the disk's path and what the partition before has left.
-static void assemble_part(part_join_t *join, const part_t &entry)
+// Fills what the entry tells; the record holds what the partition before has left.
+static void assemble_part(exe_part_t *part, const char *disk, const part_t &entry)
 {
-	exe_part_t *part = &join->part;
 	part->part_index = entry.part_index;
 	part->type = entry.type;
 	part->boot = entry.active;
@@ -117,28 +105,27 @@ static void assemble_part(part_join_t *join, const part_t &entry)
 	part->volspace = {};
 	part->sys = 0;
 	str_refill(part->mntpath, "");
+	str_refill(part->disk, disk);
 	str_refill(part->devpath, part->disk);
 	char digits[12];
 	const char *end = std::to_chars(digits, digits + sizeof digits, entry.part_index + 1).ptr;
 	str_append(part->devpath, std::string_view(digits, static_cast<size_t>(end - digits)));
-	join_volumes(join, part->devpath);
 }
 
-int walk_exe_parts(const char *disk, part_join_t *join, int (*take)(const exe_part_t *part, void *context),
-                   void *context)
+ExeParts::ExeParts(const char *disk, part_join_t *join)
+    : disk_(disk), join_(join), result_(read_disk_partlist(disk, &entries_))
 {
-	CLEARED_BY_CALLEE partlist_t entries;
-	if (read_disk_partlist(disk, &entries) != 0)
-		return -1;
-
-	str_refill(join->part.disk, disk);
 	select_volumes(join, disk);
-	for (const part_t &entry : live_items(entries)) {
-		assemble_part(join, entry);
-		if (take(&join->part, context) != 0)
-			return -1;
-	}
-	return 0;
+}
+
+bool ExeParts::next(exe_part_t *part)
+{
+	// The tables' entries stand together, from the first slot on.
+	if (slot_ == entries_.num)
+		return false;
+	assemble_part(part, disk_, entries_.item[slot_++]);
+	join_volumes(*join_, part);
+	return true;
 }
 
 int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func_t filter, void *arg,
@@ -150,6 +137,6 @@ int get_exe_partlist_on_disk(const char *disk, exe_partlist_t *list, filter_func
 		begin_part_join(&join, *vols);
 	else if (begin_part_join(&join) != 0)
 		return -1;
-	collector_t<exe_partlist_t> to = {list, filter, arg};
-	return walk_exe_parts(disk, &join, collect<exe_partlist_t>, &to);
+	CLEARED_BY_CALLEE ExeParts parts(disk, &join);
+	return list_fill(list, &parts, filter, arg);
 }

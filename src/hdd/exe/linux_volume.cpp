@@ -3,11 +3,8 @@
 
 #include "hdd/exe/names.h"
 #include "hdd/sal/src/0/fn.h"
-#include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 #include "hdd/sal/src/linux/devio.h"
-#include "hdd/sal/src/linux/mtab.h"
-#include "hdd/sal/src/linux/procide.h"
 
 #include <string.h>
 #include <unistd.h>
@@ -23,8 +20,6 @@ static std::string_view read_cdrom_link(fname_t target)
 
 // The first mount of every drive, and of the link /dev/cdrom: all of the mount table that matters here.
 struct drive_mounts_t {
-	const procide_devlist_t *drives;
-	int taken; // entries so far
 	mtab_mnt_t linked;
 	mtab_mnt_t of[list_capacity<procide_devlist_t>()];
 };
@@ -38,27 +33,22 @@ static void note_mount(mtab_mnt_t *first, const mtab_mnt_t &mnt, const char *nam
 	first->tag = 1;
 }
 
-static int take_drive_mount(const mtab_mnt_t *mnt, void *context)
-{
-	auto *mounts = static_cast<drive_mounts_t *>(context);
-	if (mounts->taken++ == list_capacity<mtab_mntlist_t>())
-		return STOP_WALK; // no list of mounts reaches further
-	if (!filter_mtab_mnt_in_dev(mnt, nullptr))
-		return 0;
-	note_mount(&mounts->linked, *mnt, "cdrom");
-	for (const procide_dev_t &drive : live_items(*mounts->drives))
-		note_mount(&mounts->of[drive.index], *mnt, drive.name);
-	return 0;
-}
-
 static void find_drive_mounts(drive_mounts_t *mounts, const procide_devlist_t &drives)
 {
-	mounts->drives = &drives;
-	mounts->taken = 0;
 	mounts->linked.tag = 0;
 	for (mtab_mnt_t &mnt : mounts->of)
 		mnt.tag = 0;
-	walk_mtab(MTAB_PIPE, take_drive_mount, mounts);
+
+	MtabTable table(MTAB_PIPE);
+	mtab_mnt_t mnt = {};
+	// A list of mounts reaches no further.
+	for (int taken = 0; taken < list_capacity<mtab_mntlist_t>() && table.next(&mnt); taken++) {
+		if (!filter_mtab_mnt_in_dev(&mnt, nullptr))
+			continue;
+		note_mount(&mounts->linked, mnt, "cdrom");
+		for (const procide_dev_t &drive : live_items(drives))
+			note_mount(&mounts->of[drive.index], mnt, drive.name);
+	}
 }
 
 static void assemble_cdrom(exe_cdrom_t *cdrom, const procide_dev_t &drive, const drive_mounts_t &mounts,
@@ -94,44 +84,28 @@ int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg)
 		if (strcmp(drive.media, "cdrom") != 0)
 			continue;
 		assemble_cdrom(&cdrom, drive, mounts, linked);
-		if (keeps(filter, &cdrom, arg))
-			list_add(list, LIST_FIRST_FREE, cdrom);
+		list_add(list, LIST_FIRST_FREE, cdrom, filter, arg);
 	}
 	return 0;
 }
 
-// A visitor of mount entries that makes volumes of them.
-struct vol_walk_t {
-	int (*take)(const exe_vol_t *vol, void *context);
-	void *context;
-	int taken; // entries so far
-	exe_vol_t vol;
-};
-
-static int take_volume(const mtab_mnt_t *mnt, void *context)
+bool ExeVols::next(exe_vol_t *vol)
 {
-	auto *walk = static_cast<vol_walk_t *>(context);
-	if (walk->taken++ == list_capacity<mtab_mntlist_t>())
-		return STOP_WALK; // the rest is left out, and that is no error
-	exe_vol_t *vol = &walk->vol;
-	str_refill(vol->devpath, mnt->devpath);
-	str_refill(vol->mntpath, mnt->mntpath);
-	str_refill(vol->volid.fsname, mnt->fsname);
-	get_volspace(mnt->mntpath, &vol->volspace);
-	vol->sys = strcmp(mnt->mntpath, "/") == 0 || strcmp(mnt->mntpath, "/boot") == 0;
-	walk->take(vol, walk->context);
-	return 0;
-}
-
-int walk_exe_vols(int (*take)(const exe_vol_t *vol, void *context), void *context)
-{
-	vol_walk_t walk = {take, context, 0, {}};
-	return walk_mtab(MTAB_PIPE, take_volume, &walk) == -1 ? -1 : 0;
+	// The rest is left out, and that is no error.
+	if (taken_ == list_capacity<mtab_mntlist_t>() || !mounts_.next(&mnt_))
+		return false;
+	taken_++;
+	str_refill(vol->devpath, mnt_.devpath);
+	str_refill(vol->mntpath, mnt_.mntpath);
+	str_refill(vol->volid.fsname, mnt_.fsname);
+	get_volspace(mnt_.mntpath, &vol->volspace);
+	vol->sys = strcmp(mnt_.mntpath, "/") == 0 || strcmp(mnt_.mntpath, "/boot") == 0;
+	return true;
 }
 
 int get_exe_vollist(exe_vollist_t *list, filter_func_t filter, const void *arg)
 {
 	list_clear(list);
-	collector_t<exe_vollist_t> to = {list, filter, arg};
-	return walk_exe_vols(collect<exe_vollist_t>, &to);
+	ExeVols vols;
+	return list_fill(list, &vols, filter, arg);
 }

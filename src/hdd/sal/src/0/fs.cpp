@@ -64,7 +64,7 @@ Stream::~Stream()
 		fsclose(fs_);
 }
 
-Pipe::Pipe(const char *command) : fs_(popen(command, "re")) {}
+Pipe::Pipe(const char *command) : fs_(command ? popen(command, "re") : nullptr) {}
 
 bool Pipe::has_failed()
 {

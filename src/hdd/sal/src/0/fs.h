@@ -38,7 +38,7 @@ private:
 class Pipe
 {
 public:
-	explicit Pipe(const char *command);
+	explicit Pipe(const char *command); // null: none
 	~Pipe();
 	Pipe(const Pipe &) = delete;
 	Pipe &operator=(const Pipe &) = delete;

@@ -54,65 +54,48 @@ template <class List> int list_first_free(const List *list)
 
 template <class List> using list_item_t = std::remove_extent_t<decltype(List::item)>;
 
-// The slot, when it is free: a candidate can be built in it and is dropped by clearing it again. Null when it
-// is taken or outside the list.
-template <class List> list_item_t<List> *list_open(List *list, int slot)
-{
-	list_renumber(list);
-	if (slot == LIST_FIRST_FREE)
-		slot = list_first_free(list);
-	if (slot < 0 || slot >= list->lmt || list->item[slot].tag != 0)
-		return nullptr;
-	return &list->item[slot];
-}
-
-// Occupies the slot that was opened last: what renumbering once more would do.
-template <class List> void list_keep(List *list, list_item_t<List> *item)
-{
-	const int slot = static_cast<int>(item - list->item);
-	item->tag = 1;
-	item->index = slot;
-	item->parent = list;
-	list->num_real++;
-	if (list->num <= slot)
-		list->num = slot + 1;
-}
-
-// Copies the candidate into the slot. Returns 0, or -1 when the slot is taken or outside the list.
-template <class List> int list_add(List *list, int slot, const list_item_t<List> &candidate)
-{
-	list_item_t<List> *item = list_open(list, slot);
-	if (!item)
-		return -1;
-	*item = candidate;
-	list_keep(list, item);
-	return 0;
-}
-
 // Whether a caller's filter keeps the candidate.
 template <class Item> bool keeps(filter_func_t filter, const Item *candidate, const void *arg)
 {
 	return !filter || filter(candidate, arg) != 0;
 }
 
-// A walk calls its visitor for every item until it returns other than 0. Such a visitor is collect: it keeps
-// what the filter keeps in the list of its context, and returns LIST_FULL when it finds no room.
-constexpr int LIST_FULL = -2;
-// Returned by a visitor that has seen enough.
-constexpr int STOP_WALK = 1;
-
-template <class List> struct collector_t {
-	List *list;
-	filter_func_t filter;
-	const void *arg;
-};
-
-template <class List> int collect(const list_item_t<List> *item, void *context)
+// The one way into a list: copies the candidate into the slot if the filter keeps it. Returns 0, also for one
+// that is dropped, or -1 when the slot is taken or outside the list.
+template <class List>
+int list_add(List *list, int slot, const list_item_t<List> &candidate, filter_func_t filter = nullptr,
+             const void *arg = nullptr)
 {
-	const auto *to = static_cast<const collector_t<List> *>(context);
-	if (!keeps(to->filter, item, to->arg))
+	if (!keeps(filter, &candidate, arg))
 		return 0;
-	return list_add(to->list, LIST_FIRST_FREE, *item) == 0 ? 0 : LIST_FULL;
+	list_renumber(list);
+	if (slot == LIST_FIRST_FREE)
+		slot = list_first_free(list);
+	if (slot < 0 || slot >= list->lmt || list->item[slot].tag != 0)
+		return -1;
+	list_item_t<List> *item = &list->item[slot];
+	*item = candidate;
+	// What renumbering once more would do.
+	item->tag = 1;
+	item->index = slot;
+	item->parent = list;
+	list->num_real++;
+	if (list->num <= slot)
+		list->num = slot + 1;
+	return 0;
+}
+
+// Adds all that a reader has: while (reader->next(&item)). Returns 0, or -1 when the reader's result is not 0
+// or an item has found no room: the list then holds all the others.
+template <class List, class Reader>
+int list_fill(List *list, Reader *reader, filter_func_t filter, const void *arg)
+{
+	list_item_t<List> item = {};
+	int result = 0;
+	while (reader->next(&item))
+		if (list_add(list, LIST_FIRST_FREE, item, filter, arg) != 0)
+			result = -1;
+	return reader->result() == 0 ? result : -1;
 }
 
 // The occupied slots of a list, in slot order: for (const auto &item : live_items(list)).

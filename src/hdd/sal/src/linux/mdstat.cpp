@@ -237,20 +237,17 @@ int parse_mdstat_dev(mdstat_dev_t *dev, filter_func_t filter, void *arg, char li
 	return parsed ? 0 : -1;
 }
 
-// Parses an array into the next free slot. 0, or -1 when it is malformed or there is none.
+// 0, or -1 when the array is malformed or finds no room.
 static int add_array(mdstat_devlist_t *list, filter_func_t filter, void *arg, char lines[][LINE_SIZE])
 {
-	CLEARED_BY_CALLEE mdstat_dev_t surplus;
-	mdstat_dev_t *slot = list_open(list, LIST_FIRST_FREE);
-	// cppcheck-suppress uninitvar ; parsing clears it
-	mdstat_dev_t *dev = slot ? slot : &surplus;
-	if (parse_mdstat_dev(dev, filter, arg, lines) != 0)
+	CLEARED_BY_CALLEE mdstat_dev_t dev;
+	if (parse_mdstat_dev(&dev, filter, arg, lines) != 0)
 		return -1;
-	if (dev->tag == 0)
+	if (dev.tag == 0)
 		return 0;
-	if (!slot)
+	if (list_add(list, LIST_FIRST_FREE, dev) != 0)
 		return -1;
-	list_keep(list, slot);
+	list_renumber(&list->item[list->num - 1].subdevlist);
 	return 0;
 }
 

@@ -50,8 +50,7 @@ typedef mdstat_devlist_t mdstat_t;
 
 // Parses one array: its line, the size line and the progress line, which may be empty. 0 with dev->tag 1, or
 // with dev all zero when the filter dropped it; -1 with dev all zero when a line is malformed or a member
-// cannot be named or stored. dev may be moved only by parsing into its place: its members point back to
-// their list.
+// cannot be named or stored. Members point back to their list: who moves dev renumbers that.
 int parse_mdstat_dev(mdstat_dev_t *dev, filter_func_t filter, void *arg, char lines[][LINE_SIZE]);
 
 // 0, or -1 when the table cannot be opened or read, or when an array was malformed or found no room: the list

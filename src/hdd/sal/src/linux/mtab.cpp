@@ -3,7 +3,6 @@
 //   /dev/sda1 /boot ext3 rw,relatime 0 0
 #include "hdd/sal/src/linux/mtab.h"
 
-#include "hdd/sal/src/0/fs.h"
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 
@@ -12,41 +11,41 @@
 // Room for an entry whose source and mount point are both as long as a path may be.
 constexpr int ENTRY_SIZE = 4 * FNAME_SIZE;
 
-static int walk_entries(FILE *table, int (*take)(const mtab_mnt_t *mnt, void *context), void *context)
+MtabTable::MtabTable(mtab_source_t source)
+    : file_(source == MTAB_FILE ? fsopen_ro(PMTAB_PATH) : nullptr),
+      pipe_(source == MTAB_PIPE ? "cat /etc/mtab" : nullptr), result_(file_ || pipe_ ? 0 : -1)
+{
+}
+
+bool MtabTable::next(mtab_mnt_t *mnt)
 {
 	// The reader's own buffer: the one behind getmntent is shared with whatever the host is reading.
 	CLEARED_BY_CALLEE char buffer[ENTRY_SIZE];
 	mntent entry;
-	mtab_mnt_t mnt = {};
-	int result = 0;
-	while (result == 0 && getmntent_r(table, &entry, buffer, sizeof buffer)) {
-		str_refill(mnt.devpath, entry.mnt_fsname);
-		str_refill(mnt.mntpath, entry.mnt_dir);
-		str_refill(mnt.fsname, entry.mnt_type);
-		result = take(&mnt, context);
-	}
-	return result;
-}
-
-int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *context), void *context)
-{
-	if (source == MTAB_FILE) {
-		const Stream table(fsopen_ro(PMTAB_PATH));
-		return table ? walk_entries(table.get(), take, context) : -1;
-	}
-	Pipe table("cat /etc/mtab");
+	FILE *table = file_ ? file_.get() : pipe_.get();
 	if (!table)
-		return -1;
-	const int result = walk_entries(table.get(), take, context);
-	// Only at the table's end: a command that is not heard out ends badly for that alone.
-	return result == 0 && table.has_failed() ? -1 : result;
+		return false;
+	if (!getmntent_r(table, &entry, buffer, sizeof buffer)) {
+		// Only here: a command that is not heard out ends badly for that alone.
+		if (pipe_ && pipe_.has_failed())
+			result_ = -1;
+		return false;
+	}
+	str_refill(mnt->devpath, entry.mnt_fsname);
+	str_refill(mnt->mntpath, entry.mnt_dir);
+	str_refill(mnt->fsname, entry.mnt_type);
+	return true;
 }
 
 int parse_mtab_mntlist(mtab_mntlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	collector_t<mtab_mntlist_t> to = {list, filter, arg};
-	return walk_mtab(MTAB_PIPE, collect<mtab_mntlist_t>, &to);
+	MtabTable table(MTAB_PIPE);
+	mtab_mnt_t mnt = {};
+	while (table.next(&mnt))
+		if (list_add(list, LIST_FIRST_FREE, mnt, filter, arg) != 0)
+			return -2;
+	return table.result();
 }
 
 int filter_mtab_mnt_in_dev(const void *item, const void *)

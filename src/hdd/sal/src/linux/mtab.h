@@ -2,6 +2,7 @@
 #ifndef DISKSCOUT_HDD_SAL_LINUX_MTAB_H
 #define DISKSCOUT_HDD_SAL_LINUX_MTAB_H
 
+#include "hdd/sal/src/0/fs.h"
 #include "hdd/sal/src/linux/def-devio.h"
 
 struct mtab_mnt_t {
@@ -26,10 +27,21 @@ typedef mtab_mntlist_t mtab_t;
 // or straight from the file, which makes the disk query some thirty times cheaper.
 enum mtab_source_t { MTAB_PIPE, MTAB_FILE };
 
-// Calls take for every entry in the table's order, until it returns other than 0. Returns what take did, 0
-// at the end of the table, or -1 when the source cannot be opened or, at its end, the pipe's command has
-// failed.
-int walk_mtab(mtab_source_t source, int (*take)(const mtab_mnt_t *mnt, void *context), void *context);
+// The entries of the table, in its order: while (table.next(&mnt)).
+class MtabTable
+{
+public:
+	explicit MtabTable(mtab_source_t source);
+	// Refills mnt, which is all zero at first, with the next entry. False at the end.
+	bool next(mtab_mnt_t *mnt);
+	// 0, or -1 when the source cannot be opened or, at its end, the pipe's command has failed.
+	int result() const { return result_; }
+
+private:
+	Stream file_;
+	Pipe pipe_;
+	int result_;
+};
 
 // Reads the table through the pipe. 0, -1 when the table cannot be read (the list holds what was), -2 when
 // there are more entries than the list holds: it has the first 32 that the filter kept.

@@ -9,7 +9,6 @@
 #include "hdd/sal/src/linux/procblk.h"
 
 #include "hdd/sal/src/0/fn.h"
-#include "hdd/sal/src/0/fs.h"
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 
@@ -39,29 +38,36 @@ static int parse_procblk_line(const char *line, procblk_dev_t *dev)
 	return 0;
 }
 
-int walk_procblk(int (*take)(const procblk_dev_t *dev, void *context), void *context)
+ProcblkTable::ProcblkTable() : table_(fsopen_ro(PPROCBLK_PATH))
 {
-	const Stream table(fsopen_ro(PPROCBLK_PATH));
-	if (!table)
-		return -1;
-
+	if (!table_)
+		return;
 	line_t line;
-	fsread_line(table.get(), line); // headings
-	fsread_line(table.get(), line); // the blank line below them
+	fsread_line(table_.get(), line); // headings
+	fsread_line(table_.get(), line); // the blank line below them
+}
 
-	int result = 0;
-	procblk_dev_t dev = {};
-	while (fsread_line(table.get(), line) == 0)
-		if (parse_procblk_line(line, &dev) != 0 || take(&dev, context) != 0)
-			result = -1;
-	return table.failed() ? -1 : result;
+bool ProcblkTable::next(procblk_dev_t *dev)
+{
+	line_t line;
+	while (table_ && fsread_line(table_.get(), line) == 0) {
+		if (parse_procblk_line(line, dev) == 0)
+			return true;
+		has_bad_line_ = true;
+	}
+	return false;
+}
+
+int ProcblkTable::result() const
+{
+	return !table_ || table_.failed() || has_bad_line_ ? -1 : 0;
 }
 
 int parse_procblk_devlist(procblk_devlist_t *list, filter_func_t filter, void *arg)
 {
 	list_clear(list);
-	collector_t<procblk_devlist_t> to = {list, filter, arg};
-	return walk_procblk(collect<procblk_devlist_t>, &to);
+	ProcblkTable table;
+	return list_fill(list, &table, filter, arg);
 }
 
 int filter_procblk_is_disk(const void *item, const void *)

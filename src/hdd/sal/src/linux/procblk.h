@@ -2,6 +2,7 @@
 #ifndef DISKSCOUT_HDD_SAL_LINUX_PROCBLK_H
 #define DISKSCOUT_HDD_SAL_LINUX_PROCBLK_H
 
+#include "hdd/sal/src/0/fs.h"
 #include "hdd/sal/src/linux/def-devio.h"
 
 struct procblk_dev_t {
@@ -24,9 +25,21 @@ struct procblk_devlist_t {
 };
 typedef procblk_devlist_t procblk_t;
 
-// Calls take for every block device of the table, in the table's order. 0, or -1 when the table cannot be
-// opened, when a line holds no device, or when take returned other than 0; the other lines are still taken.
-int walk_procblk(int (*take)(const procblk_dev_t *dev, void *context), void *context);
+// The block devices of the table, in its order: while (table.next(&dev)).
+class ProcblkTable
+{
+public:
+	ProcblkTable();
+	// Refills dev, which is all zero at first, with the next device; lines that hold none are passed
+	// over. False at the end.
+	bool next(procblk_dev_t *dev);
+	// 0, or -1 when the table cannot be opened or read, or when a line held no device.
+	int result() const;
+
+private:
+	Stream table_;
+	bool has_bad_line_ = false;
+};
 
 // 0, or -1 when the table cannot be opened, or when a line was skipped or found no room: the list then
 // holds all the others.
