@@ -36,7 +36,7 @@ static void print_megabytes(const void *place)
 	fprintf(stderr, "%dMB", low_32(value_at<ULONGLONG>(place) >> 20));
 }
 
-// As the char that it is: a boot byte of 0x80 shows as a negative number.
+// compat: as the char that it is: a boot byte of 0x80 shows as -128.
 static void print_boolean(const void *place)
 {
 	fprintf(stderr, "%d", static_cast<signed char>(value_at<BOOLEAN>(place)));

@@ -26,7 +26,8 @@ constexpr bool is_digit(char c)
 int hex_digit_value(char c);
 
 // Takes a decimal number with an optional sign off the text; nothing before it is skipped. False when the
-// text begins with none: it is left as it was. A number beyond the type's range comes out as the nearest one.
+// text begins with none: it is left as it was.
+// compat: a number beyond the type's range comes out as the nearest one, and never as a small one.
 bool take_decimal(std::string_view *text, int64_t *value);
 bool take_decimal(std::string_view *text, int *value);
 

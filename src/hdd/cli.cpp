@@ -45,7 +45,8 @@ static void release(const kind_t &kind, answer_t *answer)
 	SetItemInfo_hdd(&cmd, &answer->head);
 }
 
-// Deliberately a success whatever the query returned: what it has found is shown.
+// compat: a success whatever the query returned: what it has found is shown, and a failure seen by that
+// alone.
 static int show_kind(const kind_t &kind)
 {
 	answer_t answer = {};
@@ -106,7 +107,7 @@ static int cmd_sttest(char *const *words)
 	for (int round = 0; round < rounds; round++) {
 		if (round != 0)
 			pause_between_rounds();
-		// Deliberately without releasing: the counters go on telling what the failed query left.
+		// compat: nothing is released: the counters go on telling what the failed query left.
 		if (run_round(answers) != 0)
 			return -1;
 	}

@@ -9,8 +9,9 @@
 
 // ---- records ----
 
-// The record behind *link, zeroed but for its link, or a new one: a list that comes back is refilled in
-// place.
+// The record behind *link, zeroed but for its link, or a new one.
+// compat: a list that comes back is refilled in place, and older records stay linked behind the new answer;
+// agents poll with one list.
 template <class Record> static Record *open_record(Record **link)
 {
 	Record *next = nullptr;
@@ -33,7 +34,7 @@ struct bus_name_t {
 static const bus_name_t DISK_BUSES[] = {
 	{'i', "IDE"}, {'c', "IDE"}, {'s', "SCSI"}, {'u', "USB"}, {'f', "FIBRE"}, {'r', "RAID"},
 };
-// Fibre channel and RAID are left out deliberately: drives there are reported as unknown.
+// compat: without fibre channel and RAID: drives there are reported as "UNKNOWN".
 static const bus_name_t CDROM_BUSES[] = {{'i', "IDE"}, {'c', "IDE"}, {'s', "SCSI"}, {'u', "USB"}};
 
 template <size_t rows> static const char *bus_name(const bus_name_t (&buses)[rows], char bus)
@@ -78,7 +79,8 @@ int exe2stdisk(const exe_disk_t *disk, tagStorageDiskList **link)
 	str_copy(record->szInterface, bus_name(DISK_BUSES, disk->devid.bus));
 	record->nPosition = pack_address(disk->idlun);
 	str_copy(record->szMedia, "Disk");
-	// Some devices answer with a lone "(" where their vendor should stand.
+	// compat: some devices answer with a lone "(" where their vendor should stand; it is left out of
+	// disks alone.
 	if (strcmp(disk->devid.vendor, "(") != 0)
 		str_copy(record->szVendor, disk->devid.vendor);
 	str_copy(record->szModel, disk->devid.model);
@@ -172,7 +174,7 @@ int stdisk_all(void **result, int *length)
 {
 	Answer<tagStorageDiskList> answer(result, length);
 	CLEARED_BY_CALLEE exe_disklist_t disks;
-	// Deliberately not examined: what was found is the answer.
+	// compat: the result is not examined: of more disks than the list holds the first are the answer.
 	get_exe_disklist(&disks, nullptr, nullptr);
 	for (const exe_disk_t &disk : live_items(disks))
 		answer.append(disk, exe2stdisk);

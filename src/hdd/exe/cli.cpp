@@ -47,6 +47,7 @@ static void show_vol(const exe_vol_t &vol)
 }
 
 // Dumps a list, also an incomplete one: the result of building it is the command's.
+// compat: ends at the first free slot; no builder leaves one before its last item.
 template <class List>
 static int show_built(const List &list, int result, void (*show)(const list_item_t<List> &item))
 {

@@ -68,7 +68,7 @@ static bool same_address(const idlun_t &a, const idlun_t &b)
 	return a.host == b.host && a.channel == b.channel && a.id == b.id && a.lun == b.lun;
 }
 
-// Serial numbers stay empty: SCSI disks tell theirs only to an INQUIRY of their own.
+// compat: serial numbers stay empty: SCSI disks tell theirs only to an INQUIRY of their own.
 static bool take_scsi_disk(exe_disk_t *disk, const disk_sources_t &sources)
 {
 	const Descriptor device(disk->devpath);
@@ -154,7 +154,8 @@ ExeDisks::ExeDisks()
 	b0(&names_, sizeof names_);
 	list_disk_names(&names_);
 	read_disk_sources(&sources_);
-	// One more look at the table counts for all disks: a look for each would cost more than all else.
+	// compat: one more look at the table counts for all disks, instead of one for each, which would cost
+	// more than all else: all disks are counted in the table of one moment.
 	count_partitions(&names_);
 }
 

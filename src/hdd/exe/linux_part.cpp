@@ -50,8 +50,8 @@ int begin_part_join(part_join_t *join)
 	return vols.result();
 }
 
-// Whether a mount at the other place hides one at this: on the same point, and deliberately beneath it as
-// well, so that a partition at /usr shows no space once /usr/local is mounted.
+// Whether a mount at the other place hides one at this: on the same point.
+// compat: beneath it as well, so that a partition at /usr shows no space once /usr/local is mounted.
 static bool hides(std::string_view other, std::string_view mntpath)
 {
 	return str_begins(other, mntpath) &&

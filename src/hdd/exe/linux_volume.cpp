@@ -80,7 +80,7 @@ int get_exe_cdromlist(exe_cdromlist_t *list, filter_func_t filter, void *arg)
 
 	CLEARED_BY_CALLEE exe_cdrom_t cdrom;
 	for (const procide_dev_t &drive : live_items(drives)) {
-		// Only IDE drives are listed: SCSI and USB ones are left out deliberately.
+		// compat: only IDE drives are listed; SCSI and USB ones are left out.
 		if (strcmp(drive.media, "cdrom") != 0)
 			continue;
 		assemble_cdrom(&cdrom, drive, mounts, linked);

@@ -36,7 +36,7 @@ static int cmd_input(char *const *)
 	if (fsread_line(stdin, line) != 0) {
 		// Where the command stood in the first release: service scripts look for this text.
 		fputs("error: |hdd/exe/../sal/src/1/../linux/../0/cli 142|\n", stderr);
-		// Deliberately the whole process: a script that has run out of input must not go on.
+		// compat: ends the whole process: a script that has run out of input must not go on.
 		exit(-1);
 	}
 	print_text(str_cut_strip(line));

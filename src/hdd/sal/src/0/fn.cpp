@@ -32,8 +32,8 @@ bool is_scsi_stem(std::string_view stem)
 {
 	if (stem.size() == 3)
 		return stem >= "sda" && stem <= "sdz";
-	// The first two of four letters are deliberately not compared with "sd". The 128 disks that have a
-	// number end with "dx".
+	// compat: the first two of four letters are not compared with "sd": hdaa and xxaz pass for disks too.
+	// The 128 disks that have a number end with "dx".
 	return stem.size() == 4 && stem[2] >= 'a' && stem[2] <= 'd' && stem[3] >= 'a' &&
 	       stem[3] <= (stem[2] == 'd' ? 'x' : 'z');
 }

@@ -19,8 +19,8 @@ devname_t split_devname(std::string_view path);
 bool is_ide_stem(std::string_view stem);
 // sda to sdz, and four letters of which only the last two count: aa to dx.
 bool is_scsi_stem(std::string_view stem);
-// An IDE stem with no number or 1 to 16, or a SCSI stem with no number or 1 to 15: the bounds differ
-// deliberately.
+// An IDE stem with no number or 1 to 16, or a SCSI stem with no number or 1 to 15.
+// compat: the bounds differ, and an IDE drive has more partitions: hda16 is one, hda17 has no name here.
 bool is_ide_name(const devname_t &name);
 bool is_scsi_name(const devname_t &name);
 

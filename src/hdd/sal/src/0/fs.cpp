@@ -5,8 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-// Part of every line read and of every close: what the host has printed so far appears before whatever
-// follows from the reading.
+// compat: part of every line read and of every close, so that what the host has printed so far appears before
+// whatever follows from the reading. It waits for the lock of every output stream of the host.
 static void flush_all()
 {
 	fflush(nullptr);

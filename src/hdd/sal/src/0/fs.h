@@ -28,6 +28,7 @@ public:
 	explicit operator bool() const { return fs_ != nullptr; }
 	FILE *get() const { return fs_; }
 	// Whether reading has ended for an error and not for the end of the file.
+	// compat: readers count that as their failure, so that half a table never passes for a whole one.
 	bool failed() const { return ferror(fs_) != 0; }
 
 private:

@@ -22,7 +22,7 @@ static int cmd_exec(char *const *words)
 {
 	const std::string_view redirection = REDIR_TAG != 0 ? PREDIR_PATH : "";
 	cmd_t command;
-	// Half a command may be another command.
+	// compat: a command that does not fit is refused; half a command may be another command.
 	if (strlen(words[1]) + redirection.size() >= sizeof command)
 		return -1;
 	str_copy(command, words[1]);
@@ -193,7 +193,7 @@ static const command_t COMMANDS[] = {
 	{"scsishuffle", "", 1, cmd_scsishuffle},
 	{"scsisn", "", 2, cmd_scsisn},
 	{"uptime", "", 1, cmd_uptime},
-	// Announced, and known to no handler.
+	// compat: announced, and known to no handler: old scripts look for them in the help line.
 	{"xml", "", 0, nullptr},
 	{"xmlnew", "", 0, nullptr},
 };

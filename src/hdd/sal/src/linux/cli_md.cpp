@@ -13,7 +13,7 @@ int cmd_mdsb(char *const *words)
 	return 0;
 }
 
-// The only command that destroys: what it overwrites is gone on purpose.
+// The only command that destroys: what it overwrites is gone, for it is meant to be.
 int cmd_mdsb_clear(char *const *words)
 {
 	return strcmp(words[1], "clear") == 0 ? clear_mdsb(words[2]) : -1;
@@ -42,7 +42,8 @@ int cmd_mdspeed_limits(char *const *words)
 	int max;
 	if (word_to_int(words[1], &min) != 0 || word_to_int(words[2], &max) != 0)
 		return -1;
-	// The kernel would take a negative limit, and as an unsigned number it passes for a high one.
+	// compat: negative limits are refused, and nothing is written. The kernel would take one, and as an
+	// unsigned number it passes for a high one.
 	if (min < 0 || max < 0)
 		return -1;
 	const mdspeed_t speed = {static_cast<size32_t>(max), static_cast<size32_t>(min)};

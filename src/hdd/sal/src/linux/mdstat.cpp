@@ -181,7 +181,8 @@ static int parse_size_line(mdstat_dev_t *dev, std::string_view line)
 	return 0;
 }
 
-// "12.6%" as 126: one digit behind the point counts.
+// "12.6%" as 126.
+// compat: one digit behind the point counts, 12.34% is 123: more of them would not be tenths any more.
 static int take_tenths(std::string_view text)
 {
 	int whole = 0;

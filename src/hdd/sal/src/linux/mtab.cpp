@@ -9,6 +9,7 @@
 #include <mntent.h>
 
 // Room for an entry whose source and mount point are both as long as a path may be.
+// compat: such entries come whole; the C library's own buffer would cut them.
 constexpr int ENTRY_SIZE = 4 * FNAME_SIZE;
 
 MtabTable::MtabTable(mtab_source_t source)

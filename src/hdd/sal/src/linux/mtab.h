@@ -23,8 +23,10 @@ struct mtab_mntlist_t {
 };
 typedef mtab_mntlist_t mtab_t;
 
-// Where the table is read from: through a shell, for the volumes, the CD-ROM drives and the list of mounts,
-// or straight from the file, which makes the disk query some thirty times cheaper.
+// Where the table is read from.
+// compat: through the shell command "cat /etc/mtab" for the volumes, the CD-ROM drives and the list of
+// mounts; "cat" is found by PATH, and its complaints appear on standard error. Straight from the file for the
+// disks, whose query is some thirty times cheaper so.
 enum mtab_source_t { MTAB_PIPE, MTAB_FILE };
 
 // The entries of the table, in its order: while (table.next(&mnt)).

@@ -25,7 +25,7 @@ bool is_extended_type(uint8_t type)
 
 static bool has_signature(const parttab_t &table)
 {
-	// Some tools write the two bytes in the wrong order; such disks are in use.
+	// compat: some tools write the two bytes in the wrong order; such disks are in use.
 	return (table.magic[0] == 0x55 && table.magic[1] == 0xaa) ||
 	       (table.magic[0] == 0xaa && table.magic[1] == 0x55);
 }
@@ -39,9 +39,10 @@ static int next_logical_index(const partlist_t &list)
 	return next;
 }
 
-// Where the walk stands. A chain that returns to a table from which nothing has been recorded since would
-// never end, so one such table is remembered; a newer one takes its place after 1, 2, 4, ... further tables,
-// so that a circle of any length is found.
+// Where the walk stands.
+// compat: a chain that returns to a table from which nothing has been recorded since would never end, and
+// ends there; a chain with entries goes round until the list is full. One such table is remembered; a newer
+// one takes its place after 1, 2, 4, ... further tables, so that a circle of any length is found.
 constexpr uint64_t NO_TABLE = UINT64_MAX;
 
 struct chain_t {

@@ -33,6 +33,7 @@ static int parse_procblk_line(const char *line, procblk_dev_t *dev)
 	const devname_t name = split_devname(word);
 	str_refill(dev->name, name.stem);
 	dev->part = name.number == -1 ? 0 : name.number;
+	// compat: eight bits of each number are kept; the minor number 256 is told as 0.
 	dev->mami = make_mami(static_cast<unsigned>(major), static_cast<unsigned>(minor));
 	dev->size = static_cast<size32_t>(static_cast<uint32_t>(blocks)) * 2;
 	return 0;

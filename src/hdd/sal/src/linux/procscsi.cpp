@@ -98,6 +98,7 @@ static int parse_host_line(const std::string_view (&words)[HOST_LINE_WORDS], idl
 		const int value = str_digits(number);
 		if (words[2 * i] != LABELS[i] || value < 0 || value == INT_MAX)
 			return -1;
+		// compat: eight bits of each number are kept; host 256 is told as host 0.
 		*fields[i] = static_cast<uint8_t>(value);
 	}
 	return 0;
@@ -238,7 +239,7 @@ void scsi_shuffle(const procscsi_devlist_t *list)
 void display_procscsi_hostlist(const procscsi_hostlist_t *list)
 {
 	dump_list_head(list);
-	// Deliberately ends at the first gap, unlike the other dumps: hosts 0 and 2 show host 0 alone.
+	// compat: ends at the first gap, unlike the other dumps: hosts 0 and 2 show host 0 alone.
 	for (const procscsi_host_t &host : list->item) {
 		if (host.tag == 0)
 			break;

@@ -27,8 +27,9 @@ struct raidtab_state_t {
 	line_t device;        // path waiting for its disk keyword
 };
 
-// A bad disk slot deliberately ends the process: a description that contradicts itself must not be shown as
-// if it were true. Service staff know these places by their numbers, which stay as they are.
+// compat: a bad disk slot ends the whole process, so that a description that contradicts itself is never
+// shown as if it were true; whoever calls the reader ends with it. Service staff know the places by their
+// numbers, which are those of the first release.
 static void bad_slot(int place)
 {
 	fprintf(stderr, "error: |%s %d|\n", "hdd/exe/../sal/src/1/../linux/raidtab", place);
