@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/time.h>
 
 namespace
 {
@@ -209,6 +210,59 @@ TEST_F(MtabCommand, ThatIsNotHeardOutMayEndAsItLikes)
 	    "echo /dev/sda$i /$i ext3 rw 0 0; done\nexit 1\n");
 	EXPECT_EQ(parse(), -2);
 	expect_shape(*list, 32, 32, 32);
+}
+
+// A host that handles a signal, again and again.
+class Alarms
+{
+public:
+	Alarms()
+	{
+		struct sigaction handled = {};
+		handled.sa_handler = [](int) {}; // without SA_RESTART
+		sigaction(SIGALRM, &handled, &before_);
+		set(10000);
+	}
+	~Alarms()
+	{
+		set(0);
+		sigaction(SIGALRM, &before_, nullptr);
+	}
+
+private:
+	static void set(int microseconds)
+	{
+		const itimerval every = {{0, microseconds}, {0, microseconds}};
+		setitimer(ITIMER_REAL, &every, nullptr);
+	}
+	struct sigaction before_;
+};
+
+TEST_F(MtabCommand, MayBeWaitedForAcrossSignals)
+{
+	cat("sleep 0.1\necho /dev/sda1 / ext3 rw 0 0\nsleep 0.1\necho /dev/sda2 /b ext3 rw 0 0\n");
+	const Alarms alarms;
+	EXPECT_EQ(parse(), 0);
+	expect_shape(*list, 2, 2, 32);
+	EXPECT_STREQ(list->item[1].mntpath, "/b");
+}
+
+// The line that is interrupted cannot be had again: that is no table, and no entry is made of the rest.
+TEST_F(MtabCommand, SignalInTheMiddleOfALine)
+{
+	cat("echo /dev/sda1 / ext3 rw 0 0\nprintf '/dev/sda2 /b '\nsleep 0.1\necho ext3 rw 0 0\n");
+	const Alarms alarms;
+	EXPECT_EQ(parse(), -1);
+	expect_shape(*list, 1, 1, 32);
+}
+
+TEST_F(MtabTest, ReadErrorIsNotTheEnd)
+{
+	mtab(mounts(3));
+	replay_fail_call(3, 0);
+	EXPECT_EQ(parse(), -1);
+	replay_fail_call(0, 0);
+	expect_shape(*list, 1, 1, 32);
 }
 
 // A host that ignores the end of its children is told no status.

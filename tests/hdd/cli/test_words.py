@@ -115,15 +115,16 @@ def test_nearly_a_command(cli, command, change):
 
 
 # What each command makes of a path beyond every limit: it prints that much and fails.
+EMPTY_DUMP = "*" * 58 + "\nnum=0, num_real=0, lmt=%d, parent=00000000, this=<list>\n"
 LONG = {
     "hdgeo": "CHS(0, 0, 0, 0)\n",
     "hdsize": "0\n0  \n0 MB\n0 GB\n",
     "idlun": "",
     "mbr": "",
-    "part": "",
+    "part": EMPTY_DUMP % 32,
     "volspace": "",
     "mdsb": "",
-    "raidtab": "",
+    "raidtab": EMPTY_DUMP % 16,
     "scsisn": "",
 }
 

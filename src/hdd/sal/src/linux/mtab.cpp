@@ -6,6 +6,7 @@
 #include "hdd/sal/src/0/list.h"
 #include "hdd/sal/src/0/str.h"
 
+#include <errno.h>
 #include <mntent.h>
 
 // Room for an entry whose source and mount point are both as long as a path may be.
@@ -18,6 +19,20 @@ MtabTable::MtabTable(mtab_source_t source)
 {
 }
 
+// Reads on where a signal that the host handles has interrupted the wait for the command. In the middle of a
+// line it cannot: what was read of it is lost, and the table with it.
+static bool read_entry(FILE *table, mntent *entry, char *buffer)
+{
+	for (;;) {
+		buffer[0] = '\0';
+		if (getmntent_r(table, entry, buffer, ENTRY_SIZE))
+			return true;
+		if (!ferror(table) || errno != EINTR || buffer[0] != '\0')
+			return false;
+		clearerr(table);
+	}
+}
+
 bool MtabTable::next(mtab_mnt_t *mnt)
 {
 	// The reader's own buffer: the one behind getmntent is shared with whatever the host is reading.
@@ -26,9 +41,9 @@ bool MtabTable::next(mtab_mnt_t *mnt)
 	FILE *table = file_ ? file_.get() : pipe_.get();
 	if (!table)
 		return false;
-	if (!getmntent_r(table, &entry, buffer, sizeof buffer)) {
+	if (!read_entry(table, &entry, buffer)) {
 		// Only here: a command that is not heard out ends badly for that alone.
-		if (pipe_ && pipe_.has_failed())
+		if (ferror(table) || (pipe_ && pipe_.has_failed()))
 			result_ = -1;
 		return false;
 	}

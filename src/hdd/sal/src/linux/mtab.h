@@ -36,7 +36,7 @@ public:
 	explicit MtabTable(mtab_source_t source);
 	// Refills mnt, which is all zero at first, with the next entry. False at the end.
 	bool next(mtab_mnt_t *mnt);
-	// 0, or -1 when the source cannot be opened or, at its end, the pipe's command has failed.
+	// 0, or -1 when the source cannot be opened or read or, at its end, the pipe's command has failed.
 	int result() const { return result_; }
 
 private:
