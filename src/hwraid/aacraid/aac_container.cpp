@@ -8,26 +8,23 @@
 #include "hwraid/aacraid/aac_container.h"
 
 #include "base/record_list.h"
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_container_list.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
+#include "hwraid/aacraid/aac_records.h"
 #include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_text.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
 #include <stdio.h>
 #include <string.h>
 
-static constexpr int RUN_FAILED = -1;
 static constexpr int NO_SUCH_CONTAINER = -5;
 static constexpr int NO_HOT_SPARE = -10;
 static constexpr int IS_NO_HOT_SPARE = -90;
 
 // ---- scripts ----
-
-// Opens the controller; the operation adds its command.
-static void AddOpening(ToolScript *pScript, const char *lpszControllerName)
-{
-	pScript->Add("open %s\n", lpszControllerName);
-}
 
 // The lines of blanks answer the tool's pager, however long the answer is.
 static void AddClosing(ToolScript *pScript)
@@ -164,14 +161,14 @@ int AnalyzeContainerDiskNameFile(const char *lpszFile, char *lpszFilled)
 int Aac_Get_Container_List(const char *lpszControllerName, aac_container **pHead)
 {
 	*pHead = nullptr;
-	ToolScript script;
-	AddOpening(&script, lpszControllerName);
+	ToolScript script(lpszControllerName);
 	script.Add("container list\n");
 	AddClosing(&script);
-	const int nResult = RunTool(script, COMMAND_TRACES, [=](const char *lpszFile) {
-		return Get_Container_List_From_File(lpszControllerName, lpszFile, pHead);
-	});
-	return nResult == 0 ? count_records(*pHead) : nResult;
+	// Stands while the parser asks for the hot spares, each in a run of its own.
+	const ToolRun run(script, COMMAND_TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	return CountOrCode(Get_Container_List_From_File(lpszControllerName, run.Answer(), pHead), pHead);
 }
 
 int Aac_Clear_Container_List(aac_container *pHead)
@@ -182,39 +179,39 @@ int Aac_Clear_Container_List(aac_container *pHead)
 
 int Aac_Container_Delete(const char *lpszControllerName, int nAlwaysInitEvenIfHasData, int nContainerID)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName);
+	ToolScript script(lpszControllerName);
 	script.Add("container delete /always=%s %d\n", nAlwaysInitEvenIfHasData ? "true" : "false",
 	           nContainerID);
 	AddClosing(&script);
-	return RunTool(script, COMMAND_TRACES, AnalyzeContainerDeleteFile);
+	const ToolRun run(script, COMMAND_TRACES);
+	return run.Answer() ? AnalyzeContainerDeleteFile(run.Answer()) : RUN_FAILED;
 }
 
 int Aac_Container_Set_Failover(const char *lpszControllerName, int nContainerID, int nC_ID_L)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName);
+	ToolScript script(lpszControllerName);
 	AddFailoverCommand(&script, "set", nContainerID, nC_ID_L);
 	AddClosing(&script);
-	return RunTool(script, COMMAND_TRACES, AnalyzeContainerSetFailoverFile);
+	const ToolRun run(script, COMMAND_TRACES);
+	return run.Answer() ? AnalyzeContainerSetFailoverFile(run.Answer()) : RUN_FAILED;
 }
 
 int Aac_Container_Show_Failover(const char *lpszControllerName, int nContainerID)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName);
+	ToolScript script(lpszControllerName);
 	script.Add("container show failover %d\n", nContainerID);
 	AddClosing(&script);
-	return RunTool(script, COMMAND_TRACES, AnalyzeContainerShowFailoverFile);
+	const ToolRun run(script, COMMAND_TRACES);
+	return run.Answer() ? AnalyzeContainerShowFailoverFile(run.Answer()) : RUN_FAILED;
 }
 
 int Aac_Container_Remove_Failover(const char *lpszControllerName, int nContainerID, int nC_ID_L)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName);
+	ToolScript script(lpszControllerName);
 	AddFailoverCommand(&script, "remove", nContainerID, nC_ID_L);
 	AddClosing(&script);
-	return RunTool(script, COMMAND_TRACES, AnalyzeContainerSetFailoverFile);
+	const ToolRun run(script, COMMAND_TRACES);
+	return run.Answer() ? AnalyzeContainerSetFailoverFile(run.Answer()) : RUN_FAILED;
 }
 
 int Aac_Get_Container_Corresponding_Disk_Name(const char *lpszControllerName, int nContainerID,
@@ -223,11 +220,9 @@ int Aac_Get_Container_Corresponding_Disk_Name(const char *lpszControllerName, in
 	if (!lpszFilled)
 		return RUN_FAILED;
 	lpszFilled[0] = '\0';
-	ToolScript script;
-	AddOpening(&script, lpszControllerName);
+	ToolScript script(lpszControllerName);
 	script.Add("container list %d\n", nContainerID);
 	AddClosing(&script);
-	return RunTool(script, COMMAND_TRACES, [lpszFilled](const char *lpszFile) {
-		return AnalyzeContainerDiskNameFile(lpszFile, lpszFilled);
-	});
+	const ToolRun run(script, COMMAND_TRACES);
+	return run.Answer() ? AnalyzeContainerDiskNameFile(run.Answer(), lpszFilled) : RUN_FAILED;
 }

@@ -5,8 +5,9 @@
 #include "hwraid/aacraid/aac_container_list.h"
 
 #include "base/text.h"
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_records.h"
 #include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_text.h"
 
 #include <stdio.h>
 #include <string.h>

@@ -20,9 +20,10 @@
 
 #include "base/text.h"
 #include "hwraid/aacraid/aac_container.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
 #include "hwraid/aacraid/aac_pieces.h"
-#include "hwraid/aacraid/aac_public.h"
-#include "hwraid/aacraid/aac_tool.h"
+#include "hwraid/aacraid/aac_text.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
 #include <new>

@@ -9,16 +9,26 @@
 #include "hwraid/aacraid/aac_controller.h"
 
 #include "base/record_list.h"
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
+#include "hwraid/aacraid/aac_records.h"
+#include "hwraid/aacraid/aac_text.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
 #include <string.h>
 
-static constexpr ToolTraces TRACES = {
-	[](int, const char *lpszCommand) { OutputDebugString("system call return != 0: %s\n", lpszCommand); },
-	[](const char *lpszFile) { OutputDebugString("stat file return < 0: %s\n", lpszFile); },
-};
+static void TraceCommandFailed(int, const char *lpszCommand)
+{
+	OutputDebugString("system call return != 0: %s\n", lpszCommand);
+}
+
+static void TraceAnswerMissing(const char *lpszFile)
+{
+	OutputDebugString("stat file return < 0: %s\n", lpszFile);
+}
+
+static constexpr ToolTraces TRACES = {TraceCommandFailed, TraceAnswerMissing};
 
 static aac_controller *MakeController(const char *lpszRow, int nOrdinal)
 {
@@ -36,7 +46,7 @@ int AnalyzeControllerFile(const char *lpszFile, aac_controller **pHead)
 	*pHead = nullptr;
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	int nError;
 	FindEcho(&output, "Executing: controller list", &nError);
 	if (nError != 0)
@@ -53,13 +63,13 @@ int Aac_Get_Controller_List(aac_controller **pHead)
 	*pHead = nullptr;
 	ToolScript script;
 	script.Add("controller list\n                                          \n    \nexit\n");
-	const int nResult = RunTool(script, TRACES, [pHead](const char *lpszFile) {
-		const int nParsed = AnalyzeControllerFile(lpszFile, pHead);
-		if (nParsed != 0)
-			OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nParsed);
-		return nParsed;
-	});
-	return nResult == 0 ? count_records(*pHead) : nResult;
+	const ToolRun run(script, TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	const int nParsed = AnalyzeControllerFile(run.Answer(), pHead);
+	if (nParsed != 0)
+		OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nParsed);
+	return CountOrCode(nParsed, pHead);
 }
 
 static const aac_controller *FindController(const aac_controller *pHead, int nPosition)
@@ -85,7 +95,7 @@ int Aac_Get_Controller_Name(char *lpszControllerName, int nPosition)
 		pFound = FindController(pHead, nPosition);
 	if (pFound)
 		memcpy(lpszControllerName, pFound->Adapter_Name, sizeof pFound->Adapter_Name);
-	const int nResult = pFound ? 0 : -1;
+	const int nResult = pFound ? 0 : RUN_FAILED;
 	Aac_Clear_Controller_List(pHead);
 	OutputDebugString("Aac_Get_Controller_Name reutrn %d\n", nResult);
 	return nResult;

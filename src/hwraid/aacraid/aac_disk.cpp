@@ -8,19 +8,33 @@
 
 #include "base/record_list.h"
 #include "hwraid/aacraid/aac_disk_run.h"
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
+#include "hwraid/aacraid/aac_records.h"
 #include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_text.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
 #include <string.h>
 
-const ToolTraces DISK_TRACES = {
-	[](int nStatus, const char *lpszCommand) {
-		OutputDebugString("system call return :%d %s.\n", nStatus, lpszCommand);
-	},
-	[](const char *lpszFile) { OutputDebugString("stat file error:%s\n", lpszFile); },
-};
+static void TraceCommandFailed(int nStatus, const char *lpszCommand)
+{
+	OutputDebugString("system call return :%d %s.\n", nStatus, lpszCommand);
+}
+
+static void TraceAnswerMissing(const char *lpszFile)
+{
+	OutputDebugString("stat file error:%s\n", lpszFile);
+}
+
+const ToolTraces DISK_TRACES = {TraceCommandFailed, TraceAnswerMissing};
+
+int TraceParsed(const char *lpszParser, int nParsed)
+{
+	OutputDebugString("%s Return value is %d\n", lpszParser, nParsed);
+	return nParsed;
+}
 
 // ---- disk list ----
 
@@ -77,7 +91,7 @@ int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
 	RecordList<aac_disk> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	int nError;
 	if (!FindEcho(&output, "Executing: disk list", &nError))
 		return nError;
@@ -89,13 +103,12 @@ int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
 int Aac_Get_Disk_List(const char *lpszControllerName, aac_disk **pHead)
 {
 	*pHead = nullptr;
-	ToolScript script;
-	script.Add("open %s\ndisk list /full=true\n                                          \n    \nexit\n",
-	           lpszControllerName);
-	const int nResult = RunOnDisks(script, "AnalyzeDiskFile", [pHead](const char *lpszFile) {
-		return AnalyzeDiskFile(lpszFile, pHead);
-	});
-	return nResult == 0 ? count_records(*pHead) : nResult;
+	ToolScript script(lpszControllerName);
+	script.Add("disk list /full=true\n                                          \n    \nexit\n");
+	const ToolRun run(script, DISK_TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	return CountOrCode(TraceParsed("AnalyzeDiskFile", AnalyzeDiskFile(run.Answer(), pHead)), pHead);
 }
 
 int Aac_Clear_Disk_List(aac_disk *pHead)
@@ -119,7 +132,7 @@ int AnalyzeDiskInitializeFile(const char *lpszFile)
 	int nLine = -10000;
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	while (output.Next()) {
 		const char *lpszLine = output.Line();
 		if (lpszLine[0] == '\n')
@@ -146,13 +159,15 @@ static const char *TrueOrFalse(int nFlag)
 
 int Aac_Disk_Initialize(const char *lpszControllerName, int nAlways, int nUnconditional, int nC_ID_L)
 {
-	ToolScript script;
-	script.Add("open %s\ndisk initialize /always=%s /unconditional=%s ", lpszControllerName,
-	           TrueOrFalse(nAlways), TrueOrFalse(nUnconditional));
+	ToolScript script(lpszControllerName);
+	script.Add("disk initialize /always=%s /unconditional=%s ", TrueOrFalse(nAlways),
+	           TrueOrFalse(nUnconditional));
 	script.AddAddress(nC_ID_L);
 	script.Add("\n                                          \n    \n  \n  \n  \n  \n  exit\n        \n");
-	return RunOnDisks(script, "AnalyzeDiskInitializeFile",
-	                  [](const char *lpszFile) { return AnalyzeDiskInitializeFile(lpszFile); });
+	const ToolRun run(script, DISK_TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	return TraceParsed("AnalyzeDiskInitializeFile", AnalyzeDiskInitializeFile(run.Answer()));
 }
 
 // ---- disk show defect ----
@@ -176,7 +191,7 @@ int AnalyzeDiskShowDefectFile(const char *lpszFile, int *pnPrimary, int *pnGrown
 	};
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	while (output.Next()) {
 		const char *lpszLine = output.Line();
 		if (Including(lpszLine, "Number of PRIMARY")) {
@@ -195,11 +210,13 @@ int Aac_Disk_Show_Defect(const char *lpszControllerName, int nC_ID_L, int *pnPri
 {
 	*pnPrimary = -1;
 	*pnGrown = -1;
-	ToolScript script;
-	script.Add("open %s\ndisk show defect ", lpszControllerName);
+	ToolScript script(lpszControllerName);
+	script.Add("disk show defect ");
 	script.AddAddress(nC_ID_L);
 	script.Add("\n                                            \n    \nexit\n        \n");
-	return RunOnDisks(script, "AnalyzeDiskShowDefectFile", [pnPrimary, pnGrown](const char *lpszFile) {
-		return AnalyzeDiskShowDefectFile(lpszFile, pnPrimary, pnGrown);
-	});
+	const ToolRun run(script, DISK_TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	return TraceParsed("AnalyzeDiskShowDefectFile",
+	                   AnalyzeDiskShowDefectFile(run.Answer(), pnPrimary, pnGrown));
 }

@@ -11,9 +11,12 @@
 #include "base/record_list.h"
 #include "hwraid/aacraid/aac_disk.h"
 #include "hwraid/aacraid/aac_disk_run.h"
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
+#include "hwraid/aacraid/aac_records.h"
 #include "hwraid/aacraid/aac_scan.h"
-#include "hwraid/aacraid/output_debug_string.h"
+#include "hwraid/aacraid/aac_text.h"
+#include "hwraid/aacraid/aac_tool.h"
 
 #include <string.h>
 
@@ -80,7 +83,7 @@ int AnalyzeDiskShowSpaceFile(const char *lpszFile, int nChannel, int nID, int nL
 	RecordList<aac_space> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	while (output.Next()) {
 		if (Including(output.Line(), "Command Error"))
 			return CodeOfErrorLine(output.Line(), DEVICE_ERRORS);
@@ -93,18 +96,19 @@ int AnalyzeDiskShowSpaceFile(const char *lpszFile, int nChannel, int nID, int nL
 int Aac_Disk_Show_Space(const char *lpszControllerName, int nC_ID_L, aac_space **pHead)
 {
 	*pHead = nullptr;
-	const int nChannel = GetChannelFromC_ID_L(nC_ID_L);
-	const int nID = GetIDFromC_ID_L(nC_ID_L);
-	const int nLun = GetLunFromC_ID_L(nC_ID_L);
-	ToolScript script;
-	script.Add("open %s\ndisk show space ", lpszControllerName);
+	ToolScript script(lpszControllerName);
+	script.Add("disk show space ");
 	script.AddAddress(nC_ID_L);
 	script.Add("\n                                            \n    \nexit\n        \n");
-	// Traced deliberately in the words of the defect operation: the text is fixed.
-	const int nResult = RunOnDisks(script, "AnalyzeDiskShowDefectFile", [=](const char *lpszFile) {
-		return AnalyzeDiskShowSpaceFile(lpszFile, nChannel, nID, nLun, pHead);
-	});
-	return nResult == 0 ? count_records(*pHead) : nResult;
+	const ToolRun run(script, DISK_TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	const int nParsed =
+		AnalyzeDiskShowSpaceFile(run.Answer(), GetChannelFromC_ID_L(nC_ID_L),
+	                                 GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L), pHead);
+	// compat: traced in the words of the defect operation, which who reads traces looks for; which of the
+	// two it was only the script's command tells.
+	return CountOrCode(TraceParsed("AnalyzeDiskShowDefectFile", nParsed), pHead);
 }
 
 int Aac_Clear_Disk_Space_List(aac_space *pHead)
@@ -163,7 +167,7 @@ int AnalyzePartitionFile(const char *lpszFile, aac_partition **pHead)
 	RecordList<aac_partition> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	bool bEcho = false;
 	bool bRule = false;
 	while (output.Read()) {
@@ -184,14 +188,13 @@ int AnalyzePartitionFile(const char *lpszFile, aac_partition **pHead)
 int Aac_Disk_Show_Partition(const char *lpszControllerName, aac_partition **pHead)
 {
 	*pHead = nullptr;
-	ToolScript script;
-	script.Add("open %s\ndisk show partition\n"
-	           "                \n    \n     \n    \n       \n      \n    \nexit\n",
-	           lpszControllerName);
-	const int nResult = RunOnDisks(script, "AnalyzePartitionFile", [pHead](const char *lpszFile) {
-		return AnalyzePartitionFile(lpszFile, pHead);
-	});
-	return nResult == 0 ? count_records(*pHead) : nResult;
+	ToolScript script(lpszControllerName);
+	script.Add("disk show partition\n                \n    \n     \n    \n       \n      \n    \nexit\n");
+	const ToolRun run(script, DISK_TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	return CountOrCode(TraceParsed("AnalyzePartitionFile", AnalyzePartitionFile(run.Answer(), pHead)),
+	                   pHead);
 }
 
 int Aac_Clear_Disk_Partition_List(aac_partition *pHead)

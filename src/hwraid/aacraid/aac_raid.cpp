@@ -3,7 +3,9 @@
 //   container create new_mirror /label="data" /quick_init=true ((0,0,0),1024M) (0,1,0)
 #include "hwraid/aacraid/aac_raid.h"
 
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
+#include "hwraid/aacraid/aac_records.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
@@ -15,11 +17,6 @@
 static bool IsGiven(int nValue)
 {
 	return nValue != 0 && nValue != -1;
-}
-
-static void AddOpening(ToolScript *pScript, const char *lpszControllerName, const char *lpszLevel)
-{
-	pScript->Add("open %s\ncontainer create %s ", lpszControllerName, lpszLevel);
 }
 
 static void AddStripeSize(ToolScript *pScript, int nStripsize)
@@ -102,7 +99,7 @@ int Analyze_Create_Raid_Created_File(const char *lpszFile, int)
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen()) {
 		OutputDebugString("can not open the file %s\n", lpszFile);
-		return -1;
+		return RUN_FAILED;
 	}
 	while (output.Read()) {
 		if (strstr(output.Line(), "Parsing Error:")) {
@@ -117,8 +114,8 @@ int Analyze_Create_Raid_Created_File(const char *lpszFile, int)
 
 static int Create(const ToolScript &script)
 {
-	return RunTool(script, COMMAND_TRACES,
-	               [](const char *lpszFile) { return Analyze_Create_Raid_Created_File(lpszFile, 0); });
+	const ToolRun run(script, COMMAND_TRACES);
+	return run.Answer() ? Analyze_Create_Raid_Created_File(run.Answer(), 0) : RUN_FAILED;
 }
 
 // ---- levels ----
@@ -126,8 +123,8 @@ static int Create(const ToolScript &script)
 int Aac_Create_Raid0(const char *lpszControllerName, const char *lpszLabel, int nStripsize, int nC_ID_L1,
                      int nSpace, int nC_ID_L2, ...)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName, "strip");
+	ToolScript script(lpszControllerName);
+	script.Add("container create strip ");
 	AddStripeSize(&script, nStripsize);
 	AddLabel(&script, lpszLabel);
 	AddFirstDisk(&script, nC_ID_L1, nSpace);
@@ -145,8 +142,8 @@ int Aac_Create_Raid0(const char *lpszControllerName, const char *lpszLabel, int 
 int Aac_Create_Raid1(const char *lpszControllerName, const char *lpszLabel, int nQuick_init, int nC_ID_L1,
                      int nSpace, int nC_ID_L2)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName, "new_mirror");
+	ToolScript script(lpszControllerName);
+	script.Add("container create new_mirror ");
 	AddLabel(&script, lpszLabel);
 	AddQuickInit(&script, nQuick_init);
 	AddFirstDisk(&script, nC_ID_L1, nSpace);
@@ -158,8 +155,8 @@ int Aac_Create_Raid1(const char *lpszControllerName, const char *lpszLabel, int 
 int Aac_Create_Raid5(const char *lpszControllerName, const char *lpszLabel, int nQuick_init, int nStripsize,
                      int nC_ID_L1, int nSpace, int nC_ID_L2, int nC_ID_L3, ...)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName, "raid5");
+	ToolScript script(lpszControllerName);
+	script.Add("container create raid5 ");
 	AddStripeSize(&script, nStripsize);
 	AddLabel(&script, lpszLabel);
 	AddQuickInit(&script, nQuick_init);
@@ -178,8 +175,8 @@ int Aac_Create_Raid5(const char *lpszControllerName, const char *lpszLabel, int 
 int Aac_Create_Raid10(const char *lpszControllerName, const char *lpszLabel, int nStripsize, int nRaid1ID_1,
                       int nRaid1ID_2, ...)
 {
-	ToolScript script;
-	AddOpening(&script, lpszControllerName, "mstrip");
+	ToolScript script(lpszControllerName);
+	script.Add("container create mstrip ");
 	AddStripeSize(&script, nStripsize);
 	AddLabel(&script, lpszLabel);
 	AddContainer(&script, nRaid1ID_1);

@@ -1,6 +1,34 @@
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_records.h"
+
+#include "hwraid/aacraid/aac_text.h"
 
 #include <stdio.h>
+
+// ---- disk addresses ----
+
+// Unsigned, so that no sum overflows.
+int GetC_ID_L(int nChannel, int nID, int nLun)
+{
+	return static_cast<int>((static_cast<unsigned>(nChannel) << 16) + (static_cast<unsigned>(nID) << 8) +
+	                        static_cast<unsigned>(nLun));
+}
+
+int GetChannelFromC_ID_L(int nC_ID_L)
+{
+	return (nC_ID_L >> 16) & 255;
+}
+
+int GetIDFromC_ID_L(int nC_ID_L)
+{
+	return (nC_ID_L >> 8) & 255;
+}
+
+int GetLunFromC_ID_L(int nC_ID_L)
+{
+	return nC_ID_L & 255;
+}
+
+// ---- words ----
 
 // The row's number is the code.
 typedef char Word[16];

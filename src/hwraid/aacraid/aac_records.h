@@ -1,4 +1,4 @@
-// The accessors of the records: between the tool's words and the codes that are stored.
+// Disk addresses, and the accessors of the records: between the tool's words and the codes that are stored.
 //
 // Setters store and return what they stored, getters return the field or its word. A word is known by its
 // beginning; an unknown or missing one stores -1 and reads back as "I dont know", a code that no setter
@@ -6,7 +6,21 @@
 #ifndef DISKSCOUT_HWRAID_AAC_RECORDS_H
 #define DISKSCOUT_HWRAID_AAC_RECORDS_H
 
+#include "base/record_list.h"
 #include "hwraid/aacraid/aac_hardraid.h"
+
+// Channel << 16, SCSI ID << 8 and LUN, added up: a number above 255 deliberately carries into the next field.
+
+int GetC_ID_L(int nChannel, int nID, int nLun);
+int GetChannelFromC_ID_L(int nC_ID_L);
+int GetIDFromC_ID_L(int nC_ID_L);
+int GetLunFromC_ID_L(int nC_ID_L);
+
+// What an operation that lists returns: the number of records, or the parser's code.
+template <class Record> int CountOrCode(int nParsed, Record *const *pHead)
+{
+	return nParsed == 0 ? count_records(*pHead) : nParsed;
+}
 
 extern const char g_szControllerAvailability[4][16];
 extern const char g_szControllerClustering[2][16];

@@ -7,17 +7,25 @@
 #include "hwraid/aacraid/aac_task.h"
 
 #include "base/record_list.h"
-#include "hwraid/aacraid/aac_public.h"
+#include "hwraid/aacraid/aac_error.h"
+#include "hwraid/aacraid/aac_output.h"
+#include "hwraid/aacraid/aac_records.h"
 #include "hwraid/aacraid/aac_scan.h"
+#include "hwraid/aacraid/aac_text.h"
 #include "hwraid/aacraid/aac_tool.h"
 #include "hwraid/aacraid/output_debug_string.h"
 
-static constexpr ToolTraces TRACES = {
-	[](int nStatus, const char *lpszCommand) {
-		OutputDebugString("system call return :%d, %s\n", nStatus, lpszCommand);
-	},
-	[](const char *lpszFile) { OutputDebugString("state the file return < 0. %s\n", lpszFile); },
-};
+static void TraceCommandFailed(int nStatus, const char *lpszCommand)
+{
+	OutputDebugString("system call return :%d, %s\n", nStatus, lpszCommand);
+}
+
+static void TraceAnswerMissing(const char *lpszFile)
+{
+	OutputDebugString("state the file return < 0. %s\n", lpszFile);
+}
+
+static constexpr ToolTraces TRACES = {TraceCommandFailed, TraceAnswerMissing};
 
 static aac_task *MakeTask(char *lpszRow)
 {
@@ -44,7 +52,7 @@ int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
 	RecordList<aac_task> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return -1;
+		return RUN_FAILED;
 	int nError;
 	FindEcho(&output, "Executing: task list", &nError);
 	if (nError != 0)
@@ -54,19 +62,24 @@ int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
 	return 0;
 }
 
+static int ListTasks(const char *lpszControllerName, aac_task **pHead)
+{
+	ToolScript script(lpszControllerName);
+	script.Add("task list \n                 \n    \nexit         \n\n\n\n");
+	const ToolRun run(script, TRACES);
+	if (!run.Answer())
+		return RUN_FAILED;
+	const int nParsed = AnalyzeTaskFile(run.Answer(), pHead);
+	OutputDebugString("AnalyzeTaskFile return %d.\n", nParsed);
+	return CountOrCode(nParsed, pHead);
+}
+
 int Aac_Get_Task_List(const char *lpszControllerName, aac_task **pHead)
 {
 	*pHead = nullptr;
-	ToolScript script;
-	script.Add("open %s\ntask list \n                 \n    \nexit         \n\n\n\n", lpszControllerName);
-	const int nResult = RunTool(script, TRACES, [pHead](const char *lpszFile) {
-		const int nParsed = AnalyzeTaskFile(lpszFile, pHead);
-		OutputDebugString("AnalyzeTaskFile return %d.\n", nParsed);
-		return nParsed;
-	});
-	const int nReturned = nResult == 0 ? count_records(*pHead) : nResult;
-	OutputDebugString("return :%d.\n", nReturned);
-	return nReturned;
+	const int nResult = ListTasks(lpszControllerName, pHead);
+	OutputDebugString("return :%d.\n", nResult);
+	return nResult;
 }
 
 aac_task *Aac_Get_Container_Task(const char *lpszControllerName, int nContainerID)

@@ -110,36 +110,45 @@ static int Answer(const Request &request, int (*pfnOperation)(const Request &, I
 	return 0;
 }
 
+static int ListContainers(const Request &request, aac_container **pHead)
+{
+	return Aac_Get_Container_List(request.lpszName, pHead);
+}
+
 static int QueryContainers(const Request &request, void **ppList, int *pnLength)
 {
-	const auto List = [](const Request &asked, aac_container **pHead) {
-		return Aac_Get_Container_List(asked.lpszName, pHead);
-	};
-	return Answer<aac_container, tagHwRaid>(request, List, CopyContainer, ppList, pnLength);
+	return Answer<aac_container, tagHwRaid>(request, ListContainers, CopyContainer, ppList, pnLength);
+}
+
+static int ListDisks(const Request &request, aac_disk **pHead)
+{
+	return Aac_Get_Disk_List(request.lpszName, pHead);
 }
 
 static int QueryDisks(const Request &request, void **ppList, int *pnLength)
 {
-	const auto List = [](const Request &asked, aac_disk **pHead) {
-		return Aac_Get_Disk_List(asked.lpszName, pHead);
-	};
-	return Answer<aac_disk, __tag_Hard_Raid_Disk>(request, List, CopyDisk, ppList, pnLength);
+	return Answer<aac_disk, __tag_Hard_Raid_Disk>(request, ListDisks, CopyDisk, ppList, pnLength);
+}
+
+static int ListSpace(const Request &request, aac_space **pHead)
+{
+	return Aac_Disk_Show_Space(request.lpszName, request.nC_ID_L, pHead);
 }
 
 static int QuerySpace(const Request &request, void **ppList, int *pnLength)
 {
-	const auto List = [](const Request &asked, aac_space **pHead) {
-		return Aac_Disk_Show_Space(asked.lpszName, asked.nC_ID_L, pHead);
-	};
-	return Answer<aac_space, __tag_Hard_Raid_Space>(request, List, CopySpace, ppList, pnLength);
+	return Answer<aac_space, __tag_Hard_Raid_Space>(request, ListSpace, CopySpace, ppList, pnLength);
+}
+
+static int ListPartitions(const Request &request, aac_partition **pHead)
+{
+	return Aac_Disk_Show_Partition(request.lpszName, pHead);
 }
 
 static int QueryPartitions(const Request &request, void **ppList, int *pnLength)
 {
-	const auto List = [](const Request &asked, aac_partition **pHead) {
-		return Aac_Disk_Show_Partition(asked.lpszName, pHead);
-	};
-	return Answer<aac_partition, tag_HwRaid_Partition>(request, List, CopyPartition, ppList, pnLength);
+	return Answer<aac_partition, tag_HwRaid_Partition>(request, ListPartitions, CopyPartition, ppList,
+	                                                   pnLength);
 }
 
 // The records of the operation are handed out as they are.
