@@ -29,7 +29,8 @@ static void StripLineEnd(char *lpszString)
 	lpszString[nLength] = '\0';
 }
 
-// Deliberately literal: a blank behind the colon is part of the path.
+// compat: literal, a blank behind the colon is part of the path: the shell then takes what follows it for the
+// tool.
 static void TakePath(char *lpszValue)
 {
 	if (lpszValue[0] == '\0')

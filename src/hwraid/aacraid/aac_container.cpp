@@ -78,7 +78,8 @@ static int HotSpareOf(const char *lpszLine)
 	const char *lpszAddress = strchr(lpszLine, ':');
 	if (!lpszAddress)
 		return strstr(lpszLine, "--- No Devices Assigned ---") ? NO_HOT_SPARE : NO_SUCH_CONTAINER;
-	// Back over the channel's digits, deliberately without the 9, to the character before them.
+	// Back over the channel's digits to the character before them. compat: not over a 9, so that of
+	// channel 19 only the 9 is read.
 	while (lpszAddress != lpszLine && lpszAddress[-1] >= '0' && lpszAddress[-1] <= '8')
 		lpszAddress--;
 	if (lpszAddress != lpszLine)
@@ -110,7 +111,8 @@ int AnalyzeContainerShowFailoverFile(const char *lpszFile)
 		if (strstr(output.Line(), "--------- ----------------------------------"))
 			return output.Read() ? HotSpareOf(output.Line()) : 0;
 	}
-	// Deliberately the disk 0:0:0: so an answer without a table has always read.
+	// compat: an answer without a table is the disk 0:0:0: a container without a hot spare seems to have
+	// one.
 	return 0;
 }
 
@@ -129,7 +131,7 @@ static int CodeOfNameError(const char *lpszLine)
 static void CopyDeviceName(const char *lpszLine, char *lpszFilled)
 {
 	constexpr size_t NAME_SIZE = 256;
-	// The line end of a name that stands alone in its line deliberately stays.
+	// compat: the line end of a name that stands alone in its line stays: callers cut it off.
 	const int nLength = static_cast<int>(strcspn(lpszLine, " \t"));
 	snprintf(lpszFilled, NAME_SIZE, "%.*s", nLength, lpszLine);
 }

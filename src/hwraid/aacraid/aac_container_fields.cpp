@@ -50,8 +50,8 @@ int nodeGetContainerID(const char *lpszSingleLine, aac_container *node)
 	return 0;
 }
 
-// Where the type should stand. Deliberately at the number itself for a number 0 behind a blank: such a line
-// has no type.
+// Where the type should stand. compat: at the number itself for a number 0 behind a blank: such a container
+// has no type and no size unless the site's filter takes the blank away.
 static const char *TypeIn(const char *lpszLine)
 {
 	const char *p = SkipBlanks(lpszLine);

@@ -52,7 +52,7 @@ static aac_disk *MakeDisk(char *lpszRow)
 	int nChannel = 0;
 	int nID = 0;
 	int nLun = 0;
-	int nBlocks = 0; // deliberately no wider: a larger disk shows as the largest count
+	int nBlocks = 0; // compat: no wider: a larger disk shows as 2,147,483,647
 	char szType[32] = "";
 	char szVendor[32] = "";
 	char szProduct[32] = "";
@@ -141,7 +141,8 @@ int AnalyzeDiskInitializeFile(const char *lpszFile)
 		const bool bError = strstr(lpszLine, "Command Error") != nullptr;
 		if (nLine < 0 && Including(lpszLine, "Executing: open"))
 			nLine = 0;
-		// Deliberately: a controller that cannot be opened is no failure here.
+		// compat: a controller that cannot be opened is no failure: only the disk list tells whether
+		// the disk has been initialised.
 		if ((nLine == 1 && bError) || nLine > AFTER_ECHO + 1)
 			return 0;
 		if (nLine == AFTER_ECHO + 1 && bError)

@@ -26,7 +26,8 @@ int CheckIfExistErrors(const char *lpszText)
 	const char *lpszError = strstr(lpszText, "Command Error");
 	if (!lpszError)
 		return 0;
-	// An error at the very start of the output is deliberately no error of the other kind.
+	// compat: an error at the very start of the output is none of the other kind: it comes out as a
+	// listing that cannot be read, -1.
 	const int nResult = lpszError != lpszText && lpszError[-1] == '\n' ? OTHER_TOOL_ERROR : 0;
 	if (!Including(lpszError, "Command Error: "))
 		return nResult;

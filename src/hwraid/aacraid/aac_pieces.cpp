@@ -28,8 +28,9 @@ bool PieceWalk::Next()
 		m_lpszEnd = FindSeparator(m_lpszStart);
 		return true;
 	}
-	// Not the end of the piece before: that one deliberately does not see a separator that begins within
-	// its first characters, this one does.
+	// Not the end of the piece before: this one sees a separator that begins within its first characters.
+	// compat: that one does not, so that a piece shorter than its separator swallows the next one as
+	// well.
 	const char *lpszSeparator = FindSeparator(m_lpszStart);
 	if (*lpszSeparator == '\0')
 		return false;

@@ -128,7 +128,8 @@ int Aac_Create_Raid0(const char *lpszControllerName, const char *lpszLabel, int 
 	AddStripeSize(&script, nStripsize);
 	AddLabel(&script, lpszLabel);
 	AddFirstDisk(&script, nC_ID_L1, nSpace);
-	// Deliberately on the channel of the first disk; further disks have their own.
+	// compat: on the channel of the first disk, whatever its address says: a set over two channels takes
+	// its second disk from the wrong one. Further disks have their own.
 	AddDisk(&script, GetC_ID_L(GetChannelFromC_ID_L(nC_ID_L1), GetIDFromC_ID_L(nC_ID_L2),
 	                           GetLunFromC_ID_L(nC_ID_L2)));
 	va_list further;
@@ -162,7 +163,8 @@ int Aac_Create_Raid5(const char *lpszControllerName, const char *lpszLabel, int 
 	AddQuickInit(&script, nQuick_init);
 	AddFirstDisk(&script, nC_ID_L1, nSpace);
 	AddDisk(&script, nC_ID_L2);
-	// Deliberately no blank behind it: a fourth disk follows directly.
+	// compat: no blank behind it, a fourth disk follows directly: whoever stands in for the tool has to
+	// read both.
 	script.AddAddress(nC_ID_L3);
 	va_list further;
 	va_start(further, nC_ID_L3);

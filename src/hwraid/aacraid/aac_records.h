@@ -9,7 +9,8 @@
 #include "base/record_list.h"
 #include "hwraid/aacraid/aac_hardraid.h"
 
-// Channel << 16, SCSI ID << 8 and LUN, added up: a number above 255 deliberately carries into the next field.
+// Channel << 16, SCSI ID << 8 and LUN, added up. compat: a number above 255 carries into the next field, as
+// agents in the field rely on: 0:256:0 is the disk 1:0:0.
 
 int GetC_ID_L(int nChannel, int nID, int nLun);
 int GetChannelFromC_ID_L(int nC_ID_L);

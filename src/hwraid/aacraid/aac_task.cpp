@@ -94,7 +94,8 @@ aac_task *Aac_Get_Container_Task(const char *lpszControllerName, int nContainerI
 		delete pTask;
 		pTask = pNext;
 	}
-	// With all tasks behind it, deliberately: the caller releases them together.
+	// compat: with all tasks behind it, as callers release them: one that frees the first alone leaks the
+	// others.
 	return pTask;
 }
 

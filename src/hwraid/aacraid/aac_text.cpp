@@ -37,7 +37,7 @@ int DeleteTailSpaceAndReturn(char *lpszString)
 	if (!lpszString)
 		return -1;
 	size_t nLength = strlen(lpszString);
-	// Deliberately one pass of each kind: what stands between two line ends stays.
+	// compat: one pass of each kind: a line end before blanks stays in the text.
 	while (nLength != 0 && IS_IN(lpszString[nLength - 1], "\r\n"))
 		nLength--;
 	while (nLength != 0 && IS_IN(lpszString[nLength - 1], " \t"))

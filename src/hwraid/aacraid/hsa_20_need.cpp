@@ -10,7 +10,8 @@
 
 // ---- records ----
 
-// Deliberately formed in 32 bits and only then widened, so that large sizes wrap: the interface says so.
+// compat: formed in 32 bits and only then widened, as agents in the field expect: from 2 GiB on only the low
+// 32 bits are right.
 static long long NarrowProduct(int nValue, int nFactor)
 {
 	return static_cast<int>(static_cast<unsigned>(nValue) * static_cast<unsigned>(nFactor));
@@ -27,7 +28,7 @@ static void CopyContainer(const aac_container &from, tagHwRaid *pTo)
 	pTo->nStripeSize = NarrowProduct(from.StripeSize, 1024);
 	pTo->Usage = from.Usage;
 	pTo->nHotSpare = from.HotSpare;
-	// Deliberately cut to eight characters: the interface says so.
+	// compat: eight characters, as agents expect: labels that differ later look alike.
 	snprintf(pTo->szLabel, sizeof pTo->szLabel, "%.8s", from.Label);
 }
 
@@ -36,7 +37,8 @@ static void CopyDisk(const aac_disk &from, __tag_Hard_Raid_Disk *pTo)
 	pTo->nPosition = from.C_ID_L;
 	snprintf(pTo->szVendor, sizeof pTo->szVendor, "%.32s", from.VendorID);
 	snprintf(pTo->szModel, sizeof pTo->szModel, "%.32s", from.ProductID);
-	// Deliberately unchanged, though the exported enumeration counts from one more.
+	// compat: unchanged, though the exported enumeration counts from one more: a disk arrives as its
+	// unknown, 0.
 	pTo->DeviceType = from.Device_Type;
 	pTo->nBlocks = from.Blocks;
 	pTo->nBytesPerBlock = from.BytesPerBlock;
