@@ -18,7 +18,14 @@ struct outside_t {
 	std::vector<std::string> commands; // what a shell was asked to run
 };
 
-// Made anew for every test.
 extern outside_t outside;
+
+// A test that touches them owns one of these: afterwards all is as it was.
+struct own_outside_t {
+	own_outside_t() { outside = {}; }
+	~own_outside_t() { outside = {}; }
+	own_outside_t(const own_outside_t &) = delete;
+	own_outside_t &operator=(const own_outside_t &) = delete;
+};
 
 #endif

@@ -137,6 +137,9 @@ protected:
 		ProtectionTest::SetUp();
 		outside.first_name = 1;
 	}
+
+private:
+	own_outside_t own_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Names, Planted,

@@ -1,7 +1,5 @@
 #include "site.h"
 
-#include "outside.h"
-
 #include "hwraid/aacraid/aac_public.h"
 
 #include <errno.h>
@@ -41,7 +39,6 @@ static void write_program(const fs::path &path, const std::string &body)
 void SiteTest::SetUp()
 {
 	before_ = fs::current_path();
-	outside = {};
 	const fs::path top = fs::temp_directory_path() / ("diskscout-site-" + std::to_string(getpid()));
 	fs::remove_all(top);
 	site_ = top / "site";

@@ -112,6 +112,9 @@ protected:
 		return testing::internal::GetCapturedStderr();
 	}
 	static std::string trace() { return trace_of(run); }
+
+private:
+	own_outside_t own_;
 };
 
 using testing::HasSubstr;
