@@ -506,11 +506,12 @@ const configuration_t CONFIGURATIONS[] = {
          "______________path = _________\n"
          "---oh, there is a equal zero.------------------\n"},
 	// Nothing behind a key leaves what was there.
-	{"kept", "Cli Name:a\nCli Path:/x\nCli Name:\nFilter Script:\n",
+	{"kept", "Cli Name:a\nCli Path:/x\nCli Name:\nFilter Script:\nCli Path:",
          "______________name = a_________\n"
          "______________path = /x_________\n"
          "______________name = a_________\n"
          "______________filter = _________\n"
+         "______________path = /x_________\n"
          "--oh, Got string:/x/a\n"},
 	{"no_path", "Cli Name:a\n",
          "______________name = a_________\n"

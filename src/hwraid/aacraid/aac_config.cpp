@@ -33,10 +33,10 @@ static void StripLineEnd(char *lpszString)
 // tool.
 static void TakePath(char *lpszValue)
 {
-	if (lpszValue[0] == '\0')
-		return;
-	StripLineEnd(lpszValue);
-	snprintf(g_szCliPath, sizeof g_szCliPath, "%s", lpszValue);
+	if (lpszValue[0] != '\0') {
+		StripLineEnd(lpszValue);
+		snprintf(g_szCliPath, sizeof g_szCliPath, "%s", lpszValue);
+	}
 	OutputDebugString("______________path = %s_________\n", g_szCliPath);
 }
 
