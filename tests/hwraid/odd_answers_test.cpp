@@ -54,6 +54,16 @@ TEST_F(OddAnswer, LineOfNothingEndsTheTableOfPiecesOnly)
 	Aac_Clear_Disk_Partition_List(head);
 }
 
+// What is said of an echo in the middle of a line is none: then an error behind it still counts.
+TEST_F(OddAnswer, AnEchoBeginsItsLine)
+{
+	const std::string path = file("No Executing: controller list\n"
+	                              "Command Error: <Another application has opened the controller.>\n");
+	aac_controller *head = nullptr;
+	EXPECT_EQ(AnalyzeControllerFile(path.c_str(), &head), -200);
+	EXPECT_EQ(head, nullptr);
+}
+
 struct spare_row {
 	const char *address;
 	int result;

@@ -228,6 +228,19 @@ TEST_F(ToolRunTest, ACommandThatDoesNotFitIsNotRun)
 	EXPECT_FALSE(tool_ran());
 }
 
+TEST_F(ToolRunTest, TheLongestCommandThatFitsIsRun)
+{
+	// Behind the tool stand two names of 36 characters, two signs and two blanks.
+	constexpr int LONGEST = 1023 - 76;
+	GetCliConfig();
+	const std::string tool_name = g_szCliFullName;
+	snprintf(g_szCliFullName, sizeof g_szCliFullName, "%-*s", LONGEST + 1, tool_name.c_str());
+	EXPECT_EQ(run(), -1);
+	EXPECT_FALSE(tool_ran());
+	snprintf(g_szCliFullName, sizeof g_szCliFullName, "%-*s", LONGEST, tool_name.c_str());
+	EXPECT_EQ(run(), 1);
+}
+
 TEST_F(ToolRunTest, AWorkingDirectoryThatIsGoneFailsTheRun)
 {
 	std::filesystem::remove(directory_);
