@@ -65,4 +65,11 @@ TEST_F(ConfigFile, LongLinesAreReadInPieces)
 	EXPECT_EQ(std::string(GetCliConfig()), "/" + std::string(245, 'p') + "/c");
 }
 
+TEST_F(ConfigFile, EndsAtALineThatReadsAsNothing)
+{
+	using namespace std::string_literals;
+	configure("Cli Path:/b\nCli Name:d\n\0\nCli Name:e\n"s);
+	EXPECT_STREQ(GetCliConfig(), "/b/d");
+}
+
 } // namespace

@@ -241,6 +241,20 @@ TEST_F(ToolRunTest, TheLongestCommandThatFitsIsRun)
 	EXPECT_EQ(run(), 1);
 }
 
+// Cut to its first 1,023 characters the last command would remove something else.
+TEST_F(ToolRunTest, FilesAreRemovedByACommandThatFits)
+{
+	write_file("kept", "");
+	write_file("removed", "");
+	EXPECT_EQ(DeleteFileWindowsAndLinux("removed"), 0);
+	EXPECT_EQ(DeleteFileWindowsAndLinux("removed"), 0);
+	EXPECT_EQ(left_over(), std::vector<std::string>{"kept"});
+	EXPECT_EQ(DeleteFileWindowsAndLinux("."), -1);
+	EXPECT_EQ(DeleteFileWindowsAndLinux(("kept" + std::string(1100, ' ') + "other").c_str()), -1);
+	EXPECT_EQ(left_over(), std::vector<std::string>{"kept"});
+	std::filesystem::remove("kept");
+}
+
 TEST_F(ToolRunTest, AWorkingDirectoryThatIsGoneFailsTheRun)
 {
 	std::filesystem::remove(directory_);
