@@ -2,6 +2,7 @@
 // operation says, in order. The lines that only tell a position are left out: where they stand is nobody's
 // business. The files of a run are called script1, raw1 and filtered1; those of the next run bear the next
 // number.
+#include "outside.h"
 #include "site.h"
 #include "spoken_names.h"
 
@@ -259,9 +260,45 @@ void PrintTo(const failure_t &row, std::ostream *stream)
 	*stream << row.name;
 }
 
+const char *const NO_SCRIPT = "[position] can not create file.\n";
+const char *const NO_TERMINAL = "ERROR! ==> setenv return != 0\n";
 const char *const NO_NAME = "[position], uuid create error.\n";
 
 const failure_t FAILURES[] = {
+	{"no_script_can_be_made", [](TraceTable &site) { std::filesystem::remove(site.directory_); },
+         [](const TraceTable &, const words_t &) { return std::string(NO_SCRIPT); }},
+	{"no_name_can_be_made", [](TraceTable &) { use_names(names_t::EMPTY); },
+         [](const TraceTable &, const words_t &) {
+		 return std::string(NO_NAME) + NO_NAME + NO_NAME + NO_SCRIPT;
+	 }},
+	// The tool is not asked for before it is needed.
+	{"no_terminal_can_be_set", [](TraceTable &) { outside.setenv_fails = true; },
+         [](const TraceTable &, const words_t &) { return std::string(NO_TERMINAL); }},
+	{"no_configuration", [](TraceTable &site) { std::filesystem::remove(site.site_ / "config"); },
+         [](const TraceTable &, const words_t &words) {
+		 return "can not open the file:\n" + words.failed(32512, "(null) <script1 >raw1");
+	 }},
+	{"no_tool_configured",
+         [](TraceTable &site) {
+		 site.configure("Cli Path:" + site.site_.string() + "\nFilter Script:" + site.filter_name() +
+	                        "\n");
+	 },
+         [](const TraceTable &site, const words_t &words) {
+		 return site.path_line() + site.filter_line() +
+	                "---oh, there is a equal zero.------------------\n" +
+	                words.failed(32512, " <script1 >raw1");
+	 }},
+	{"no_filter_configured",
+         [](TraceTable &site) { site.configure("Cli Path:" + site.site_.string() + "\nCli Name:tool\n"); },
+         [](const TraceTable &site, const words_t &words) {
+		 return site.path_line() + "______________name = tool_________\n" +
+	                "--oh, Got string:" + site.tool_name() + "\n" +
+	                words.failed(32512, " raw1 filtered1");
+	 }},
+	{"no_output_can_be_made", [](TraceTable &) { outside.failing_creation = 2; },
+         [](const TraceTable &site, const words_t &words) {
+		 return site.configuration() + words.failed(32512, site.tool_name() + " <script1 >raw1");
+	 }},
 	{"no_tool_installed", [](TraceTable &site) { std::filesystem::remove(site.tool_name()); },
          [](const TraceTable &site, const words_t &words) {
 		 return site.configuration() + words.failed(32512, site.tool_name() + " <script1 >raw1");
