@@ -69,9 +69,9 @@ std::string wrong_record(const aac_controller &record, int position)
 bool are_members(const aac_container &record)
 {
 	const int *end = record.C_ID_L + 64;
-	const int *unused = std::find(record.C_ID_L, end, NO_MEMBER);
+	const int *unused = std::find(record.C_ID_L, end, AAC_NO_MEMBER);
 	return unused - record.C_ID_L <= record.nDiskNumber &&
-	       std::all_of(unused, end, [](int slot) { return slot == NO_MEMBER; });
+	       std::all_of(unused, end, [](int slot) { return slot == AAC_NO_MEMBER; });
 }
 
 std::string wrong_record(const aac_container &record, int)

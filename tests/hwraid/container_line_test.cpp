@@ -28,7 +28,7 @@ aac_container untouched()
 	node.nCntnerID = node.Container_Type = node.TotalSize = node.StripeSize = node.Usage = node.HotSpare =
 		4711;
 	for (int &member : node.C_ID_L)
-		member = NO_MEMBER;
+		member = AAC_NO_MEMBER;
 	snprintf(node.Label, sizeof node.Label, "label");
 	return node;
 }
@@ -359,7 +359,7 @@ TEST(ContainerLine, MembersTakeTheFirstFreeSlot)
 	for (int i = 0; i < 64; i++)
 		node.C_ID_L[i] = 1000 + i;
 	node.nDiskNumber = 64;
-	node.C_ID_L[0] = node.C_ID_L[5] = node.C_ID_L[63] = NO_MEMBER;
+	node.C_ID_L[0] = node.C_ID_L[5] = node.C_ID_L[63] = AAC_NO_MEMBER;
 	for (const int slot : {0, 5, 63}) {
 		EXPECT_EQ(nodeGetCIDL("2:03:4", &node), 0);
 		EXPECT_EQ(node.C_ID_L[slot], 0x020304);

@@ -211,7 +211,8 @@ TEST_F(ContainerListTest, MembersBeyondSixtyFourAreOnlyCounted)
 		ASSERT_NE(list_, nullptr);
 		EXPECT_EQ(list_->nDiskNumber, count);
 		for (int i = 0; i < 64; i++)
-			EXPECT_EQ(list_->C_ID_L[i], i < count ? i << 8 : NO_MEMBER) << count << " slot " << i;
+			EXPECT_EQ(list_->C_ID_L[i], i < count ? i << 8 : AAC_NO_MEMBER)
+				<< count << " slot " << i;
 	}
 }
 
@@ -231,7 +232,7 @@ TEST_F(ContainerListTest, MemberContainersBeyondSixtyFourAreOnlyCounted)
 		ASSERT_NE(list_, nullptr);
 		EXPECT_EQ(list_->nDiskNumber, count);
 		for (int i = 0; i < 64; i++)
-			EXPECT_EQ(list_->C_ID_L[i], i < count ? 24 + i % 40 : NO_MEMBER)
+			EXPECT_EQ(list_->C_ID_L[i], i < count ? 24 + i % 40 : AAC_NO_MEMBER)
 				<< count << " slot " << i;
 		int found = 0;
 		for (const aac_container *record = list_->next; record; record = record->next)

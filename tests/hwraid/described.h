@@ -20,7 +20,7 @@ inline std::string address(int packed)
 inline std::string members(const aac_container &record)
 {
 	size_t used = 64;
-	while (used > 0 && record.C_ID_L[used - 1] == NO_MEMBER)
+	while (used > 0 && record.C_ID_L[used - 1] == AAC_NO_MEMBER)
 		used--;
 	std::string text;
 	for (size_t i = 0; i < used; i++)

@@ -53,3 +53,12 @@ def test_no_other_header_declares_an_export(exports, source_dir):
              for name in re.findall(r"^[^/\n]*?\b(\w+)\(", header.read_text(encoding="utf-8"), re.MULTILINE)
              if name in exports]
     assert again == []
+
+
+def test_no_source_writes_a_result_code_as_a_number(source_dir):
+    codes = r"2|3|5|6|10|20|30|50|70|90|100|200|300"
+    again = []
+    for file in (source_dir / "src/hwraid").rglob("*.[ch]*"):
+        code = re.sub(r'//[^\n]*|"(?:[^"\\]|\\.)*"', "", file.read_text(encoding="utf-8"))
+        again += [(file.name, found) for found in re.findall(rf"(?:return|[,(:?=]) (-(?:{codes}))\b", code)]
+    assert again == []

@@ -14,7 +14,7 @@ static void PrintMembers(const aac_container &container)
 	// compat: the members of a RAID 10 are containers, and their numbers stand as LUNs of disks 0:0; who
 	// reads on has to look at the type.
 	for (const int nMember : container.C_ID_L)
-		if (nMember != NO_MEMBER)
+		if (nMember != AAC_NO_MEMBER)
 			fprintf(stderr, "      Channel: %d ID:%d Lun:%d \n", GetChannelFromC_ID_L(nMember),
 			        GetIDFromC_ID_L(nMember), GetLunFromC_ID_L(nMember));
 }
@@ -32,7 +32,7 @@ static void PrintContainer(const aac_container &container)
 	fprintf(stderr, "DiskNumber: %d\n", container.nDiskNumber);
 	PrintMembers(container);
 	fprintf(stderr, "    TotalSize:%4dM  stripesize:%4dK \n", container.TotalSize, container.StripeSize);
-	if (container.HotSpare == NO_MEMBER)
+	if (container.HotSpare == AAC_NO_MEMBER)
 		fputs("HotSpare    :none\n", stderr);
 	else
 		PrintAddress("HotSpare", container.HotSpare);

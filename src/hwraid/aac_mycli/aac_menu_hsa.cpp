@@ -66,7 +66,7 @@ static void PrintRaid(const HWRAID_LIST &raid)
 	fprintf(stderr, "nRaidID:%d\n", raid.nRaidID);
 	fprintf(stderr, "nDiskNumber:%d\n", raid.nDiskNumber);
 	for (const int nMember : raid.nPosition)
-		if (nMember != NO_MEMBER)
+		if (nMember != AAC_NO_MEMBER)
 			PrintPosition(nMember);
 	fprintf(stderr, "RaidType:%d\n", raid.RaidType);
 	fprintf(stderr, "nTotalSize:%lld bytes\n", raid.nTotalSize);

@@ -9,12 +9,10 @@
 #include <string.h>
 #include <utility>
 
-static constexpr int NOT_GIVEN = -1; // a size or a stripe size, too; ends the disks of a creation
-
 // ---- members ----
 
 // What a container is to be made of: disk addresses, or numbers of containers. There is one slot more than
-// may be filled, so that NOT_GIVEN always stands behind the last one.
+// may be filled, so that AAC_NO_MORE always stands behind the last one.
 struct Members {
 	static constexpr int MOST = 64;
 
@@ -24,12 +22,12 @@ struct Members {
 	Members()
 	{
 		for (int i = 0; i <= MOST; i++)
-			nValues[i] = NOT_GIVEN;
+			nValues[i] = AAC_NO_MORE;
 	}
 };
 
 // A creation takes a list of any length, but a call has one length. So all slots are passed each time: what
-// reads them stops at the first NOT_GIVEN.
+// reads them stops at the first AAC_NO_MORE.
 template <int first, class Create, int... slots>
 static int PassFrom(const Members &members, Create create, std::integer_sequence<int, slots...>)
 {
@@ -59,8 +57,8 @@ static bool AskQuickInit(int *pnQuickInit)
 }
 
 // compat: of stripe sizes and container numbers the limits leave no number, so nobody is asked and the tool
-// gets NOT_GIVEN: it stripes as it likes, and refuses every RAID 10. Keys that are sent to the console count
-// on it.
+// gets AAC_NOT_GIVEN: it stripes as it likes, and refuses every RAID 10. Keys that are sent to the console
+// count on it.
 static bool AskNothing(const char *lpszPrompt, int *pnAnswer)
 {
 	return AskNumber(0, -1, lpszPrompt, pnAnswer);
@@ -128,7 +126,7 @@ static void CreateRaid1()
 	    !AskMemberDisk(&disks))
 		return;
 	fprintf(stderr, "create raid1 return:%d\n",
-	        Aac_Create_Raid1(CONTROLLER, szLabel, nQuickInit, disks.nValues[0], NOT_GIVEN,
+	        Aac_Create_Raid1(CONTROLLER, szLabel, nQuickInit, disks.nValues[0], AAC_NOT_GIVEN,
 	                         disks.nValues[1]));
 }
 
@@ -157,8 +155,8 @@ static void CreateRaid5()
 	    !AskFurther(&disks, "Do you want to add another disk?(0/1)", AskMemberDisk))
 		return;
 	const auto Create = [&](auto... further) {
-		return Aac_Create_Raid5(CONTROLLER, szLabel, nQuickInit, NOT_GIVEN, disks.nValues[0],
-		                        NOT_GIVEN, disks.nValues[1], disks.nValues[2], further...);
+		return Aac_Create_Raid5(CONTROLLER, szLabel, nQuickInit, AAC_NOT_GIVEN, disks.nValues[0],
+		                        AAC_NOT_GIVEN, disks.nValues[1], disks.nValues[2], further...);
 	};
 	fprintf(stderr, "create raid5 return:%d\n", PassFrom<3>(disks, Create));
 }

@@ -20,10 +20,6 @@
 #include <stdio.h>
 #include <string.h>
 
-static constexpr int NO_SUCH_CONTAINER = -5;
-static constexpr int NO_HOT_SPARE = -10;
-static constexpr int IS_NO_HOT_SPARE = -90;
-
 // ---- scripts ----
 
 // The lines of blanks answer the tool's pager, however long the answer is.
@@ -45,7 +41,7 @@ template <size_t rows> static int CodeOfFirstError(const char *lpszFile, const T
 {
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	while (output.Read())
 		if (Including(output.Line(), "Command Error"))
 			return CodeOfErrorLine(output.Line(), own);
@@ -55,7 +51,7 @@ template <size_t rows> static int CodeOfFirstError(const char *lpszFile, const T
 int AnalyzeContainerDeleteFile(const char *lpszFile)
 {
 	static constexpr ToolError DELETE_ERRORS[] = {
-		{"<The specified container was not found", NO_SUCH_CONTAINER},
+		{"<The specified container was not found", AAC_NO_SUCH_CONTAINER},
 	};
 	return CodeOfFirstError(lpszFile, DELETE_ERRORS);
 }
@@ -63,10 +59,10 @@ int AnalyzeContainerDeleteFile(const char *lpszFile)
 int AnalyzeContainerSetFailoverFile(const char *lpszFile)
 {
 	static constexpr ToolError FAILOVER_ERRORS[] = {
-		{"<The specified container was not found", NO_SUCH_CONTAINER},
-		{"<The specified channel was not found", NO_SUCH_DEVICE},
-		{"<The specified device was not found", NO_SUCH_DEVICE},
-		{"<At least one of devices you specified is not a fialover disk", IS_NO_HOT_SPARE},
+		{"<The specified container was not found", AAC_NO_SUCH_CONTAINER},
+		{"<The specified channel was not found", AAC_NO_SUCH_DEVICE},
+		{"<The specified device was not found", AAC_NO_SUCH_DEVICE},
+		{"<At least one of devices you specified is not a fialover disk", AAC_NOT_A_HOT_SPARE},
 	};
 	return CodeOfFirstError(lpszFile, FAILOVER_ERRORS);
 }
@@ -77,7 +73,8 @@ static int HotSpareOf(const char *lpszLine)
 {
 	const char *lpszAddress = strchr(lpszLine, ':');
 	if (!lpszAddress)
-		return strstr(lpszLine, "--- No Devices Assigned ---") ? NO_HOT_SPARE : NO_SUCH_CONTAINER;
+		return strstr(lpszLine, "--- No Devices Assigned ---") ? AAC_NO_HOT_SPARE
+		                                                       : AAC_NO_SUCH_CONTAINER;
 	// Back over the channel's digits to the character before them. compat: not over a 9, so that of
 	// channel 19 only the 9 is read.
 	while (lpszAddress != lpszLine && lpszAddress[-1] >= '0' && lpszAddress[-1] <= '8')
@@ -92,19 +89,19 @@ static int HotSpareOf(const char *lpszLine)
 	scan.Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun);
 	const int nC_ID_L = GetC_ID_L(nChannel, nID, nLun);
 	// A sum below 0 is no address and would pass for a code.
-	return scan.IsGood() && nC_ID_L >= 0 ? nC_ID_L : OTHER_TOOL_ERROR;
+	return scan.IsGood() && nC_ID_L >= 0 ? nC_ID_L : AAC_TOOL_ERROR;
 }
 
 int AnalyzeContainerShowFailoverFile(const char *lpszFile)
 {
 	static constexpr ToolError SHOW_ERRORS[] = {
-		{"<The specified container was not found", NO_SUCH_CONTAINER},
-		{"<The specified channel was not found", NO_SUCH_DEVICE},
-		{"<The specified device was not found", NO_SUCH_DEVICE},
+		{"<The specified container was not found", AAC_NO_SUCH_CONTAINER},
+		{"<The specified channel was not found", AAC_NO_SUCH_DEVICE},
+		{"<The specified device was not found", AAC_NO_SUCH_DEVICE},
 	};
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	while (output.Read()) {
 		if (Including(output.Line(), "Command Error"))
 			return CodeOfErrorLine(output.Line(), SHOW_ERRORS);
@@ -121,11 +118,11 @@ int AnalyzeContainerShowFailoverFile(const char *lpszFile)
 static int CodeOfNameError(const char *lpszLine)
 {
 	const int nCode = CodeOfErrorLine(lpszLine);
-	if (nCode != OTHER_TOOL_ERROR)
+	if (nCode != AAC_TOOL_ERROR)
 		return nCode;
 	if (strstr(lpszLine, "Container not found"))
-		return NO_SUCH_CONTAINER;
-	return strstr(lpszLine, "Command Error") ? OTHER_TOOL_ERROR : 0;
+		return AAC_NO_SUCH_CONTAINER;
+	return strstr(lpszLine, "Command Error") ? AAC_TOOL_ERROR : 0;
 }
 
 static void CopyDeviceName(const char *lpszLine, char *lpszFilled)
@@ -140,7 +137,7 @@ int AnalyzeContainerDiskNameFile(const char *lpszFile, char *lpszFilled)
 {
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	bool bInTable = false;
 	while (output.Read()) {
 		const char *lpszLine = output.Line();
@@ -155,7 +152,7 @@ int AnalyzeContainerDiskNameFile(const char *lpszFile, char *lpszFilled)
 			return nError;
 		}
 	}
-	return OTHER_TOOL_ERROR;
+	return AAC_TOOL_ERROR;
 }
 
 // ---- operations ----
@@ -169,7 +166,7 @@ int Aac_Get_Container_List(const char *lpszControllerName, aac_container **pHead
 	// Stands while the parser asks for the hot spares, each in a run of its own.
 	const ToolRun run(script, COMMAND_TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	return CountOrCode(Get_Container_List_From_File(lpszControllerName, run.Answer(), pHead), pHead);
 }
 
@@ -186,7 +183,7 @@ int Aac_Container_Delete(const char *lpszControllerName, int nAlwaysInitEvenIfHa
 	           nContainerID);
 	AddClosing(&script);
 	const ToolRun run(script, COMMAND_TRACES);
-	return run.Answer() ? AnalyzeContainerDeleteFile(run.Answer()) : RUN_FAILED;
+	return run.Answer() ? AnalyzeContainerDeleteFile(run.Answer()) : AAC_RUN_FAILED;
 }
 
 int Aac_Container_Set_Failover(const char *lpszControllerName, int nContainerID, int nC_ID_L)
@@ -195,7 +192,7 @@ int Aac_Container_Set_Failover(const char *lpszControllerName, int nContainerID,
 	AddFailoverCommand(&script, "set", nContainerID, nC_ID_L);
 	AddClosing(&script);
 	const ToolRun run(script, COMMAND_TRACES);
-	return run.Answer() ? AnalyzeContainerSetFailoverFile(run.Answer()) : RUN_FAILED;
+	return run.Answer() ? AnalyzeContainerSetFailoverFile(run.Answer()) : AAC_RUN_FAILED;
 }
 
 int Aac_Container_Show_Failover(const char *lpszControllerName, int nContainerID)
@@ -204,7 +201,7 @@ int Aac_Container_Show_Failover(const char *lpszControllerName, int nContainerID
 	script.Add("container show failover %d\n", nContainerID);
 	AddClosing(&script);
 	const ToolRun run(script, COMMAND_TRACES);
-	return run.Answer() ? AnalyzeContainerShowFailoverFile(run.Answer()) : RUN_FAILED;
+	return run.Answer() ? AnalyzeContainerShowFailoverFile(run.Answer()) : AAC_RUN_FAILED;
 }
 
 int Aac_Container_Remove_Failover(const char *lpszControllerName, int nContainerID, int nC_ID_L)
@@ -213,18 +210,18 @@ int Aac_Container_Remove_Failover(const char *lpszControllerName, int nContainer
 	AddFailoverCommand(&script, "remove", nContainerID, nC_ID_L);
 	AddClosing(&script);
 	const ToolRun run(script, COMMAND_TRACES);
-	return run.Answer() ? AnalyzeContainerSetFailoverFile(run.Answer()) : RUN_FAILED;
+	return run.Answer() ? AnalyzeContainerSetFailoverFile(run.Answer()) : AAC_RUN_FAILED;
 }
 
 int Aac_Get_Container_Corresponding_Disk_Name(const char *lpszControllerName, int nContainerID,
                                               char *lpszFilled)
 {
 	if (!lpszFilled)
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	lpszFilled[0] = '\0';
 	ToolScript script(lpszControllerName);
 	script.Add("container list %d\n", nContainerID);
 	AddClosing(&script);
 	const ToolRun run(script, COMMAND_TRACES);
-	return run.Answer() ? AnalyzeContainerDiskNameFile(run.Answer(), lpszFilled) : RUN_FAILED;
+	return run.Answer() ? AnalyzeContainerDiskNameFile(run.Answer(), lpszFilled) : AAC_RUN_FAILED;
 }

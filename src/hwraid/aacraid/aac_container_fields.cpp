@@ -206,7 +206,7 @@ static void AddMember(aac_container *node, int nC_ID_L)
 {
 	node->nDiskNumber++;
 	for (int &nMember : node->C_ID_L) {
-		if (nMember != NO_MEMBER)
+		if (nMember != AAC_NO_MEMBER)
 			continue;
 		nMember = nC_ID_L;
 		return;

@@ -47,11 +47,11 @@ static aac_container *MakeContainer()
 		return nullptr;
 	pContainer->nCntnerID = -1;
 	for (int &nMember : pContainer->C_ID_L)
-		nMember = NO_MEMBER;
+		nMember = AAC_NO_MEMBER;
 	pContainer->Container_Type = KESTREL_HWRAID_TYPE_UNKNOWN;
 	pContainer->StripeSize = 64;
 	pContainer->Usage = KESTREL_HWRAID_USAGE_TYPE_UNKNOW;
-	pContainer->HotSpare = -1;
+	pContainer->HotSpare = AAC_NO_MEMBER;
 	return pContainer;
 }
 
@@ -280,7 +280,7 @@ static int ParseOutput(const char *lpszControllername, char *lpszText, aac_conta
 		return nError;
 	const char *lpszListing = FindListing(lpszText);
 	if (!lpszListing)
-		return -1;
+		return AAC_RUN_FAILED;
 	TakeContainers(lpszControllername ? lpszControllername : "", lpszListing, pnode);
 	return 0;
 }
@@ -292,7 +292,7 @@ int Get_Container_List_From_File(const char *lpszControllername, const char *lps
 	pContainerHeader = nullptr;
 	*pnode = nullptr;
 	char *lpszText = Get_Content_Of_The_File(lpszFilename);
-	const int nResult = lpszText ? ParseOutput(lpszControllername, lpszText, pnode) : -1;
+	const int nResult = lpszText ? ParseOutput(lpszControllername, lpszText, pnode) : AAC_RUN_FAILED;
 	delete[] lpszText;
 	*pnode = pContainerHeader;
 	return nResult;

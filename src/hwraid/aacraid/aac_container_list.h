@@ -11,7 +11,7 @@ extern aac_container *pContainerHeader;
 extern char g_szLabel[512];
 
 // Parses a whole output. While it runs *pnode is the last record made, afterwards the first, whatever the
-// result. 0, -100, -200 or -300 for an error of the tool, or -1: no file, no echo of the command, no rule
+// result. AAC_OK, the code of the tool's error, or AAC_RUN_FAILED: no file, no echo of the command, no rule
 // under the headings, or nothing behind it.
 int Get_Container_List_From_File(const char *lpszControllername, const char *lpszFilename,
                                  aac_container **pnode);

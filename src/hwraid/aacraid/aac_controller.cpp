@@ -46,7 +46,7 @@ int AnalyzeControllerFile(const char *lpszFile, aac_controller **pHead)
 	*pHead = nullptr;
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	int nError;
 	FindEcho(&output, "Executing: controller list", &nError);
 	if (nError != 0)
@@ -65,7 +65,7 @@ int Aac_Get_Controller_List(aac_controller **pHead)
 	script.Add("controller list\n                                          \n    \nexit\n");
 	const ToolRun run(script, TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	const int nParsed = AnalyzeControllerFile(run.Answer(), pHead);
 	if (nParsed != 0)
 		OutputDebugString("AnalyzeControllerFile return != 0 == %d.\n", nParsed);
@@ -95,7 +95,7 @@ int Aac_Get_Controller_Name(char *lpszControllerName, int nPosition)
 		pFound = FindController(pHead, nPosition);
 	if (pFound)
 		memcpy(lpszControllerName, pFound->Adapter_Name, sizeof pFound->Adapter_Name);
-	const int nResult = pFound ? 0 : RUN_FAILED;
+	const int nResult = pFound ? AAC_OK : AAC_RUN_FAILED;
 	Aac_Clear_Controller_List(pHead);
 	OutputDebugString("Aac_Get_Controller_Name reutrn %d\n", nResult);
 	return nResult;

@@ -91,7 +91,7 @@ int AnalyzeDiskFile(const char *lpszFile, aac_disk **pHead)
 	RecordList<aac_disk> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	int nError;
 	if (!FindEcho(&output, "Executing: disk list", &nError))
 		return nError;
@@ -107,7 +107,7 @@ int Aac_Get_Disk_List(const char *lpszControllerName, aac_disk **pHead)
 	script.Add("disk list /full=true\n                                          \n    \nexit\n");
 	const ToolRun run(script, DISK_TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	return CountOrCode(TraceParsed("AnalyzeDiskFile", AnalyzeDiskFile(run.Answer(), pHead)), pHead);
 }
 
@@ -132,7 +132,7 @@ int AnalyzeDiskInitializeFile(const char *lpszFile)
 	int nLine = -10000;
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	while (output.Next()) {
 		const char *lpszLine = output.Line();
 		if (lpszLine[0] == '\n')
@@ -146,7 +146,7 @@ int AnalyzeDiskInitializeFile(const char *lpszFile)
 		if ((nLine == 1 && bError) || nLine > AFTER_ECHO + 1)
 			return 0;
 		if (nLine == AFTER_ECHO + 1 && bError)
-			return IsNoSuchDevice(lpszLine) ? NO_SUCH_DEVICE : OTHER_TOOL_ERROR;
+			return IsNoSuchDevice(lpszLine) ? AAC_NO_SUCH_DEVICE : AAC_TOOL_ERROR;
 		if (nLine < AFTER_ECHO && Including(lpszLine, "Executing: disk init"))
 			nLine = AFTER_ECHO;
 	}
@@ -167,7 +167,7 @@ int Aac_Disk_Initialize(const char *lpszControllerName, int nAlways, int nUncond
 	script.Add("\n                                          \n    \n  \n  \n  \n  \n  exit\n        \n");
 	const ToolRun run(script, DISK_TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	return TraceParsed("AnalyzeDiskInitializeFile", AnalyzeDiskInitializeFile(run.Answer()));
 }
 
@@ -187,12 +187,12 @@ int AnalyzeDiskShowDefectFile(const char *lpszFile, int *pnPrimary, int *pnGrown
 	static constexpr ToolError DEFECT_ERRORS[] = {
 		DEVICE_ERRORS[0],
 		DEVICE_ERRORS[1],
-		{"detected a bad status", -50},
-		{"parameter error", -6},
+		{"detected a bad status", AAC_BAD_DISK_STATUS},
+		{"parameter error", AAC_BAD_PARAMETER},
 	};
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	while (output.Next()) {
 		const char *lpszLine = output.Line();
 		if (Including(lpszLine, "Number of PRIMARY")) {
@@ -217,7 +217,7 @@ int Aac_Disk_Show_Defect(const char *lpszControllerName, int nC_ID_L, int *pnPri
 	script.Add("\n                                            \n    \nexit\n        \n");
 	const ToolRun run(script, DISK_TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	return TraceParsed("AnalyzeDiskShowDefectFile",
 	                   AnalyzeDiskShowDefectFile(run.Answer(), pnPrimary, pnGrown));
 }

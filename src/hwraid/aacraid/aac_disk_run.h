@@ -8,8 +8,8 @@
 extern const ToolTraces DISK_TRACES;
 
 constexpr ToolError DEVICE_ERRORS[] = {
-	{"<The specified channel was not found on the controller", NO_SUCH_DEVICE},
-	{"<The specified device was not found", NO_SUCH_DEVICE},
+	{"<The specified channel was not found on the controller", AAC_NO_SUCH_DEVICE},
+	{"<The specified device was not found", AAC_NO_SUCH_DEVICE},
 };
 
 // Traces what the parser, known by this name, made of the answer, and returns it.

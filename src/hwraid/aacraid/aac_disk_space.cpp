@@ -83,7 +83,7 @@ int AnalyzeDiskShowSpaceFile(const char *lpszFile, int nChannel, int nID, int nL
 	RecordList<aac_space> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	while (output.Next()) {
 		if (Including(output.Line(), "Command Error"))
 			return CodeOfErrorLine(output.Line(), DEVICE_ERRORS);
@@ -102,7 +102,7 @@ int Aac_Disk_Show_Space(const char *lpszControllerName, int nC_ID_L, aac_space *
 	script.Add("\n                                            \n    \nexit\n        \n");
 	const ToolRun run(script, DISK_TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	const int nParsed =
 		AnalyzeDiskShowSpaceFile(run.Answer(), GetChannelFromC_ID_L(nC_ID_L),
 	                                 GetIDFromC_ID_L(nC_ID_L), GetLunFromC_ID_L(nC_ID_L), pHead);
@@ -167,7 +167,7 @@ int AnalyzePartitionFile(const char *lpszFile, aac_partition **pHead)
 	RecordList<aac_partition> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	bool bEcho = false;
 	bool bRule = false;
 	while (output.Read()) {
@@ -192,7 +192,7 @@ int Aac_Disk_Show_Partition(const char *lpszControllerName, aac_partition **pHea
 	script.Add("disk show partition\n                \n    \n     \n    \n       \n      \n    \nexit\n");
 	const ToolRun run(script, DISK_TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	return CountOrCode(TraceParsed("AnalyzePartitionFile", AnalyzePartitionFile(run.Answer(), pHead)),
 	                   pHead);
 }

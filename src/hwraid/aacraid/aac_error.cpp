@@ -18,7 +18,7 @@ int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn, size_t nOwn)
 	const ToolError *pRow = FindError(lpszLine, CONTROLLER_ERRORS, std::size(CONTROLLER_ERRORS));
 	if (!pRow)
 		pRow = FindError(lpszLine, pOwn, nOwn);
-	return pRow ? pRow->nCode : OTHER_TOOL_ERROR;
+	return pRow ? pRow->nCode : AAC_TOOL_ERROR;
 }
 
 int CheckIfExistErrors(const char *lpszText)
@@ -28,7 +28,7 @@ int CheckIfExistErrors(const char *lpszText)
 		return 0;
 	// compat: an error at the very start of the output is none of the other kind: it comes out as a
 	// listing that cannot be read, -1.
-	const int nResult = lpszError != lpszText && lpszError[-1] == '\n' ? OTHER_TOOL_ERROR : 0;
+	const int nResult = lpszError != lpszText && lpszError[-1] == '\n' ? AAC_TOOL_ERROR : 0;
 	if (!Including(lpszError, "Command Error: "))
 		return nResult;
 	for (const ToolError &row : CONTROLLER_ERRORS)

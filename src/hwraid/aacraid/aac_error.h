@@ -2,6 +2,8 @@
 #ifndef DISKSCOUT_HWRAID_AAC_ERROR_H
 #define DISKSCOUT_HWRAID_AAC_ERROR_H
 
+#include "diskscout_raid.h"
+
 #include <stddef.h>
 
 // A text in an error line of the tool, and what it stands for.
@@ -10,23 +12,16 @@ struct ToolError {
 	int nCode;
 };
 
-constexpr int RUN_FAILED = -1;            // the tool could not be asked, or there is no answer
-constexpr int CONTROLLER_UNUSABLE = -100; // wrong, missing or not opened
-constexpr int CONTROLLER_BUSY = -200;     // held by another application
-constexpr int OTHER_TOOL_ERROR = -300;
-// Of several operations.
-constexpr int NO_SUCH_DEVICE = -2; // channel or device
-
 // The errors that every operation knows, tried first and in this order.
 constexpr ToolError CONTROLLER_ERRORS[] = {
-	{"<The requested controller is of the wrong type", CONTROLLER_UNUSABLE},
-	{"<Adapter must be opened before this command is used", CONTROLLER_UNUSABLE},
-	{"<The requested controller does not exist", CONTROLLER_UNUSABLE},
-	{"<Another application has opened th", CONTROLLER_BUSY},
+	{"<The requested controller is of the wrong type", AAC_CONTROLLER_UNUSABLE},
+	{"<Adapter must be opened before this command is used", AAC_CONTROLLER_UNUSABLE},
+	{"<The requested controller does not exist", AAC_CONTROLLER_UNUSABLE},
+	{"<Another application has opened th", AAC_CONTROLLER_BUSY},
 };
 
 // The code of the first row whose text stands anywhere in the line: CONTROLLER_ERRORS, then an operation's
-// own rows. OTHER_TOOL_ERROR when there is none.
+// own rows. AAC_TOOL_ERROR when there is none.
 int CodeOfErrorLine(const char *lpszLine, const ToolError *pOwn, size_t nOwn);
 template <size_t rows> int CodeOfErrorLine(const char *lpszLine, const ToolError (&own)[rows])
 {
@@ -37,8 +32,8 @@ inline int CodeOfErrorLine(const char *lpszLine)
 	return CodeOfErrorLine(lpszLine, nullptr, 0);
 }
 
-// The first "Command Error" of a whole output: -100 wrong, missing or unopened controller, -200 held by
-// another application, -300 another error that stands at the start of a line but not of the output; else 0.
+// The code of the first "Command Error" of a whole output; AAC_TOOL_ERROR only when it stands at the start of
+// a line but not of the output. AAC_OK without one.
 int CheckIfExistErrors(const char *lpszText);
 
 #endif

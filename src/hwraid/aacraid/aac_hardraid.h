@@ -5,6 +5,4 @@
 
 #include "diskscout_raid.h"
 
-constexpr int NO_MEMBER = AAC_NO_MEMBER;
-
 #endif

@@ -16,7 +16,7 @@
 
 static bool IsGiven(int nValue)
 {
-	return nValue != 0 && nValue != -1;
+	return nValue != 0 && nValue != AAC_NOT_GIVEN;
 }
 
 static void AddStripeSize(ToolScript *pScript, int nStripsize)
@@ -63,7 +63,7 @@ static void AddFurther(ToolScript *pScript, va_list arguments, void (*pfnAdd)(To
 {
 	while (pScript->Fits()) {
 		const int nArgument = va_arg(arguments, int);
-		if (nArgument == -1)
+		if (nArgument == AAC_NO_MORE)
 			return;
 		pfnAdd(pScript, nArgument);
 	}
@@ -72,12 +72,12 @@ static void AddFurther(ToolScript *pScript, va_list arguments, void (*pfnAdd)(To
 // ---- the answer ----
 
 static constexpr ToolError CREATE_ERRORS[] = {
-	{"<The specified chunk or stripe size is invalid", -3},
-	{"bytes cannot be found on device", -30},
-	{"<The specified channel was not found on the controller", -30},
-	{"<The specified device was not found", -30},
-	{"<The specified container was not found", -5},
-	{"<The specified container sizes must be the same for stripe sets", -20},
+	{"<The specified chunk or stripe size is invalid", AAC_BAD_STRIPE_SIZE},
+	{"bytes cannot be found on device", AAC_NO_SPACE},
+	{"<The specified channel was not found on the controller", AAC_NO_SPACE},
+	{"<The specified device was not found", AAC_NO_SPACE},
+	{"<The specified container was not found", AAC_NO_SUCH_CONTAINER},
+	{"<The specified container sizes must be the same for stripe sets", AAC_SIZES_DIFFER},
 };
 
 static bool IsDiskCrowded(const char *lpszLine)
@@ -89,9 +89,8 @@ static bool IsDiskCrowded(const char *lpszLine)
 
 static int CodeOfCreateError(const char *lpszLine)
 {
-	constexpr int DISK_CROWDED = -70;
 	const int nCode = CodeOfErrorLine(lpszLine, CREATE_ERRORS);
-	return nCode == OTHER_TOOL_ERROR && IsDiskCrowded(lpszLine) ? DISK_CROWDED : nCode;
+	return nCode == AAC_TOOL_ERROR && IsDiskCrowded(lpszLine) ? AAC_DISK_CROWDED : nCode;
 }
 
 int Analyze_Create_Raid_Created_File(const char *lpszFile, int)
@@ -99,12 +98,12 @@ int Analyze_Create_Raid_Created_File(const char *lpszFile, int)
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen()) {
 		OutputDebugString("can not open the file %s\n", lpszFile);
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	}
 	while (output.Read()) {
 		if (strstr(output.Line(), "Parsing Error:")) {
 			OutputDebugString("finding parsing error in line:%s\n", output.Line());
-			return OTHER_TOOL_ERROR;
+			return AAC_TOOL_ERROR;
 		}
 		if (strstr(output.Line(), "Command Error"))
 			return CodeOfCreateError(output.Line());
@@ -115,7 +114,7 @@ int Analyze_Create_Raid_Created_File(const char *lpszFile, int)
 static int Create(const ToolScript &script)
 {
 	const ToolRun run(script, COMMAND_TRACES);
-	return run.Answer() ? Analyze_Create_Raid_Created_File(run.Answer(), 0) : RUN_FAILED;
+	return run.Answer() ? Analyze_Create_Raid_Created_File(run.Answer(), 0) : AAC_RUN_FAILED;
 }
 
 // ---- levels ----

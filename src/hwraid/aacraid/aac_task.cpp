@@ -52,7 +52,7 @@ int AnalyzeTaskFile(const char *lpszFile, aac_task **pHead)
 	RecordList<aac_task> list(pHead);
 	ToolOutput output(lpszFile);
 	if (!output.IsOpen())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	int nError;
 	FindEcho(&output, "Executing: task list", &nError);
 	if (nError != 0)
@@ -68,7 +68,7 @@ static int ListTasks(const char *lpszControllerName, aac_task **pHead)
 	script.Add("task list \n                 \n    \nexit         \n\n\n\n");
 	const ToolRun run(script, TRACES);
 	if (!run.Answer())
-		return RUN_FAILED;
+		return AAC_RUN_FAILED;
 	const int nParsed = AnalyzeTaskFile(run.Answer(), pHead);
 	OutputDebugString("AnalyzeTaskFile return %d.\n", nParsed);
 	return CountOrCode(nParsed, pHead);

@@ -4,7 +4,7 @@
 //   ToolScript script(lpszControllerName);
 //   script.Add("disk show partition\n ... exit\n");
 //   const ToolRun run(script, DISK_TRACES);
-//   return run.Answer() ? AnalyzePartitionFile(run.Answer(), pHead) : RUN_FAILED;
+//   return run.Answer() ? AnalyzePartitionFile(run.Answer(), pHead) : AAC_RUN_FAILED;
 #ifndef DISKSCOUT_HWRAID_AAC_TOOL_H
 #define DISKSCOUT_HWRAID_AAC_TOOL_H
 
