@@ -187,10 +187,10 @@ TEST_P(FullDiskTest, NoRoomForTheFilteredAnswer)
 TEST_P(FullDiskTest, NoRoomForTheFilterScript)
 {
 	answer(answer_of(PAGE));
-	filter("exec " FILTER_PROGRAM " \"$1\" \"$2\"\n");
+	filter("exec '" FILTER_PROGRAM "' \"$1\" \"$2\"\n");
 	EXPECT_EQ(list_with_room(3, 2 * PAGE), "1 records ran");
 	filter("[ ! -e " + (site_ / "limited").string() +
-	       " ] || ulimit -f 0\nexec " FILTER_PROGRAM " \"$1\" \"$2\"\n");
+	       " ] || ulimit -f 0\nexec '" FILTER_PROGRAM "' \"$1\" \"$2\"\n");
 	EXPECT_EQ(list_with_room(2, 2 * PAGE), "-1 ran");
 }
 

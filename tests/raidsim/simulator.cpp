@@ -120,11 +120,19 @@ void SimulatorTest::use_state(const state_t &state)
 	write_file(site_ / "state" / "controllers", text_of(state));
 }
 
+// The names become words of a shell command, wherever the tree lies.
+static std::string linked(const fs::path &site, const fs::path &program)
+{
+	const fs::path link = site / program.filename();
+	if (!fs::exists(link))
+		fs::create_symlink(program, link);
+	return link.filename();
+}
+
 void SimulatorTest::paint(const std::string &words, const std::string &filter_program)
 {
-	const fs::path simulator = RAIDSIM_PROGRAM;
-	configure("Cli Path:" + simulator.parent_path().string() +
-	          "\nCli Name:" + simulator.filename().string() + "\nFilter Script:" + filter_program + "\n");
+	configure("Cli Path:" + site_.string() + "\nCli Name:" + linked(site_, RAIDSIM_PROGRAM) +
+	          "\nFilter Script:" + (site_ / linked(site_, filter_program)).string() + "\n");
 	painting_ = words;
 	fault("");
 }

@@ -6,6 +6,13 @@ SOURCES = pathlib.Path(__file__).resolve().parents[2]
 FILTER = SOURCES / "tools" / "filter" / "diskscout-filter"
 
 
+def configuration(directory, programs):
+    """Its names become words of a shell command: links in the directory, wherever the programs lie."""
+    (directory / "raidsim").symlink_to(programs / "raidsim")
+    (directory / FILTER.name).symlink_to(FILTER)
+    return f"Cli Path:{directory}\nCli Name:raidsim\nFilter Script:{directory / FILTER.name}\n"
+
+
 class RaidSite:
     """Without a state the simulated tool makes its own sample at the first run."""
 
@@ -13,11 +20,8 @@ class RaidSite:
         self.tool = tool
         self.directory = directory
         directory.mkdir()
-        # The names become words of a shell command.
         self.config = directory / "raid.cfg"
-        self.config.write_text(
-            f"Cli Path:{tool.program.parent}\nCli Name:raidsim\nFilter Script:{FILTER}\n"
-        )
+        self.config.write_text(configuration(directory, tool.program.parent))
         if state is not None:
             (directory / "state.txt").write_text(state)
 

@@ -5,7 +5,7 @@ import re
 import shlex
 
 import pytest
-from raid_site import FILTER, SOURCES, RaidSite
+from raid_site import SOURCES, RaidSite
 
 
 @pytest.fixture
@@ -81,8 +81,7 @@ def test_configuration_name_that_is_too_long_is_refused(site):
 def test_session_of_the_readme(site):
     readme = (SOURCES / "README.md").read_text(encoding="utf-8")
     (session,) = re.findall(r"^```\n(\$ diskscout-mirror .*?)^```$", readme, re.MULTILINE | re.DOTALL)
-    for name, target in [("diskscout.so", site.tool.plugin), ("diskscout-filter", FILTER)]:
-        (site.directory / name).symlink_to(target)
+    (site.directory / "diskscout.so").symlink_to(site.tool.plugin)
     shown = ""
     for command in re.findall(r"^\$ (.*)$", session, re.MULTILINE):
         program, *arguments = shlex.split(command)

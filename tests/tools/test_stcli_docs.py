@@ -7,7 +7,7 @@ import subprocess
 
 import pexpect
 import pytest
-from raid_site import FILTER, SOURCES
+from raid_site import SOURCES, configuration
 
 DOCS = SOURCES / "docs"
 HERE = pathlib.Path(__file__).resolve().parent
@@ -194,9 +194,7 @@ def test_console_session(tool, tmp_path):
     assert command.startswith("$ stcli ")
     assert len(typed) > 20
 
-    (tmp_path / "raid.cfg").write_text(
-        f"Cli Path:{tool.program.parent}\nCli Name:raidsim\nFilter Script:{FILTER}\n"
-    )
+    (tmp_path / "raid.cfg").write_text(configuration(tmp_path, tool.program.parent))
     state = tmp_path / "state.txt"
     state.write_text((HERE / "failed-disk.state").read_text())
     console = pexpect.spawn(

@@ -41,11 +41,12 @@ def processes_of(session):
 class Site:
     def __init__(self, build_dir, root, state):
         self.program = build_dir / "stcli"
-        self.simulator = build_dir / "raidsim"
         self.work = root / "work"
         self.work.mkdir()
         self.programs = root / "programs"
         self.programs.mkdir()
+        # The names become words of a shell command: links, wherever the tree lies.
+        self.simulator = self.add_link(build_dir / "raidsim")
         self.config = root / "raid.cfg"
         self.state = root / "state.txt"
         self.cleared = root / "cleared"
@@ -53,7 +54,7 @@ class Site:
         self.state.write_text(state)
         self.start = self.facts()
         self.add_program("clear", CLEAR)
-        self.configure(self.simulator, FILTER)
+        self.configure(self.simulator, self.add_link(FILTER))
 
     def add_program(self, name, text):
         path = self.programs / name
@@ -61,8 +62,12 @@ class Site:
         path.chmod(0o755)
         return path
 
+    def add_link(self, program):
+        link = self.programs / program.name
+        link.symlink_to(program)
+        return link
+
     def configure(self, tool, filter_program):
-        # The names become words of a shell command.
         self.config.write_text(f"Cli Path:{tool.parent}\nCli Name:{tool.name}\nFilter Script:{filter_program}\n")
 
     def make_quick(self):
