@@ -1,6 +1,6 @@
 // The text helpers against the same done with strings that grow by themselves. Buffers are as large as the
 // text at its longest and not a byte more.
-#include "parsers.h"
+#include "targets.h"
 
 #include "hwraid/aacraid/aac_public.h"
 

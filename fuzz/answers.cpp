@@ -1,4 +1,7 @@
-#include "parsers.h"
+// The parsers of the controller tool's output.
+#include "outside.h"
+#include "promises.h"
+#include "targets.h"
 
 #include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_controller.h"
@@ -8,9 +11,7 @@
 #include "hwraid/aacraid/aac_task.h"
 
 #include <algorithm>
-#include <fstream>
 #include <initializer_list>
-#include <iterator>
 #include <string.h>
 
 namespace
@@ -18,40 +19,10 @@ namespace
 
 using Codes = std::initializer_list<int>;
 
-std::string wrong_code(int code, Codes documented)
-{
-	if (std::find(documented.begin(), documented.end(), code) != documented.end())
-		return "";
-	return "result " + std::to_string(code);
-}
-
-struct Promise {
-	bool kept;
-	const char *field;
-};
-
-std::string broken(std::initializer_list<Promise> promises)
-{
-	for (const Promise &promise : promises)
-		if (!promise.kept)
-			return promise.field;
-	return "";
-}
-
-template <size_t size> bool ends(const char (&text)[size])
-{
-	return strnlen(text, size) < size;
-}
-
 // A stored code reads back as a word.
 bool is_word(const char *word)
 {
 	return strcmp(word, "overflow") != 0;
-}
-
-bool is_between(int value, int least, int most)
-{
-	return value >= least && value <= most;
 }
 
 std::string wrong_record(const aac_controller &record, int position)
@@ -130,21 +101,25 @@ std::string check_list(Codes documented, int (*parse)(const char *, Record **), 
 	return wrong;
 }
 
+} // namespace
+
 std::string check_controllers(const char *path)
 {
 	return check_list<aac_controller>({0, -100, -200, -300}, AnalyzeControllerFile,
 	                                  Aac_Clear_Controller_List, path);
 }
 
-// A configuration that names no tool: the question for each container's hot spare fails at once.
 void use_no_tool()
 {
 	g_nHaveInit = 1;
 	g_szCliFullName[0] = g_szFilterScript[0] = '\0';
 }
 
-int parse_containers(const char *path, aac_container **head)
+// The question for each container's hot spare fails at once.
+static int parse_containers(const char *path, aac_container **head)
 {
+	static const Host host("containers");
+	const Visit visit(host); // where the files of a run go
 	use_no_tool();
 	return Get_Container_List_From_File("aac0", path, head);
 }
@@ -165,11 +140,11 @@ std::string check_failover(const char *path)
 	return wrong_code(AnalyzeContainerSetFailoverFile(path), {0, -2, -5, -90, -100, -200, -300});
 }
 
-// An address or a code. Numbers with a sign add up to any number at all.
+// An address or a code.
 std::string check_spare(const char *path)
 {
-	AnalyzeContainerShowFailoverFile(path);
-	return "";
+	const int result = AnalyzeContainerShowFailoverFile(path);
+	return result >= 0 ? "" : wrong_code(result, {-2, -5, -10, -100, -200, -300});
 }
 
 std::string check_device(const char *path)
@@ -208,10 +183,8 @@ std::string check_defects(const char *path)
 	                  {0, -2, -6, -50, -100, -200, -300});
 }
 
-int count_words(const char *path, const std::string &word)
+static int count_words(const std::string &content, const std::string &word)
 {
-	std::ifstream in(path, std::ios::binary);
-	const std::string content{std::istreambuf_iterator<char>(in), {}};
 	int count = 0;
 	for (size_t at = content.find(word); at != std::string::npos; at = content.find(word, at + 1))
 		count++;
@@ -224,15 +197,15 @@ std::string check_spaces(const char *path)
 	int areas = 0;
 	for (const int id : {0, 1, 2}) {
 		aac_space *head = nullptr;
-		const std::string wrong = wrong_code(AnalyzeDiskShowSpaceFile(path, 0, id, 0, &head),
-		                                     {0, -2, -100, -200, -300});
+		std::string wrong = wrong_code(AnalyzeDiskShowSpaceFile(path, 0, id, 0, &head),
+		                               {0, -2, -100, -200, -300});
 		for (const aac_space *area = head; area; area = area->next)
 			areas++;
 		Aac_Clear_Disk_Space_List(head);
 		if (!wrong.empty())
 			return wrong;
 	}
-	return areas <= count_words(path, "Free") ? "" : "areas";
+	return areas <= count_words(content_of(path), "Free") ? "" : "areas";
 }
 
 std::string check_partitions(const char *path)
@@ -244,32 +217,4 @@ std::string check_partitions(const char *path)
 std::string check_tasks(const char *path)
 {
 	return check_list<aac_task>({0, -100, -200, -300}, AnalyzeTaskFile, Aac_Clear_Task_List, path);
-}
-
-} // namespace
-
-const std::vector<Parser> PARSERS = {
-	{"controllers", check_controllers},
-	{"containers", check_containers},
-	{"deletion", check_deletion},
-	{"failover", check_failover},
-	{"spare", check_spare},
-	{"device", check_device},
-	{"creation", check_creation},
-	{"disks", check_disks},
-	{"initialisation", check_initialisation},
-	{"defects", check_defects},
-	{"spaces", check_spaces},
-	{"partitions", check_partitions},
-	{"tasks", check_tasks},
-	{"text", check_text},
-	{"mdstat", check_mdstat},
-};
-
-const Parser *find_parser(const std::string &name)
-{
-	for (const Parser &parser : PARSERS)
-		if (name == parser.name)
-			return &parser;
-	return nullptr;
 }
