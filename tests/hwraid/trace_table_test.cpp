@@ -100,6 +100,9 @@ protected:
 		std::filesystem::create_directories(directory_);
 		SiteTest::TearDown();
 	}
+
+private:
+	own_outside_t own_;
 };
 
 // ---- the operations, and the words that they have of their own ----

@@ -88,7 +88,7 @@ static int HotSpareOf(const char *lpszLine)
 	FieldScan scan(lpszAddress);
 	scan.Int(&nChannel).Literal(':').Int(&nID).Literal(':').Int(&nLun);
 	const int nC_ID_L = GetC_ID_L(nChannel, nID, nLun);
-	// A sum below 0 is no address and would pass for a code.
+	// compat: a sum below 0 is an error of the tool, as it would pass for a code.
 	return scan.IsGood() && nC_ID_L >= 0 ? nC_ID_L : AAC_TOOL_ERROR;
 }
 

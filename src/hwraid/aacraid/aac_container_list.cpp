@@ -36,6 +36,7 @@ aac_container *pContainerHeader;
 static constexpr int FIRST_SUB_CONTAINER = 24;
 static constexpr int MAX_CONTAINERS = 64;
 
+// compat: a paragraph that does not fit is skipped: its container is missing from the list.
 typedef char Paragraph[2048];
 
 // ---- one line ----

@@ -20,6 +20,7 @@ int OutputDebugString(const char *format, ...)
 		g_nIfNeedDebug = IsDebugWanted();
 	if (g_nIfNeedDebug == 0)
 		return 0;
+	// compat: the clock is not read; lines carry no time, and whoever needs one has to add it.
 	va_list arguments;
 	va_start(arguments, format);
 	const int nPrinted = vfprintf(stderr, format, arguments);
