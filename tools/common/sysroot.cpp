@@ -39,7 +39,8 @@ static std::string loadable_name(const fs::path &library)
 		return library.string();
 	const int opened = open(library.c_str(), O_RDONLY | O_CLOEXEC);
 	if (opened < 0)
-		throw usage_error_t(fmt::format("{} cannot be opened: {}", library.string(), strerror(errno)));
+		throw usage_error_t(
+			fmt::format("{} cannot be opened: {}", library.string(), strerror(errno)));
 	int held = fcntl(opened, F_DUPFD, LEAST);
 	if (held < 0)
 		held = fcntl(opened, F_DUPFD, STDERR_FILENO + 1);

@@ -78,8 +78,8 @@ struct Request {
 	const char *lpszName; // of the controller; null where the query names none
 };
 
-// compat: an empty name, or one with a control character, is refused: in the tool's script a line end would begin
-// a command of its own.
+// compat: an empty name, or one with a control character, is refused: in the tool's script a line end would
+// begin a command of its own.
 static bool IsControllerName(const char *lpszName)
 {
 	if (!lpszName || lpszName[0] == '\0')
