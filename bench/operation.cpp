@@ -6,8 +6,10 @@
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <uuid/uuid.h>
 
 static int shells;
+static bool scripts_have_names = true;
 
 // In place of the C library's: counts, then does the same.
 extern "C" int system(const char *command)
@@ -16,6 +18,17 @@ extern "C" int system(const char *command)
 	static const auto real = reinterpret_cast<System>(dlsym(RTLD_NEXT, "system"));
 	shells++;
 	return real(command);
+}
+
+// In place of the library's: a script without a name cannot be made, and a run that would ask for a hot spare
+// costs nothing.
+extern "C" void uuid_unparse(const uuid_t id, char *text)
+{
+	using Unparse = void (*)(const uuid_t, char *);
+	static const auto real = reinterpret_cast<Unparse>(dlsym(RTLD_NEXT, "uuid_unparse"));
+	text[0] = '\0';
+	if (scripts_have_names)
+		real(id, text);
 }
 
 int shells_of(void (*run)())
@@ -27,12 +40,12 @@ int shells_of(void (*run)())
 
 void use_no_tool()
 {
-	g_nHaveInit = 1;
-	g_szCliFullName[0] = g_szFilterScript[0] = '\0';
+	scripts_have_names = false;
 }
 
 void use_plain_tool()
 {
+	scripts_have_names = true;
 	g_nHaveInit = 1;
 	snprintf(g_szCliFullName, sizeof g_szCliFullName, "/bin/cat");
 	snprintf(g_szFilterScript, sizeof g_szFilterScript, "/bin/cp");

@@ -2,7 +2,7 @@
 #ifndef DISKSCOUT_BENCH_OPERATION_H
 #define DISKSCOUT_BENCH_OPERATION_H
 
-// Without a tool: every run fails before it begins.
+// Without names for its files: every run fails before it begins.
 void use_no_tool();
 // `cat` as the tool and `cp` as the filter.
 void use_plain_tool();

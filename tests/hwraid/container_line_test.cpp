@@ -1,6 +1,7 @@
 // The steps of the container list's parser, each on its own: the fields of a line, the lines of a paragraph.
 #include "described.h"
 #include "site.h"
+#include "spoken_names.h"
 
 #include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_public.h"
@@ -457,6 +458,7 @@ protected:
 	void TearDown() override
 	{
 		release();
+		use_names(names_t::FRESH);
 		SiteTest::TearDown();
 	}
 	void release()
@@ -464,8 +466,8 @@ protected:
 		Aac_Clear_Container_List(pContainerHeader);
 		pContainerHeader = list_ = nullptr;
 	}
-	// Then queries for hot spares fail at once.
-	void without_tool() { std::filesystem::remove(site_ / "config"); }
+	// Queries for hot spares fail at once: there is no name for their script.
+	static void without_tool() { use_names(names_t::EMPTY); }
 
 	int line(const std::string &text, int number)
 	{

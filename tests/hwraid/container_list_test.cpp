@@ -6,6 +6,7 @@
 #include "../cases.h"
 #include "described.h"
 #include "site.h"
+#include "spoken_names.h"
 
 #include "hwraid/aacraid/aac_container.h"
 #include "hwraid/aacraid/aac_public.h"
@@ -41,6 +42,7 @@ protected:
 	void TearDown() override
 	{
 		release();
+		use_names(names_t::FRESH);
 		SiteTest::TearDown();
 	}
 
@@ -49,8 +51,8 @@ protected:
 		EXPECT_EQ(Aac_Clear_Container_List(list_), 0);
 		list_ = nullptr;
 	}
-	// Then queries for hot spares fail at once, and cost nothing.
-	void without_tool() { fs::remove(site_ / "config"); }
+	// Queries for hot spares fail at once, and cost nothing: there is no name for their script.
+	static void without_tool() { use_names(names_t::EMPTY); }
 	// Even numbers have a hot spare, odd ones none; all scripts are kept.
 	void know_hot_spares();
 	std::string scripts() const { return read_file(site_ / "scripts"); }
