@@ -29,8 +29,7 @@ bool PieceWalk::Next()
 		return true;
 	}
 	// Not the end of the piece before: this one sees a separator that begins within its first characters.
-	// compat: that one does not, so that a piece shorter than its separator swallows the next one as
-	// well.
+	// compat: that one does not, so that a piece shorter than its separator holds the next one, too.
 	const char *lpszSeparator = FindSeparator(m_lpszStart);
 	if (*lpszSeparator == '\0')
 		return false;

@@ -19,6 +19,7 @@ FieldScan &FieldScan::Int(int *pnValue, int nWidth)
 		return *this;
 	SkipSpace();
 	std::string_view field(m_p, strnlen(m_p, static_cast<size_t>(nWidth)));
+	// compat: a number beyond its type is the nearest in it: what is too large looks like the largest.
 	m_bFailed = !take_decimal(&field, pnValue);
 	if (!m_bFailed)
 		m_p = field.data();
