@@ -22,7 +22,10 @@ namespace replay
 
 bool fault_at(const reading_t &in, int line, const char *what)
 {
-	dprintf(STDERR_FILENO, "%s:%d: %s\n", in.file, line, what);
+	if (line > 0)
+		dprintf(STDERR_FILENO, "%s:%d: %s\n", in.file, line, what);
+	else
+		dprintf(STDERR_FILENO, "%s: %s\n", in.file, what);
 	return false;
 }
 

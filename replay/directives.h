@@ -19,7 +19,8 @@ struct reading_t {
 	sector_t *open_raw;
 };
 
-// Tells a fault as "file:line: what" on standard error; always false.
+// Tells a fault as "file:line: what" on standard error, or as "file: what" for line 0, which stands for the
+// whole file; always false.
 bool fault_at(const reading_t &in, int line, const char *what);
 bool fault(const reading_t &in, const char *what);
 
