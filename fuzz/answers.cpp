@@ -191,14 +191,17 @@ static int count_words(const std::string &content, const std::string &word)
 	return count;
 }
 
-// Any two numbers are an area, but each has a row to itself that calls it free, and lies on one disk.
+// Any two numbers are an area, but each has a row to itself that calls it free, and lies on one disk: these
+// differ in one part of their address each.
 std::string check_spaces(const char *path)
 {
+	static constexpr int DISKS[][3] = {{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 1, 1}, {1, 1, 1}};
 	int areas = 0;
-	for (const int id : {0, 1, 2}) {
+	for (const auto &disk : DISKS) {
 		aac_space *head = nullptr;
-		std::string wrong = wrong_code(AnalyzeDiskShowSpaceFile(path, 0, id, 0, &head),
-		                               {0, -2, -100, -200, -300});
+		std::string wrong =
+			wrong_code(AnalyzeDiskShowSpaceFile(path, disk[0], disk[1], disk[2], &head),
+		                   {0, -2, -100, -200, -300});
 		for (const aac_space *area = head; area; area = area->next)
 			areas++;
 		Aac_Clear_Disk_Space_List(head);

@@ -39,3 +39,10 @@ def test_every_kept_oddity_is_listed(page, source_dir):
     assert marked
     assert marked == listed
 
+
+
+def test_what_is_kept_is_marked_in_one_way(source_dir):
+    """With its consequence: that somebody meant it is no reason."""
+    sources = [file for file in (source_dir / "src").rglob("*") if file.suffix in (".h", ".cpp")]
+    assert sources
+    assert [str(file) for file in sources if "deliberate" in file.read_text(encoding="utf-8").lower()] == []
