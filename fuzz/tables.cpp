@@ -96,7 +96,7 @@ std::string wrong_members(const mdstat_subdevlist_t &members)
 
 std::string wrong_array(const mdstat_dev_t &dev)
 {
-	if (dev.tag != 1)
+	if (dev.tag != 1 || dev.subdevlist.parent)
 		return "head";
 	if (dev.mdlevel != 0 && !strchr("l015", dev.mdlevel))
 		return "mdlevel";

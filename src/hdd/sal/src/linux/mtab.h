@@ -26,7 +26,7 @@ typedef mtab_mntlist_t mtab_t;
 // Where the table is read from.
 // compat: through the shell command "cat /etc/mtab" for the volumes, the CD-ROM drives and the list of
 // mounts; "cat" is found by PATH, and its complaints appear on standard error. Straight from the file for the
-// disks, whose query is some thirty times cheaper so.
+// disks: the shell would cost several times as much as all else of their query.
 enum mtab_source_t { MTAB_PIPE, MTAB_FILE };
 
 // The entries of the table, in its order: while (table.next(&mnt)).
