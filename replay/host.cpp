@@ -27,8 +27,9 @@ host_table_t *shown_host()
 	return shown;
 }
 
-// Whether a relative link in this directory of the host leads to the folder "shared" beside the host, or below it: what
-// several captured hosts have in common lies there, and nothing else outside of the host is reached.
+// Whether a relative link in this directory of the host leads to the folder "shared" beside the host, or
+// below it: what several captured hosts have in common lies there, and nothing else outside of the host is
+// reached.
 static bool leads_to_shared(const char *parent, const char *target)
 {
 	constexpr char FOLDER[] = "shared";

@@ -1,6 +1,6 @@
 /*
- * Takes the medium out of a removable SCSI disk: the commands for it have no program of their own here. Exit status 0
- * when the disk has obeyed.
+ * Takes the medium out of a removable SCSI disk: the commands for it have no program of their own here. Exit
+ * status 0 when the disk has obeyed.
  */
 #include <fcntl.h>
 #include <scsi/sg.h>
@@ -24,7 +24,8 @@ static int obeys(int fd, unsigned char *command)
 
 int main(int argc, char **argv)
 {
-	unsigned char allow_removal[6] = {0x1e}; /* the kernel forbids it while the disk is open, as it is here */
+	/* The kernel forbids removal while the disk is open, as it is here. */
+	unsigned char allow_removal[6] = {0x1e};
 	unsigned char eject[6] = {0x1b, 0, 0, 0, 0x02, 0};
 	int fd = argc == 2 ? open(argv[1], O_RDONLY | O_NONBLOCK) : -1;
 
