@@ -112,6 +112,7 @@ static void assemble_part(exe_part_t *part, const char *disk, const part_t &entr
 	str_append(part->devpath, std::string_view(digits, static_cast<size_t>(end - digits)));
 }
 
+// cppcheck-suppress uninitMemberVar ; reading clears the entries
 ExeParts::ExeParts(const char *disk, part_join_t *join)
     : disk_(disk), join_(join), result_(read_disk_partlist(disk, &entries_))
 {
