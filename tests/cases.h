@@ -33,16 +33,15 @@ inline std::string unescaped_line(const std::string &line)
 {
 	std::string bytes;
 	for (size_t at = 0; at < line.size(); at++) {
-		if (line[at] != '\\') {
-			bytes += line[at];
-		} else if (at + 1 == line.size()) {
+		const bool escapes = line[at] == '\\';
+		if (escapes && ++at == line.size())
 			return bytes;
-		} else if (line[++at] == 'x') {
-			bytes += static_cast<char>(strtoul(line.substr(at + 1, 2).c_str(), nullptr, 16));
-			at += 2;
-		} else {
+		if (!escapes || line[at] != 'x') {
 			bytes += line[at];
+			continue;
 		}
+		bytes += static_cast<char>(strtoul(line.substr(at + 1, 2).c_str(), nullptr, 16));
+		at += 2;
 	}
 	return bytes + "\n";
 }

@@ -67,8 +67,8 @@ def test_many_rounds(cli):
     assert counters(done.body(OK)) == [0, *[RECORDS] * 5, 0]
 
 
-# A disk that cannot be read fails the partition query, a disk list that overflows as well.
-@pytest.mark.parametrize("host", ("short-disk", "scsi-seventeen"))
+# A disk that cannot be read fails the partition query, a disk list that overflows and a missing mount table as well.
+@pytest.mark.parametrize("host", ("short-disk", "scsi-seventeen", "no-mounts"))
 @pytest.mark.parametrize("rounds", ("1", "2", "1000000"))
 def test_failing_query_ends_it_at_once(cli, host, rounds):
     # The lists of that round stay with the process that ends.
