@@ -116,7 +116,7 @@ class Commands(Asked, unittest.TestCase):
         self.assertEqual(len(self.dump("part.hda", 32)[0]), 6)
         self.assertEqual(self.dump("part.hda", 32)[0][3],
                          "index=4 type=83 active=128 (start,size)=(32831,20480)\n")
-        self.assert_fails("part.none")
+        self.assert_list("part.none", 32, [], fails=True)
 
     # ---- tables ----
 

@@ -35,4 +35,6 @@ class Media(Asked, unittest.TestCase):
             self.assert_says("hdgeo." + node, "CHS(0, 0, 0, 0)\n", fails=True)
 
     def test_nothing_is_asked(self):
-        self.assert_fails(*(f"{command}.{node}" for node in EMPTY for command in ("idlun", "scsisn", "mbr", "part")))
+        self.assert_fails(*(f"{command}.{node}" for node in EMPTY for command in ("idlun", "scsisn", "mbr")))
+        for node in EMPTY:
+            self.assert_list("part." + node, 32, [], fails=True)
