@@ -39,8 +39,10 @@ static void write_program(const fs::path &path, const std::string &body)
 void SiteTest::SetUp()
 {
 	before_ = fs::current_path();
-	const fs::path top = fs::temp_directory_path() / ("diskscout-site-" + std::to_string(getpid()));
-	fs::remove_all(top);
+	// A name that nobody has left behind, and that another user can go through.
+	std::string top_name = fs::temp_directory_path() / "diskscout-site-XXXXXX";
+	const fs::path top = mkdtemp(top_name.data());
+	fs::permissions(top, fs::perms(0755));
 	site_ = top / "site";
 	directory_ = top / "work";
 	fs::create_directories(site_);

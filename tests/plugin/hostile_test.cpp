@@ -120,8 +120,8 @@ class Hostile : public testing::TestWithParam<unsigned>
 protected:
 	void SetUp() override
 	{
-		directory_ = fs::temp_directory_path() / ("diskscout-hostile-" + std::to_string(getpid()));
-		fs::remove_all(directory_);
+		std::string name = fs::temp_directory_path() / "diskscout-hostile-XXXXXX";
+		directory_ = mkdtemp(name.data());
 		Random random(GetParam());
 		build(random);
 		replay_set_child_library(REPLAY_LIBRARY);

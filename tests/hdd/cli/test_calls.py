@@ -97,7 +97,7 @@ def test_console_word_later(cli):
 
 
 def test_console_through_the_launcher(cli):
-    done = cli.run("hwraid", input=b"0\n")
+    done = cli.run("hwraid", host="nothing", input=b"0\n")
     assert (done.status, done.stderr) == (0, NO_TOOL + CONSOLE)
 
 

@@ -92,7 +92,8 @@ class Site:
         kept = {name: value for name, value in os.environ.items() if not name.startswith(("RAIDSIM_", "REPLAY_"))}
         return {
             **kept,
-            "PATH": f"{self.programs}:{os.environ['PATH']}",
+            # Not the caller's: a folder in it that may not be looked into changes what the shell says.
+            "PATH": f"{self.programs}:/usr/local/bin:/usr/bin:/bin",
             "RAIDSIM_STATE": str(self.state),
             "RAIDSIM_FAULT": fault,
             "CONSOLE_CLEARED": str(self.cleared),
