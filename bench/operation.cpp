@@ -22,13 +22,13 @@ extern "C" int system(const char *command)
 
 // In place of the library's: a script without a name cannot be made, and a run that would ask for a hot spare
 // costs nothing.
-extern "C" void uuid_unparse(const uuid_t id, char *text)
+extern "C" void uuid_unparse(const uuid_t uu, char *out)
 {
 	using Unparse = void (*)(const uuid_t, char *);
 	static const auto real = reinterpret_cast<Unparse>(dlsym(RTLD_NEXT, "uuid_unparse"));
-	text[0] = '\0';
+	out[0] = '\0';
 	if (scripts_have_names)
-		real(id, text);
+		real(uu, out);
 }
 
 int shells_of(void (*run)())
