@@ -1,0 +1,269 @@
+#include "inventory.h"
+
+#include <errno.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+void clear_device(block_device *record)
+{
+	*record = block_device{};
+	record->record_size = sizeof *record;
+	for (int *number :
+	     {&record->major, &record->minor, &record->partition_number, &record->logical_sector,
+	      &record->physical_sector, &record->rotational, &record->removable, &record->hidden,
+	      &record->read_only, &record->scsi_host, &record->scsi_channel, &record->scsi_target,
+	      &record->numa_node, &record->under_root, &record->under_boot, &record->under_swap})
+		*number = BLOCK_ABSENT;
+	record->size = BLOCK_ABSENT;
+	record->scsi_lun = BLOCK_ABSENT;
+}
+
+bool is_kind(const device_t &device, text_t kind)
+{
+	return kind == device.record.kind;
+}
+
+static bool is_digit(char c)
+{
+	return c >= '0' && c <= '9';
+}
+
+// The driver's own word for its devices: the name up to its number.
+static text_t driver_word(text_t name)
+{
+	size_t end = 0;
+	while (end < name.size() && !is_digit(name[end]) && name[end] != '!')
+		end++;
+	return name.substr(0, end);
+}
+
+// Kinds of whole devices by how the kernel names them; "md" has names of the administrator's, too: md_home.
+static const struct {
+	text_t word;
+	const char *kind;
+} KINDS[] = {
+	{"sr", "rom"},    {"dm-", "dm"},      {"md", "md"},     {"md_d", "md"},  {"loop", "loop"},
+	{"zram", "zram"}, {"ram", "ram"},     {"fd", "floppy"}, {"sd", "disk"},  {"vd", "disk"},
+	{"nvme", "disk"}, {"mmcblk", "disk"}, {"hd", "disk"},   {"xvd", "disk"},
+};
+
+static const char *kind_of(Arena *arena, text_t sysname, text_t path)
+{
+	const text_t word = driver_word(sysname);
+	if (begins_with(word, "md_"))
+		return "md";
+	for (const auto &row : KINDS) {
+		// Letters are numbers to some: sda, vdb.
+		if (begins_with(word, row.word) && (word == row.word || strcmp(row.kind, "disk") == 0))
+			return row.kind;
+	}
+	const bool hardware = !begins_with(path, "devices/virtual/");
+	return hardware || word.empty() ? "disk" : shown_text(arena, word);
+}
+
+// The lines of `uevent`.
+static void read_uevent(Arena *arena, text_t text, device_t *device)
+{
+	block_device *record = &device->record;
+	int64_t numbers[3] = {BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
+	static constexpr text_t KEYS[] = {"MAJOR", "MINOR", "PARTN"};
+	text_t node;
+	text_t type;
+
+	while (!text.empty()) {
+		text_t line = take_until(&text, '\n');
+		const text_t key = take_until(&line, '=');
+		int64_t value;
+		for (size_t i = 0; i < 3; i++)
+			if (key == KEYS[i] && read_number(line, &value) && value <= INT32_MAX)
+				numbers[i] = value;
+		if (key == "DEVNAME")
+			node = line;
+		else if (key == "DEVTYPE")
+			type = line;
+	}
+	const bool numbered = numbers[0] > 0 && numbers[1] >= 0;
+	record->hidden = !numbered;
+	record->major = numbered ? static_cast<int>(numbers[0]) : BLOCK_ABSENT;
+	record->minor = numbered ? static_cast<int>(numbers[1]) : BLOCK_ABSENT;
+	if (type == "partition") {
+		record->kind = "partition";
+		record->partition_number = static_cast<int>(numbers[2]);
+	} else {
+		// Only a path of another device has no number.
+		record->kind = numbered ? kind_of(arena, device->sysname, device->path) : "path";
+	}
+	if (numbered && !node.empty()) {
+		const char *shown = shown_text(arena, node);
+		const size_t length = shown ? strlen(shown) : 0;
+		auto *path = static_cast<char *>(arena->take(length + sizeof "/dev/"));
+		if (path && shown) {
+			memcpy(path, "/dev/", 5);
+			memcpy(path + 5, shown, length);
+			record->node = path;
+		}
+	}
+}
+
+static const char *name_of(Arena *arena, text_t sysname)
+{
+	char *name = arena->copy(sysname);
+	for (size_t i = 0; name && i < sysname.size(); i++)
+		if (name[i] == '!')
+			name[i] = '/';
+	return name ? shown_text(arena, name) : nullptr;
+}
+
+// What the link of the class leads to: "../../devices/...".
+static text_t path_of(Arena *arena, const Folder &class_folder, const char *sysname)
+{
+	const char *target = read_link(arena, class_folder, sysname);
+	text_t path = target ? target : sysname;
+	while (begins_with(path, "../"))
+		path.remove_prefix(3);
+	return path;
+}
+
+// Null for a device that has gone away, or about which its kernel says nothing.
+device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context)
+{
+	constexpr int64_t SECTOR = 512; // of the attribute, whatever the device's own are
+	const Folder folder(class_, sysname);
+	attribute_t uevent;
+	if (!folder.is_open() || !read_attribute(folder, "uevent", &uevent))
+		return nullptr;
+	device_t *device = arena_->make<device_t>();
+	if (!device)
+		return nullptr;
+	clear_device(&device->record);
+	device->sysname = arena_->copy(sysname);
+	if (!device->sysname)
+		return nullptr;
+	device->path = path_of(arena_, class_, device->sysname);
+	device->record.name = name_of(arena_, sysname);
+	read_uevent(arena_, uevent.text(), device);
+	const int64_t sectors = read_count(folder, "size", INT64_MAX / SECTOR);
+	if (sectors >= 0)
+		device->record.size = sectors * SECTOR;
+	if (fill)
+		fill(context, folder, device);
+	return folder.missed() && !folder.has("uevent") ? nullptr : device;
+}
+
+static int by_name(const void *one, const void *other)
+{
+	const auto *left = *static_cast<device_t *const *>(one);
+	const auto *right = *static_cast<device_t *const *>(other);
+	return compare_names(left->sysname, right->sysname);
+}
+
+static int compare_numbers(const block_device &one, int major_number, int minor_number)
+{
+	if (one.major != major_number)
+		return one.major < major_number ? -1 : 1;
+	return one.minor == minor_number ? 0 : one.minor < minor_number ? -1 : 1;
+}
+
+static int by_device_number(const void *one, const void *other)
+{
+	const auto *left = *static_cast<device_t *const *>(one);
+	const auto *right = *static_cast<device_t *const *>(other);
+	return compare_numbers(left->record, right->record.major, right->record.minor);
+}
+
+bool Inventory::put_in_order()
+{
+	const size_t count = devices_.size();
+	if (count == 0)
+		return true;
+	by_number_ = arena_->make_array<device_t *>(count);
+	if (!by_number_)
+		return false;
+	qsort(devices_.begin(), count, sizeof(device_t *), by_name);
+	memcpy(by_number_, devices_.begin(), count * sizeof(device_t *));
+	qsort(by_number_, count, sizeof(device_t *), by_device_number);
+	return true;
+}
+
+// A partition's folder lies in that of its whole.
+void Inventory::find_wholes()
+{
+	for (device_t *device : *this) {
+		const size_t end = device->path.rfind('/');
+		if (!is_kind(*device, "partition") || end == text_t::npos)
+			continue;
+		const text_t above = device->path.substr(0, end);
+		device_t *whole = by_sysname(above.substr(above.rfind('/') + 1));
+		if (whole && whole->path == above) {
+			device->whole = whole;
+			device->record.disk = whole->record.name;
+		}
+	}
+}
+
+bool Inventory::scan(fill_t fill, void *context)
+{
+	Entries entries(class_, ".");
+	if (!entries.is_open())
+		return false;
+	while (const char *sysname = entries.next()) {
+		device_t *device = read_device(sysname, fill, context);
+		device_t **slot = device ? devices_.add() : nullptr;
+		if (slot)
+			*slot = device;
+	}
+	if (arena_->is_exhausted() || !put_in_order()) {
+		errno = ENOMEM;
+		return false;
+	}
+	if (entries.failed())
+		return false;
+	find_wholes();
+	return true;
+}
+
+device_t *Inventory::by_number(int major_number, int minor_number) const
+{
+	size_t low = 0;
+	size_t high = devices_.size();
+	while (low < high) {
+		const size_t middle = low + (high - low) / 2;
+		const int order = compare_numbers(by_number_[middle]->record, major_number, minor_number);
+		if (order == 0)
+			return major_number < 0 ? nullptr : by_number_[middle];
+		(order < 0 ? low : high) = order < 0 ? middle + 1 : middle;
+	}
+	return nullptr;
+}
+
+device_t *Inventory::by_sysname(text_t sysname) const
+{
+	size_t low = 0;
+	size_t high = devices_.size();
+	while (low < high) {
+		const size_t middle = low + (high - low) / 2;
+		const int order = compare_names(devices_[middle]->sysname, sysname);
+		if (order == 0)
+			return devices_[middle];
+		(order < 0 ? low : high) = order < 0 ? middle + 1 : middle;
+	}
+	return nullptr;
+}
+
+device_t *Inventory::by_node(text_t path) const
+{
+	constexpr text_t DEV = "/dev/";
+	if (!begins_with(path, DEV))
+		return nullptr;
+	for (device_t *device : devices_)
+		if (device->record.node && path == device->record.node)
+			return device;
+	// A link, or a node of another name: asked by name, never opened.
+	const char *name = arena_->copy(path);
+	struct stat status;
+	if (!name || stat(name, &status) != 0 || !S_ISBLK(status.st_mode))
+		return nullptr;
+	return by_number(static_cast<int>(major(status.st_rdev)), static_cast<int>(minor(status.st_rdev)));
+}
