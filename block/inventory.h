@@ -7,12 +7,19 @@
 #include "sysfs.h"
 #include "text.h"
 
+// A device that another one is made of.
+struct slave_t {
+	slave_t *next;
+	const char *sysname;
+};
+
 // One device. What the query at hand has not asked for is absent in its record.
 struct device_t {
 	block_device record;
 	const char *sysname; // its folder's name in /sys/class/block: a slash of the name is "!" there
 	text_t path;         // where it is in sysfs, below /sys: "devices/pci0000:00/.../block/sda"
 	device_t *whole;     // of a partition: the device that it is part of, or null
+	slave_t *slaves;     // when the query has asked for them: see links.h
 };
 
 class Inventory
@@ -30,10 +37,11 @@ public:
 	// The folder of all devices, for who reads of one more later.
 	const Folder &class_folder() const { return class_; }
 
+	Arena *arena() const { return arena_; }
 	size_t size() const { return devices_.size(); }
 	// In the order of their names.
-	device_t **begin() { return devices_.begin(); }
-	device_t **end() { return devices_.end(); }
+	device_t *const *begin() const { return devices_.begin(); }
+	device_t *const *end() const { return devices_.end(); }
 
 	// Null when there is none.
 	device_t *by_number(int major_number, int minor_number) const;
