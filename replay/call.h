@@ -16,6 +16,7 @@ long __pread_chk(int fd, void *buffer, unsigned long count, long offset, unsigne
 long __pread64_chk(int fd, void *buffer, unsigned long count, long offset, unsigned long room);
 long __readlink_chk(const char *path, char *buffer, unsigned long count, unsigned long room);
 long __readlinkat_chk(int at, const char *path, char *buffer, unsigned long count, unsigned long room);
+char *__realpath_chk(const char *path, char *to, unsigned long room);
 }
 
 #endif

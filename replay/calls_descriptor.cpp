@@ -64,7 +64,6 @@ REPLAY_CALL off64_t lseek64(int fd, off64_t offset, int whence) __THROW
 
 REPLAY_CALL int ioctl(int fd, unsigned long request, ...) __THROW
 {
-	char path[PATH_MAX];
 	va_list arguments;
 
 	va_start(arguments, request);
@@ -72,7 +71,7 @@ REPLAY_CALL int ioctl(int fd, unsigned long request, ...) __THROW
 	va_end(arguments);
 	if (must_fail(CALL_IOCTL))
 		return -1;
-	const device_t *dev = is_copy(fd, path) ? find_device(shown_host(), path) : nullptr;
+	const device_t *dev = open_device_of(fd);
 	if (dev)
 		return answer_ioctl(*dev, request, argument);
 	return REPLAY_REAL(ioctl)(fd, request, argument);

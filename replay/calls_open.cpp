@@ -24,9 +24,9 @@ static int replayed_open(int at, const char *path, int flags, mode_t mode)
 	place_t to;
 	if (must_fail(CALL_OPEN))
 		return -1;
-	find_place(path, (flags & O_NOFOLLOW) != 0 ? KEEP_LINK : FOLLOW_LINK, &to);
+	find_place(at, path, (flags & O_NOFOLLOW) != 0 ? KEEP_LINK : FOLLOW_LINK, &to);
 	if (to.kind == RUNNING)
-		return REPLAY_REAL(openat)(at, path, flags, mode);
+		return REPLAY_REAL(openat)(at, library_path(to, path), flags, mode);
 	return open_place(to, flags, mode);
 }
 
@@ -185,7 +185,7 @@ static FILE *replayed_fopen(const char *path, const char *mode)
 	place_t to;
 	if (must_fail(CALL_FOPEN))
 		return nullptr;
-	find_place(path, FOLLOW_LINK, &to);
+	find_place(AT_FDCWD, path, FOLLOW_LINK, &to);
 	if (to.kind == RUNNING)
 		return REPLAY_REAL(fopen)(path, mode);
 	return open_stream(to, mode);

@@ -139,7 +139,8 @@ static bool set_library(const char *path)
 	// A preload's own name may be one that its parent holds.
 	if (strncmp(path, DESCRIPTOR_FOLDER, sizeof DESCRIPTOR_FOLDER - 1) == 0)
 		return join(library, path, "");
-	return realpath(path, library) != nullptr && (strpbrk(library, " :") == nullptr || hold_library());
+	return REPLAY_REAL(realpath)(path, library) != nullptr &&
+	       (strpbrk(library, " :") == nullptr || hold_library());
 }
 
 } // namespace replay

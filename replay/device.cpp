@@ -60,7 +60,7 @@ static bool copy_file(const char *path, int to)
 	const int from = REPLAY_REAL(open)(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 	if (from < 0)
 		return false;
-	bool good = fstat(from, &st) == 0 && ftruncate(to, st.st_size) == 0;
+	bool good = REPLAY_REAL(fstat)(from, &st) == 0 && ftruncate(to, st.st_size) == 0;
 	off_t at = good ? REPLAY_REAL(lseek)(from, 0, SEEK_DATA) : -1;
 	while (good && at >= 0) {
 		const off_t hole = REPLAY_REAL(lseek)(from, at, SEEK_HOLE);
@@ -89,7 +89,7 @@ static bool fill_device(const device_t &dev, int fd)
 // A fresh description of the memfd, with the access mode that was asked for.
 static int reopen(int fd, int flags)
 {
-	constexpr int KEPT = O_ACCMODE | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_DIRECTORY;
+	constexpr int KEPT = O_ACCMODE | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_DIRECTORY | O_PATH;
 	char path[64];
 	snprintf(path, sizeof path, "/proc/self/fd/%d", fd);
 	const int again = REPLAY_REAL(open)(path, flags & KEPT);
@@ -99,20 +99,41 @@ static int reopen(int fd, int flags)
 	return again;
 }
 
-static int open_device(device_t *dev, int flags)
+// Takes one of the opens that are left; two threads may do so at once.
+static bool take_open(device_t *dev)
+{
+	uint64_t left = __atomic_load_n(&dev->opens_left, __ATOMIC_RELAXED);
+	while (left > 0 && !__atomic_compare_exchange_n(&dev->opens_left, &left, left - 1, false,
+	                                                __ATOMIC_RELAXED, __ATOMIC_RELAXED))
+		;
+	return left > 0;
+}
+
+// The errno that opening the device ends with, or 0. A bare path does not reach the driver.
+static int open_error(device_t *dev, int flags)
 {
 	const answer_t &opened = dev->answers[OPEN_ANSWER];
-	if (opened.error != 0 || (dev->has_opens && dev->opens_left == 0)) {
-		errno = opened.error != 0 ? opened.error : ENXIO;
+	if ((flags & O_DIRECTORY) != 0)
+		return ENOTDIR;
+	if ((flags & O_PATH) != 0)
+		return 0;
+	if (opened.error != 0)
+		return opened.error;
+	return dev->has_opens && !take_open(dev) ? ENXIO : 0;
+}
+
+static int open_device(device_t *dev, int flags)
+{
+	const int error = open_error(dev, flags);
+	if (error != 0) {
+		errno = error;
 		return -1;
 	}
 	const int fd = new_copy(dev->path);
 	if (fd < 0)
 		return -1;
-	if (!fill_device(*dev, fd))
+	if ((flags & O_PATH) == 0 && !fill_device(*dev, fd))
 		return close_failed(fd, EIO);
-	if (dev->has_opens)
-		--dev->opens_left;
 	return reopen(fd, flags);
 }
 
@@ -148,7 +169,12 @@ static int open_file_copy(const place_t &at, int flags)
 
 int open_place(const place_t &at, int flags, mode_t mode)
 {
-	const bool writes = (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0;
+	const bool writes = (flags & O_PATH) == 0 &&
+	                    ((flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0);
+	if (at.kind == NOWHERE) {
+		errno = at.error;
+		return -1;
+	}
 	if (at.kind == DEVICE_IN_HOST)
 		return open_device(at.dev, flags);
 	if (writes)
@@ -160,22 +186,24 @@ bool is_copy(int fd, char (&path)[PATH_MAX])
 {
 	constexpr size_t HEAD = sizeof LINK_HEAD - 1;
 	constexpr size_t TAIL = sizeof LINK_TAIL - 1;
-	char link[64];
 	char target[PATH_MAX];
-	const int saved = errno;
 
-	if (fd < 0 || shown_host() == nullptr)
+	if (shown_host() == nullptr || !descriptor_target(fd, target))
 		return false;
-	snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
-	const ssize_t got = REPLAY_REAL(readlink)(link, target, sizeof target);
-	errno = saved;
-	if (got < static_cast<ssize_t>(HEAD + TAIL) || memcmp(target, LINK_HEAD, HEAD) != 0 ||
+	const size_t got = strlen(target);
+	if (got < HEAD + TAIL || memcmp(target, LINK_HEAD, HEAD) != 0 ||
 	    memcmp(target + got - TAIL, LINK_TAIL, TAIL) != 0)
 		return false;
-	const size_t length = static_cast<size_t>(got) - HEAD - TAIL;
+	const size_t length = got - HEAD - TAIL;
 	memcpy(path, target + HEAD, length);
 	path[length] = '\0';
 	return true;
+}
+
+const device_t *open_device_of(int fd)
+{
+	char path[PATH_MAX];
+	return is_copy(fd, path) ? find_device(shown_host(), path) : nullptr;
 }
 
 ssize_t swallow_write(int fd, const char *path, const void *data, size_t length)

@@ -3,7 +3,7 @@
 #ifndef DISKSCOUT_REPLAY_DEVICE_H
 #define DISKSCOUT_REPLAY_DEVICE_H
 
-#include "replay/host.h"
+#include "replay/place.h"
 
 #include <sys/types.h>
 
@@ -16,6 +16,9 @@ int open_place(const place_t &at, int flags, mode_t mode);
 
 // Whether the descriptor is such a copy; `path` is then what it was opened as.
 bool is_copy(int fd, char (&path)[PATH_MAX]);
+
+// The device that a descriptor is open on, or null.
+const device_t *open_device_of(int fd);
 
 // A write to a copy: logged and dropped, the offset moves on.
 ssize_t swallow_write(int fd, const char *path, const void *data, size_t length);

@@ -1,13 +1,15 @@
-// The four requests a captured device answers.
+// The requests a captured device answers.
 //
 // What it answers is in its table; a request that is not there fails as one the driver does not know.
 #include "replay/device.h"
 
 #include <errno.h>
+#include <linux/blkzoned.h>
+#include <linux/cdrom.h>
+#include <linux/fs.h>
 #include <linux/hdreg.h>
 #include <scsi/scsi_ioctl.h>
 #include <string.h>
-#include <sys/mount.h>
 
 // The C library's header leaves this one out.
 #ifndef SCSI_IOCTL_GET_IDLUN
@@ -17,11 +19,18 @@
 namespace replay
 {
 
-static int give_size(const answer_t &from, void *argument)
+// Of a value that the caller keeps in fewer bytes the low ones come first on this machine.
+template <class Number> static int give_number(const answer_t &from, void *argument)
 {
-	const unsigned long sectors = from.value[0];
-	memcpy(argument, &sectors, sizeof sectors);
+	const Number number = static_cast<Number>(from.value[0]);
+	memcpy(argument, &number, sizeof number);
 	return 0;
+}
+
+// The call itself returns it, and takes no place to put it.
+static int return_number(const answer_t &from, void * /*argument*/)
+{
+	return static_cast<int>(from.value[0]);
 }
 
 static int give_geometry(const answer_t &from, void *argument)
@@ -62,19 +71,36 @@ static const struct {
 	answer_kind_t kind;
 	int (*give)(const answer_t &from, void *argument);
 } REQUESTS[] = {
-	{BLKGETSIZE, BLKGETSIZE_ANSWER, give_size},
+	{BLKGETSIZE, BLKGETSIZE_ANSWER, give_number<uint64_t>},
+	{BLKGETSIZE64, BLKGETSIZE64_ANSWER, give_number<uint64_t>},
+	{BLKSSZGET, BLKSSZGET_ANSWER, give_number<uint32_t>},
+	{BLKPBSZGET, BLKPBSZGET_ANSWER, give_number<uint32_t>},
+	{BLKROGET, BLKROGET_ANSWER, give_number<uint32_t>},
+	{BLKIOMIN, BLKIOMIN_ANSWER, give_number<uint32_t>},
+	{BLKIOOPT, BLKIOOPT_ANSWER, give_number<uint32_t>},
+	{BLKALIGNOFF, BLKALIGNOFF_ANSWER, give_number<uint32_t>},
+	{BLKGETZONESZ, BLKGETZONESZ_ANSWER, give_number<uint32_t>},
 	{HDIO_GETGEO, HDIO_GETGEO_ANSWER, give_geometry},
 	{SCSI_IOCTL_GET_IDLUN, GET_IDLUN_ANSWER, give_address},
 	{SCSI_IOCTL_SEND_COMMAND, SEND_COMMAND_ANSWER, give_reply},
+	{CDROM_GET_CAPABILITY, CDROM_GET_CAPABILITY_ANSWER, return_number},
+	{CDROM_DRIVE_STATUS, CDROM_DRIVE_STATUS_ANSWER, return_number},
+	{CDROM_LAST_WRITTEN, CDROM_LAST_WRITTEN_ANSWER, give_number<uint64_t>},
 };
+
+static answer_t find_answer(const device_t &dev, answer_kind_t kind)
+{
+	const bool is_size = kind == BLKGETSIZE_ANSWER || kind == BLKGETSIZE64_ANSWER;
+	return is_size ? size_answer(dev, kind) : dev.answers[kind];
+}
 
 int answer_ioctl(const device_t &dev, unsigned long request, void *argument)
 {
 	for (const auto &row : REQUESTS) {
 		if (row.request != request)
 			continue;
-		const answer_t &from = dev.answers[row.kind];
-		if (from.given && from.error == 0 && argument)
+		const answer_t from = find_answer(dev, row.kind);
+		if (from.given && from.error == 0 && (argument || row.give == return_number))
 			return row.give(from, argument);
 		errno = !from.given ? ENOTTY : from.error != 0 ? from.error : EFAULT;
 		return -1;

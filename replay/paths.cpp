@@ -1,6 +1,7 @@
 // Paths in their plain spelling; see paths.h.
 #include "replay/paths.h"
 
+#include <initializer_list>
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
@@ -53,6 +54,13 @@ bool plain_path(const char *path, char (&out)[PATH_MAX])
 	return true;
 }
 
+bool plain_path_below(const char *folder, const char *path, char (&out)[PATH_MAX])
+{
+	char whole[PATH_MAX];
+	const int length = snprintf(whole, sizeof whole, "%s/%s", folder, path);
+	return length > 0 && length < PATH_MAX && plain_path(whole, out);
+}
+
 enum match_t { WHOLE, TREE, PREFIX };
 
 // A tree is the path itself and all below it; a prefix also takes what goes on without a slash, as /dev/tty
@@ -72,19 +80,56 @@ struct path_row_t {
 	match_t kind;
 };
 
-// A program cannot live without these: they are about itself or hold no state of the machine.
+// A program cannot live without these: they are about itself or hold no state of the machine's devices.
 static const path_row_t RUNNING_PATHS[] = {
-	{"/proc/self", TREE}, {"/proc/thread-self", TREE}, {"/dev/null", WHOLE},   {"/dev/zero", WHOLE},
-	{"/dev/full", WHOLE}, {"/dev/tty", PREFIX},        {"/dev/pts", PREFIX},   {"/dev/ptmx", WHOLE},
-	{"/dev/fd", TREE},    {"/dev/urandom", WHOLE},     {"/dev/random", WHOLE}, {"/dev/std", PREFIX},
+	{"/proc/self", TREE},
+	{"/proc/thread-self", TREE},
+	{"/dev/null", WHOLE},
+	{"/dev/zero", WHOLE},
+	{"/dev/full", WHOLE},
+	{"/dev/tty", PREFIX},
+	{"/dev/pts", PREFIX},
+	{"/dev/ptmx", WHOLE},
+	{"/dev/fd", TREE},
+	{"/dev/urandom", WHOLE},
+	{"/dev/random", WHOLE},
+	{"/dev/std", PREFIX},
 	{"/dev/shm", TREE},
+	// How many threads a program may start, and on which memory.
+	{"/sys/devices/system/cpu", TREE},
+	{"/sys/devices/system/node", TREE},
+	// How an allocator is to ask for its pages.
+	{"/sys/kernel/mm", TREE},
+	// How much of the machine is the program's.
+	{"/sys/fs/cgroup", TREE},
 };
+
+static const char *own_process(char (&out)[32])
+{
+	snprintf(out, sizeof out, "/proc/%d", static_cast<int>(getpid()));
+	return out;
+}
 
 static bool is_own_process(const char *path)
 {
 	char own[32];
-	snprintf(own, sizeof own, "/proc/%d", static_cast<int>(getpid()));
-	return matches(path, own, TREE);
+	return strncmp(path, "/proc/", 6) == 0 && path[6] >= '0' && path[6] <= '9' &&
+	       matches(path, own_process(own), TREE);
+}
+
+bool is_own_mounts(const char *plain)
+{
+	constexpr char NAME[] = "/mountinfo";
+	char own[32];
+	const size_t length = strlen(plain);
+	if (length < sizeof NAME || strcmp(plain + length - (sizeof NAME - 1), NAME) != 0)
+		return false;
+	const size_t head = length - (sizeof NAME - 1);
+	for (const char *process : {"/proc/self", "/proc/thread-self", own_process(own)}) {
+		if (strlen(process) == head && memcmp(plain, process, head) == 0)
+			return true;
+	}
+	return false;
 }
 
 bool lies_in(const char *plain, const char *top)
@@ -94,6 +139,8 @@ bool lies_in(const char *plain, const char *top)
 
 bool is_never_shown(const char *plain)
 {
+	if (is_own_mounts(plain))
+		return false;
 	if (is_own_process(plain))
 		return true;
 	for (const path_row_t &row : RUNNING_PATHS) {

@@ -4,23 +4,26 @@
 #ifndef DISKSCOUT_REPLAY_REAL_H
 #define DISKSCOUT_REPLAY_REAL_H
 
+#include <atomic>
 #include <dlfcn.h>
 #include <stdlib.h>
 
 namespace replay
 {
 
-// One slot per call. It is filled at the first use and not in a constructor, because other libraries'
-// constructors call before ours would have run.
+// One slot per call. It is filled at the first use, by whichever thread, and not in a constructor, because
+// other libraries' constructors call before ours would have run.
 template <auto call> auto real(const char *name)
 {
-	static decltype(call) found;
-	if (!found) {
-		found = reinterpret_cast<decltype(call)>(dlsym(RTLD_NEXT, name));
-		if (!found)
+	static std::atomic<void *> found;
+	void *next = found.load(std::memory_order_relaxed);
+	if (!next) {
+		next = dlsym(RTLD_NEXT, name);
+		if (!next)
 			abort();
+		found.store(next, std::memory_order_relaxed);
 	}
-	return found;
+	return reinterpret_cast<decltype(call)>(next);
 }
 
 } // namespace replay

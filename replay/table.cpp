@@ -16,9 +16,22 @@
 namespace replay
 {
 
+answer_t size_answer(const device_t &dev, answer_kind_t kind)
+{
+	const bool in_bytes = kind == BLKGETSIZE64_ANSWER;
+	if (dev.answers[kind].given)
+		return dev.answers[kind];
+	answer_t size = dev.answers[in_bytes ? BLKGETSIZE_ANSWER : BLKGETSIZE64_ANSWER];
+	if (!in_bytes)
+		size.value[0] /= SECTOR_BYTES;
+	else if (__builtin_mul_overflow(size.value[0], SECTOR_BYTES, &size.value[0]))
+		size.value[0] = UINT64_MAX;
+	return size;
+}
+
 bool content_end(const device_t &dev, uint64_t *sectors)
 {
-	const answer_t &size = dev.answers[BLKGETSIZE_ANSWER];
+	const answer_t size = size_answer(dev, BLKGETSIZE_ANSWER);
 	if (!dev.has_end && (!size.given || size.error != 0))
 		return false;
 	*sectors = dev.has_end ? dev.end : size.value[0];
@@ -57,7 +70,7 @@ static char *read_file(arena_t *memory, const char *path, size_t *length)
 	if (fd < 0)
 		return nullptr;
 	char *text = nullptr;
-	if (fstat(fd, &st) == 0 && S_ISREG(st.st_mode))
+	if (REPLAY_REAL(fstat)(fd, &st) == 0 && S_ISREG(st.st_mode))
 		text = static_cast<char *>(memory->take(static_cast<size_t>(st.st_size) + 1));
 	if (text) {
 		*length = static_cast<size_t>(st.st_size);
@@ -78,7 +91,7 @@ host_table_t *load_table(const char *directory, arena_t *memory)
 		return nullptr;
 	reading_t in = {file, 0, memory, table, nullptr, nullptr, nullptr};
 	char *text = nullptr;
-	if (realpath(directory, table->directory) != nullptr)
+	if (REPLAY_REAL(realpath)(directory, table->directory) != nullptr)
 		text = read_file(memory, file, &length);
 	if (!text) {
 		fault(in, "a captured host has this file, and it cannot be read");
@@ -89,20 +102,12 @@ host_table_t *load_table(const char *directory, arena_t *memory)
 
 device_t *find_device(host_table_t *table, const char *path)
 {
-	for (device_t *at = table->devices; at; at = at->next) {
-		if (strcmp(at->path, path) == 0)
-			return at;
-	}
-	return nullptr;
+	return table->devices.find(path);
 }
 
 const mount_t *find_mount(const host_table_t *table, const char *path)
 {
-	for (const mount_t *at = table->mounts; at; at = at->next) {
-		if (strcmp(at->path, path) == 0)
-			return at;
-	}
-	return nullptr;
+	return table->mounts.find(path);
 }
 
 bool is_covered(const host_table_t *table, const char *plain)

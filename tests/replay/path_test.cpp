@@ -2,8 +2,8 @@
 
 #include "host_dir.h"
 
-#include "replay/host.h"
 #include "replay/paths.h"
+#include "replay/place.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -64,7 +64,7 @@ protected:
 	static bool covered(const std::string &path)
 	{
 		replay::place_t to;
-		replay::find_place(path.c_str(), replay::KEEP_LINK, &to);
+		replay::find_place(AT_FDCWD, path.c_str(), replay::KEEP_LINK, &to);
 		return to.kind != replay::RUNNING;
 	}
 
@@ -79,9 +79,11 @@ protected:
 TEST_F(ReplayCovers, TheUsualPathsAndTheirExceptions)
 {
 	ASSERT_EQ(show(""), 0);
-	for (const char *path : {"/proc", "/proc/partitions", "/proc/ide/hda", "/proc/selfish", "/proc/1",
-	                         "/dev", "/dev/hda", "/dev/cdrom", "/dev/fdisk", "/dev/nullx", "/etc/mtab",
-	                         "/root/hardraid.cfg", "//root/x/../hardraid.cfg"})
+	for (const char *path :
+	     {"/proc", "/proc/partitions", "/proc/ide/hda", "/proc/selfish", "/proc/1", "/dev", "/dev/hda",
+	      "/dev/cdrom", "/dev/fdisk", "/dev/nullx", "/etc/mtab", "/root/hardraid.cfg",
+	      "//root/x/../hardraid.cfg", "/sys", "/sys/class/block", "/run/udev/data/b8:0",
+	      "/proc/self/mountinfo", "/proc/thread-self/mountinfo"})
 		EXPECT_TRUE(covered(path)) << path;
 	for (const char *path : {"/",
 	                         "/etc",

@@ -122,11 +122,11 @@ TEST_F(ReplayState, ManySectorsFit)
 
 TEST_F(ReplayState, OversizedTableIsRefused)
 {
-	// The text itself takes the 64 MiB but for 12 KiB; two replies of 4 KiB and
-	// what belongs to them take the rest.
-	std::string table = "#" + std::string((64 << 20) - 12288, '-') + "\n";
-	for (const char *name : {"a", "b", "c"})
-		table += std::string("device /dev/") + name + "\nSCSI_IOCTL_SEND_COMMAND 00\n";
+	// The text itself takes the 64 MiB but for 256 KiB; the table's head and less
+	// than 64 replies of 4 KiB, with what belongs to them, take the rest.
+	std::string table = "#" + std::string((64 << 20) - (256 << 10), '-') + "\n";
+	for (int i = 0; i < 64; ++i)
+		table += "device /dev/d" + std::to_string(i) + "\nSCSI_IOCTL_SEND_COMMAND 00\n";
 	int result = 0;
 	const std::string said = stderr_of([&] { result = show(table); });
 	EXPECT_EQ(result, -1);

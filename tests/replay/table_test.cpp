@@ -43,7 +43,7 @@ static const char covered_already[] = "this path, or one above or below it, is c
 
 static const fault_case faults[] = {
 	{"unknown_word", "\n# c\nfoo 1\n", 3, "no such directive"},
-	{"word_in_device", "device /dev/hda\nBLKGETSIZE64 1\n", 2, "no such directive"},
+	{"word_in_device", "device /dev/hda\nBLKSIZE 1\n", 2, "no such directive"},
 	{"no_final_newline", "device /dev/hda\nfoo", 2, "no such directive"},
 	{"device_without_path", "device\n", 1, "device takes one path"},
 	{"device_two_paths", "device /dev/hda /dev/hdb\n", 1, "device takes one path"},
