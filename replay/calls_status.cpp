@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using namespace replay;
@@ -172,4 +173,37 @@ REPLAY_CALL int faccessat(int directory, const char *path, int rights, int flags
 REPLAY_CALL int access(const char *path, int rights) __THROW
 {
 	return faccessat(AT_FDCWD, path, rights, 0);
+}
+
+// Asked by tools beside the status: an access list, a label. No device has any.
+template <auto call, class... Rest>
+static ssize_t replayed_attribute(const char *name, links_t last, const char *path, Rest... rest)
+{
+	place_t at;
+	if (must_fail(CALL_STAT))
+		return -1;
+	find_place(AT_FDCWD, path, last, &at);
+	if (at.kind == NOWHERE || at.kind == DEVICE_IN_HOST)
+		return refuse(at.kind == NOWHERE ? at.error : ENOTSUP);
+	return real<call>(name)(library_path(at, path), rest...);
+}
+
+REPLAY_CALL ssize_t getxattr(const char *path, const char *name, void *value, size_t room) __THROW
+{
+	return replayed_attribute<&::getxattr>("getxattr", FOLLOW_LINK, path, name, value, room);
+}
+
+REPLAY_CALL ssize_t lgetxattr(const char *path, const char *name, void *value, size_t room) __THROW
+{
+	return replayed_attribute<&::lgetxattr>("lgetxattr", KEEP_LINK, path, name, value, room);
+}
+
+REPLAY_CALL ssize_t listxattr(const char *path, char *names, size_t room) __THROW
+{
+	return replayed_attribute<&::listxattr>("listxattr", FOLLOW_LINK, path, names, room);
+}
+
+REPLAY_CALL ssize_t llistxattr(const char *path, char *names, size_t room) __THROW
+{
+	return replayed_attribute<&::llistxattr>("llistxattr", KEEP_LINK, path, names, room);
 }

@@ -211,11 +211,13 @@ static bool find_way(const host_table_t *table, int directory, const char *path,
 	memcpy(way, path, strlen(path) + 1);
 	if (path[0] == '/') {
 		start[0] = '\0';
-		if (!plain_path(path, plain) || !is_covered(table, plain))
+		if (!plain_path(path, plain))
 			return false;
-		if (is_own_mounts(plain))
+		if (is_own_mounts(plain)) {
+			memcpy(plain, OWN_MOUNTS, sizeof OWN_MOUNTS);
 			memcpy(way, OWN_MOUNTS, sizeof OWN_MOUNTS);
-		return true;
+		}
+		return is_covered(table, plain);
 	}
 	if (directory == AT_FDCWD || !descriptor_target(directory, start) || !to_host_path(table, start))
 		return false;

@@ -5,9 +5,11 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
+#include <sys/xattr.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <thread>
 #include <vector>
@@ -187,3 +189,270 @@ TEST_P(ReplayWay, IsTheKernels)
 
 INSTANTIATE_TEST_SUITE_P(Each, ReplayWay, ::testing::ValuesIn(ways),
                          [](const auto &each) { return std::string(each.param.name); });
+
+TEST_F(ReplayFolder, DescriptorsThatAreNoFolder)
+{
+	const folder running("/");
+	EXPECT_EQ(line_of(openat(-1, "size", O_RDONLY)), "EBADF");
+	EXPECT_EQ(line_of(openat(9999, "size", O_RDONLY)), "EBADF");
+	EXPECT_EQ(line_of(openat(-1, "/sys/class/block/sda/size", O_RDONLY)), "2048");
+	for (const char *path : {"/sys/class/block/sda/size", "/dev/sda"}) {
+		const int file = open(path, O_RDONLY);
+		for (const char *step : {"x", "..", "../dev", "."})
+			EXPECT_EQ(line_of(openat(file, step, O_RDONLY)), "ENOTDIR") << path << " " << step;
+		close(file);
+	}
+	// The running machine's folder stays its own, but for an absolute path.
+	EXPECT_EQ(line_of(openat(running.fd, "sys/class/block/sda/size", O_RDONLY)), "ENOENT");
+	EXPECT_EQ(line_of(openat(running.fd, "/sys/class/block/sda/size", O_RDONLY)), "2048");
+	// The working directory is the running machine's, too.
+	EXPECT_EQ(line_of(openat(AT_FDCWD, "sys/class/block/sda/size", O_RDONLY)), "ENOENT");
+}
+
+TEST_F(ReplayFolder, WithoutAHostAllIsTheRunningMachines)
+{
+	ASSERT_EQ(replay_use(nullptr), 0);
+	const folder own(root.c_str());
+	EXPECT_EQ(line_of(openat(own.fd, "outside", O_RDONLY)), "running");
+	EXPECT_EQ(line_of(openat(own.fd, "host/sys/../../outside", O_RDONLY)), "running");
+}
+
+TEST_F(ReplayFolder, FlagsAreTheKernels)
+{
+	const folder blocks("/sys/class/block", O_PATH | O_DIRECTORY);
+	ASSERT_GE(blocks.fd, 0);
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_RDONLY)), "2048");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda", O_RDONLY)), "EISDIR");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_RDONLY | O_DIRECTORY)), "ENOTDIR");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_PATH)), "EBADF");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda", O_RDONLY | O_NOFOLLOW)), "ELOOP");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_RDONLY | O_NOFOLLOW)), "2048");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda/", O_RDONLY | O_NOFOLLOW)), "EISDIR");
+	// The link itself can be held, and be read through its descriptor.
+	const int held = openat(blocks.fd, "sda", O_PATH | O_NOFOLLOW);
+	char target[128] = "";
+	EXPECT_GT(readlinkat(held, "", target, sizeof target), 0);
+	EXPECT_STREQ(target, "../../devices/pci0000:00/0000:00:05.0/ata1/block/sda");
+	close(held);
+	// What is written goes into a copy.
+	const int written = openat(blocks.fd, "sda/size", O_RDWR);
+	EXPECT_EQ(write(written, "9", 1), 1);
+	close(written);
+	EXPECT_EQ(file_text(host() / device_folder / "size"), "2048\n");
+}
+
+TEST_F(ReplayFolder, EmptyPathIsTheDescriptorItself)
+{
+	const folder blocks("/sys/class/block", O_PATH | O_DIRECTORY);
+	struct stat st = {};
+	EXPECT_EQ(fstatat(blocks.fd, "", &st, AT_EMPTY_PATH), 0);
+	EXPECT_TRUE(S_ISDIR(st.st_mode));
+	const int device = open("/dev/sda", O_RDONLY);
+	EXPECT_EQ(fstatat(device, "", &st, AT_EMPTY_PATH), 0);
+	EXPECT_TRUE(S_ISBLK(st.st_mode));
+	struct statx extended = {};
+	EXPECT_EQ(statx(device, "", AT_EMPTY_PATH, STATX_TYPE, &extended), 0);
+	EXPECT_TRUE(S_ISBLK(extended.stx_mode));
+	close(device);
+	EXPECT_EQ(fstatat(AT_FDCWD, "", &st, AT_EMPTY_PATH), 0);
+	EXPECT_TRUE(S_ISDIR(st.st_mode));
+}
+
+TEST_F(ReplayFolder, LinksAreReadAndKept)
+{
+	const folder blocks("/sys/class/block");
+	char target[128] = "";
+	struct stat st = {};
+	EXPECT_EQ(readlinkat(blocks.fd, "sda", target, sizeof target), 52);
+	EXPECT_STREQ(target, "../../devices/pci0000:00/0000:00:05.0/ata1/block/sda");
+	EXPECT_EQ(__readlinkat_chk(blocks.fd, "sda1", target, 6, sizeof target), 6);
+	EXPECT_EQ(readlinkat(blocks.fd, "sda/device", target, sizeof target), 5);
+	errno = 0;
+	EXPECT_EQ(readlinkat(blocks.fd, "sda/", target, sizeof target), -1);
+	EXPECT_EQ(errno, EINVAL);
+	EXPECT_EQ(fstatat(blocks.fd, "sda", &st, AT_SYMLINK_NOFOLLOW), 0);
+	EXPECT_TRUE(S_ISLNK(st.st_mode));
+	EXPECT_EQ(fstatat(blocks.fd, "sda/", &st, AT_SYMLINK_NOFOLLOW), 0);
+	EXPECT_TRUE(S_ISDIR(st.st_mode));
+	EXPECT_EQ(lstat("/sys/class/block/sda1", &st), 0);
+	EXPECT_TRUE(S_ISLNK(st.st_mode));
+}
+
+TEST_F(ReplayFolder, ListingIsThatOfTheHost)
+{
+	const folder blocks("/sys/class");
+	const int fd = openat(blocks.fd, "block", O_RDONLY | O_DIRECTORY);
+	DIR *listing = fdopendir(fd);
+	ASSERT_NE(listing, nullptr);
+	const auto names = [listing] {
+		std::vector<std::string> found;
+		while (const struct dirent *entry = readdir(listing)) {
+			if (entry->d_name[0] != '.')
+				found.emplace_back(entry->d_name);
+		}
+		std::sort(found.begin(), found.end());
+		return found;
+	};
+	const std::vector<std::string> want = {"sda", "sda1"};
+	EXPECT_EQ(names(), want);
+	rewinddir(listing);
+	EXPECT_EQ(names(), want);
+	rewinddir(listing);
+	EXPECT_NE(readdir64(listing), nullptr);
+	EXPECT_EQ(line_of(openat(dirfd(listing), "sda/size", O_RDONLY)), "2048");
+	EXPECT_EQ(closedir(listing), 0);
+	EXPECT_EQ(fcntl(fd, F_GETFD), -1);
+	struct dirent **found = nullptr;
+	const int count = scandirat(blocks.fd, "block/sda", &found, nullptr, alphasort);
+	EXPECT_EQ(count, 7); // ., .., dev, device, queue, sda1, size
+	for (int i = 0; i < count; ++i)
+		free(found[i]);
+	free(found);
+	struct dirent64 **wide = nullptr;
+	EXPECT_EQ(scandirat64(blocks.fd, "block/sda/size", &wide, nullptr, alphasort64), -1);
+	EXPECT_EQ(errno, ENOTDIR);
+	EXPECT_EQ(opendir("/sys/class/net"), nullptr);
+	EXPECT_EQ(errno, ENOENT);
+}
+
+// A descriptor stays with its folder, whatever gets the name.
+TEST_F(ReplayFolder, SwappedFolder)
+{
+	namespace fs = std::filesystem;
+	const folder blocks("/sys/class/block");
+	const folder doomed("/sys/devices/pci0000:00/0000:00:05.0/ata1/block/sda/queue");
+	fs::rename(host() / "sys/class/block", host() / "sys/class/old");
+	put("sys/class/block/sda/size", "1\n");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_RDONLY)), "2048");
+	EXPECT_EQ(line_of(open("/sys/class/block/sda/size", O_RDONLY)), "1");
+	fs::remove(host() / "sys/class/old/sda");
+	fs::create_symlink(root / "outside", host() / "sys/class/old/sda");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda", O_RDONLY)), "ENOENT");
+	fs::remove_all(host() / device_folder / "queue");
+	EXPECT_EQ(line_of(openat(doomed.fd, "rotational", O_RDONLY)), "ENOENT");
+}
+
+TEST_F(ReplayFolder, EndOfAPath)
+{
+	const std::string disk = "/sys/devices/pci0000:00/0000:00:05.0/ata1/block/sda";
+	const std::pair<const char *, std::string> rows[] = {
+		{"/sys/class/block/sda", disk},
+		{"/sys/class/block/sda1/..", disk},
+		{"/sys/class/block/sda1/../", disk},
+		{"/dev/disk/by-id/ata-X", "/dev/sda"},
+		{"/dev/disk/../sda", "/dev/sda"},
+		{"/sys", "/sys"},
+		{"/dev/null", "/dev/null"},
+		{"/dev/disk/by-id/null", "ENOENT"},
+		{"/sys/class/block/sdb", "ENOENT"},
+		{"/sys/block/sda/size/", "ENOTDIR"},
+		{"/sys/class/block/sda/../..", "/sys/devices/pci0000:00/0000:00:05.0/ata1"},
+	};
+	for (const auto &[path, want] : rows) {
+		char buffer[PATH_MAX] = "";
+		const char *end = realpath(path, buffer);
+		EXPECT_EQ(end ? end : strerrorname_np(errno), want) << path;
+		end = __realpath_chk(path, buffer, sizeof buffer);
+		EXPECT_EQ(end ? end : strerrorname_np(errno), want) << path;
+		for (char *made : {realpath(path, nullptr), canonicalize_file_name(path)}) {
+			EXPECT_EQ(made ? made : strerrorname_np(errno), want) << path;
+			free(made);
+		}
+	}
+	char place[16];
+	EXPECT_DEATH(__realpath_chk("/sys", place, sizeof place), "");
+}
+
+TEST_F(ReplayFolder, AttributesBesideTheStatus)
+{
+	char value[16];
+	ssize_t (*const gets[])(const char *, const char *, void *, size_t) = {getxattr, lgetxattr};
+	ssize_t (*const lists[])(const char *, char *, size_t) = {listxattr, llistxattr};
+	for (const auto get : gets) {
+		errno = 0;
+		EXPECT_EQ(get("/sys/class/block/sda", "user.x", value, sizeof value), -1);
+		EXPECT_NE(errno, ENOENT);
+		EXPECT_EQ(get("/dev/sda", "user.x", value, sizeof value), -1);
+		EXPECT_EQ(errno, ENOTSUP);
+		EXPECT_EQ(get("/sys/class/block/sdb", "user.x", value, sizeof value), -1);
+		EXPECT_EQ(errno, ENOENT);
+	}
+	for (const auto list : lists) {
+		EXPECT_GE(list("/sys/class/block", value, 0), 0);
+		EXPECT_EQ(list("/dev/sda", value, 0), -1);
+		EXPECT_EQ(errno, ENOTSUP);
+	}
+}
+
+TEST_F(ReplayFolder, NothingButTheMountTableIsShownOfAProcess)
+{
+	put("proc/self/mountinfo", "22 1 8:1 / / rw - ext4 /dev/sda1 rw\n");
+	put("proc/self/comm", "captured\n");
+	put("proc/self/task/x", "captured\n");
+	const std::string own = "/proc/" + std::to_string(getpid());
+	const std::string mounts = "22 1 8:1 / / rw - ext4 /dev/sda1 rw";
+	for (const std::string &path : {std::string("/proc/self"), std::string("/proc/thread-self"), own}) {
+		EXPECT_EQ(line_of(open((path + "/mountinfo").c_str(), O_RDONLY)), mounts) << path;
+		EXPECT_NE(line_of(open((path + "/comm").c_str(), O_RDONLY)), "captured") << path;
+		EXPECT_NE(line_of(open((path + "/mountinfo.old").c_str(), O_RDONLY)), mounts) << path;
+	}
+	const folder proc("/proc");
+	EXPECT_EQ(line_of(openat(proc.fd, "self/mountinfo", O_RDONLY)), mounts);
+	std::filesystem::remove(host() / "proc/self/mountinfo");
+	EXPECT_EQ(line_of(open("/proc/self/mountinfo", O_RDONLY)), "ENOENT");
+	// It can be covered alone.
+	put("proc/self/mountinfo", "alone\n");
+	ASSERT_EQ(show("covers /proc/self/mountinfo\n"), 0);
+	EXPECT_EQ(line_of(open((own + "/mountinfo").c_str(), O_RDONLY)), "alone");
+}
+
+// A host of before their time, and one that says what it covers.
+TEST_F(ReplayFolder, AHostWithoutThemHasNoDevices)
+{
+	std::filesystem::remove_all(host() / "sys");
+	std::filesystem::remove_all(host() / "run");
+	for (const char *path : {"/sys", "/sys/class/block", "/sys/block", "/run/udev", "/run/udev/data"}) {
+		EXPECT_EQ(access(path, F_OK), -1) << path;
+		EXPECT_EQ(errno, ENOENT) << path;
+		EXPECT_EQ(opendir(path), nullptr) << path;
+	}
+}
+
+TEST_F(ReplayFolder, WhatIsTheRunningMachinesBelowSys)
+{
+	for (const char *path : {"devices/system/cpu", "devices/system/node/x", "kernel/mm", "fs/cgroup/x"})
+		put("sys/" + std::string(path) + "/online", "captured\n");
+	put("sys/devices/system/clocksource/x", "captured\n");
+	put("sys/fs/btrfs/x", "captured\n");
+	EXPECT_NE(line_of(open("/sys/devices/system/cpu/online", O_RDONLY)), "captured");
+	EXPECT_NE(line_of(open("/sys/kernel/mm/online", O_RDONLY)), "captured");
+	EXPECT_NE(line_of(open("/sys/fs/cgroup/x/online", O_RDONLY)), "captured");
+	EXPECT_NE(line_of(open("/sys/devices/system/node/x/online", O_RDONLY)), "captured");
+	const folder devices("/sys/devices");
+	EXPECT_NE(line_of(openat(devices.fd, "system/cpu/online", O_RDONLY)), "captured");
+	EXPECT_EQ(line_of(open("/sys/devices/system/clocksource/x", O_RDONLY)), "captured");
+	EXPECT_EQ(line_of(open("/sys/fs/btrfs/x", O_RDONLY)), "captured");
+}
+
+TEST_F(ReplayFolder, TwoThreadsAtOnce)
+{
+	constexpr int rounds = 2000;
+	int wrong[2] = {};
+	const auto work = [&wrong](int which) {
+		const char *path = which == 0 ? "sda/size" : "sda1/dev";
+		const char *line = which == 0 ? "2048" : "8:1";
+		for (int i = 0; i < rounds; ++i) {
+			const folder blocks("/sys/class/block", O_PATH | O_DIRECTORY);
+			wrong[which] += line_of(openat(blocks.fd, path, O_RDONLY)) != line;
+			wrong[which] += line_of(open("/dev/disk/by-id/ata-X", O_RDONLY)) != "Z";
+		}
+	};
+	replay_count_calls();
+	std::thread first(work, 0);
+	std::thread second(work, 1);
+	first.join();
+	second.join();
+	EXPECT_EQ(wrong[0] + wrong[1], 0);
+	// Each round: three opens, two reads, three closes.
+	EXPECT_EQ(replay_calls(), 2L * rounds * 8);
+}

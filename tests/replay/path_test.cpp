@@ -108,6 +108,13 @@ TEST_F(ReplayCovers, TheUsualPathsAndTheirExceptions)
 	                         "/dev/stdin",
 	                         "/dev/shm",
 	                         "/dev/shm/x",
+	                         "/sysfs",
+	                         "/sys/devices/system/cpu/online",
+	                         "/sys/devices/system/node",
+	                         "/sys/kernel/mm/transparent_hugepage/enabled",
+	                         "/sys/fs/cgroup/memory.max",
+	                         "/run",
+	                         "/run/udevd",
 	                         "/root",
 	                         "/root/x",
 	                         "/root/hardraid.cfg.old"})
@@ -115,6 +122,7 @@ TEST_F(ReplayCovers, TheUsualPathsAndTheirExceptions)
 	const std::string own = "/proc/" + std::to_string(getpid());
 	EXPECT_FALSE(covered(own));
 	EXPECT_FALSE(covered(own + "/maps"));
+	EXPECT_TRUE(covered(own + "/mountinfo"));
 	EXPECT_TRUE(covered(own + "0"));
 }
 
