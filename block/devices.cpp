@@ -7,6 +7,7 @@
 #include "queries.h"
 #include "record.h"
 #include "udev.h"
+#include "uses.h"
 
 #include <errno.h>
 #include <limits.h>
@@ -152,6 +153,7 @@ int list_devices(void **result, int *length)
 
 	if (!devices.scan(fill, &query))
 		return -1;
+	find_uses(&arena, devices);
 	for (device_t *device : devices) {
 		inherit(device);
 		list.append(&device->record);

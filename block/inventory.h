@@ -19,6 +19,7 @@ struct device_t {
 	const char *sysname; // its folder's name in /sys/class/block: a slash of the name is "!" there
 	text_t path;         // where it is in sysfs, below /sys: "devices/pci0000:00/.../block/sda"
 	device_t *whole;     // of a partition: the device that it is part of, or null
+	unsigned uses;       // bits of uses.cpp
 	slave_t *slaves;     // when the query has asked for them: see links.h
 };
 
