@@ -22,6 +22,7 @@ const std::vector<Target> TARGETS = {
 	{"mtab", 1, check_mtab},
 	{"raidtab", 2, check_raidtab},
 	{"chain", 2, check_chain},
+	{"vpd", 1, check_vpd},
 	{"commands", 2, check_commands},
 	{"console", 2, check_console},
 };

@@ -68,6 +68,11 @@ std::string check_raidtab(const char *path);
 // The file is a disk of small sectors, of each the 64 bytes of the table and the two of its signature.
 std::string check_chain(const char *path);
 
+// ---- block.cpp: what today's hosts tell ----
+
+// The file is one page of vital product data.
+std::string check_vpd(const char *path);
+
 // ---- commands.cpp ----
 
 // The first line is the command, its words parted by blanks; the rest is its input.
