@@ -1,19 +1,14 @@
-// Where the pointers of the public records lie.
+// The binary layout of the public records, checked when this is compiled, and where their pointers lie.
 #include "record.h"
 
-// Each record is walked by its head, whatever it is.
-#define BEGINS_AS_A_RECORD(record)                                                                           \
+#define AT(record, field, offset)                                                                            \
+	static_assert(offsetof(record, field) == (offset), #record "::" #field " has moved")
+#define SIZE(record, size)                                                                                   \
+	static_assert(sizeof(record) == (size), #record " has changed its size");                            \
 	static_assert(offsetof(record, record_size) == offsetof(record_head_t, record_size));                \
-	static_assert(offsetof(record, next) == offsetof(record_head_t, next));
+	static_assert(offsetof(record, next) == offsetof(record_head_t, next), "walked by its head")
 
-BEGINS_AS_A_RECORD(block_text)
-BEGINS_AS_A_RECORD(block_device)
-BEGINS_AS_A_RECORD(block_link)
-BEGINS_AS_A_RECORD(block_partition)
-BEGINS_AS_A_RECORD(block_content)
-BEGINS_AS_A_RECORD(block_mount)
-BEGINS_AS_A_RECORD(block_member)
-BEGINS_AS_A_RECORD(block_array)
+#include "layout.h"
 
 static constexpr record_layout_t::inner_t NO_LISTS[] = {{0, nullptr}};
 
