@@ -5,7 +5,7 @@
 
 #include <errno.h>
 
-static const struct {
+static constexpr struct {
 	UINT code; // of the query; one more releases its list
 	int (*list)(void **result, int *length);
 } QUERIES[] = {

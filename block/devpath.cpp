@@ -99,7 +99,7 @@ text_t ata_folder_of(text_t path)
 
 // Components that tell a transport, a number behind them. What carries SCSI comes first: a disk behind a
 // bridge is met by what it is attached to, and only then by what carries the controller.
-static const struct {
+static constexpr struct {
 	text_t name;
 	bool scsi;
 	const char *transport;

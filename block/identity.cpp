@@ -157,7 +157,7 @@ static void read_mmc(Arena *arena, const Folder &folder, const UdevRecord &, dev
 }
 
 // Transports that carry no SCSI, and how their devices tell who they are.
-static const struct {
+static constexpr struct {
 	text_t transport;
 	void (*read)(Arena *arena, const Folder &folder, const UdevRecord &udev, device_t *device);
 } READERS[] = {

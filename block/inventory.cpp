@@ -40,7 +40,7 @@ static text_t driver_word(text_t name)
 }
 
 // Kinds of whole devices by how the kernel names them; "md" has names of the administrator's, too: md_home.
-static const struct {
+static constexpr struct {
 	text_t word;
 	const char *kind;
 } KINDS[] = {

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 // What stands before the first "-" of a uuid says who made the mapping.
-static const struct {
+static constexpr struct {
 	text_t prefix;
 	const char *kind;
 } KINDS[] = {
