@@ -11,10 +11,11 @@
 // Not waiting for a writer: what stands in a file's place may be a pipe.
 static constexpr int READING = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
-Folder::Folder(const char *path) : fd_(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+Folder::Folder(const char *path) : fd_(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC)), error_(errno) {}
 
 Folder::Folder(const Folder &from, const char *path)
-    : fd_(from.is_open() ? openat(from.fd(), path, O_PATH | O_DIRECTORY | O_CLOEXEC) : -1)
+    : fd_(from.is_open() ? openat(from.fd(), path, O_PATH | O_DIRECTORY | O_CLOEXEC) : -1),
+      error_(from.is_open() ? errno : from.error())
 {
 }
 
@@ -148,6 +149,10 @@ char *read_file(Arena *arena, const Folder &from, const char *path, size_t most,
 
 static DIR *open_entries(const Folder &from, const char *path)
 {
+	if (!from.is_open()) {
+		errno = from.error();
+		return nullptr;
+	}
 	const int fd = openat(from.fd(), path, O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC);
 	if (fd < 0)
 		return nullptr;

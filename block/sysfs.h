@@ -19,6 +19,8 @@ public:
 	~Folder();
 
 	bool is_open() const { return fd_ >= 0; }
+	// Why it is not.
+	int error() const { return error_; }
 	int fd() const { return fd_; }
 	bool has(const char *path) const;
 
@@ -28,6 +30,7 @@ public:
 
 private:
 	int fd_;
+	int error_;
 	mutable bool missed_ = false;
 };
 

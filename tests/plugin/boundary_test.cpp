@@ -53,6 +53,21 @@ INSTANTIATE_TEST_SUITE_P(Releases, UnknownRelease,
                          testing::Values(0U, 122100U, 122102U, 123100U, 124100U, 125100U, 126100U, 127100U,
                                          128100U, 129100U, 0xffffffffU));
 
+// Today's hosts have a library of their own.
+TEST_F(Boundary, TheCodesOfTheOtherLibraryAreUnknown)
+{
+	void *head = &untouched;
+	int count = 4711;
+	replay_count_calls();
+	for (UINT code = 222100; code <= 226101; code++) {
+		ASSERT_EQ(plugin().query(code, &head, &count), -1) << code;
+		ASSERT_EQ(plugin().free_list(code, &head), -1) << code;
+	}
+	EXPECT_EQ(head, &untouched);
+	EXPECT_EQ(count, 4711);
+	EXPECT_EQ(replay_calls(), 0);
+}
+
 TEST_F(Boundary, NullArgumentsAreRefused)
 {
 	IPMICOMMAND cmd = {};

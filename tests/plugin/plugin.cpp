@@ -16,28 +16,36 @@ template <class Symbol> static void find(void *library, const char *name, Symbol
 	}
 }
 
-Plugin::Plugin()
+Exchange::Exchange(const char *path, int mode) : library(dlopen(path, RTLD_NOW | mode))
 {
-	void *library = dlopen(PLUGIN_LIBRARY, RTLD_NOW | RTLD_LOCAL);
 	if (!library) {
 		fprintf(stderr, "%s\n", dlerror());
 		abort();
 	}
 	find(library, "GetItemInfo", &get);
 	find(library, "SetItemInfo", &release);
+}
+
+Plugin::Plugin(int mode) : Exchange(PLUGIN_LIBRARY, mode)
+{
 	find(library, "stcli", &cli);
 	find(library, "memory_counter_hdd", &live_local);
 	find(library, "memory_counter_hwraid", &live_hardware);
 }
 
-int Plugin::query(UINT code, void **head, int *count) const
+BlockPlugin::BlockPlugin(int mode) : Exchange(BLOCK_PLUGIN_LIBRARY, mode)
+{
+	find(library, "memory_counter_block", &live);
+}
+
+int Exchange::query(UINT code, void **head, int *count) const
 {
 	IPMICOMMAND cmd = {};
 	cmd.nCommand = code;
 	return get(&cmd, head, count);
 }
 
-int Plugin::free_list(UINT code, void **head) const
+int Exchange::free_list(UINT code, void **head) const
 {
 	IPMICOMMAND cmd = {};
 	cmd.nCommand = code;
@@ -46,7 +54,13 @@ int Plugin::free_list(UINT code, void **head) const
 
 const Plugin &plugin()
 {
-	static const Plugin loaded;
+	static const Plugin loaded(RTLD_LOCAL);
+	return loaded;
+}
+
+const BlockPlugin &block_plugin()
+{
+	static const BlockPlugin loaded(RTLD_LOCAL);
 	return loaded;
 }
 
