@@ -3,6 +3,8 @@
 #include "host_dir.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 #include <cerrno>
 #include <vector>
@@ -137,6 +139,80 @@ TEST_F(ReplayDevice, LargestSizeStillOpens)
 {
 	ASSERT_EQ(show("device /dev/sda\nBLKGETSIZE 18446744073709551615\nsector 1 5a\n"), 0);
 	EXPECT_EQ(sector("/dev/sda", 1)[0], 'Z');
+}
+
+TEST_F(ReplayDevice, EndsWithItsBytes)
+{
+	ASSERT_EQ(show("device /dev/sda\nBLKGETSIZE64 4096\nBLKSSZGET 4096\n"), 0);
+	const int fd = open("/dev/sda", O_RDONLY);
+	EXPECT_EQ(lseek(fd, 0, SEEK_END), 4096);
+	close(fd);
+}
+
+// A status tells a block device by every call, open or not.
+TEST_F(ReplayDevice, StatusHasItsNumber)
+{
+	put("sys/class/block/sda/size", "1\n");
+	ASSERT_EQ(show("device /dev/sda\nnumber 259:1048575\nBLKGETSIZE 8\ndevice /dev/sdb\n"), 0);
+	const std::pair<const char *, dev_t> rows[] = {{"/dev/sda", makedev(259, 1048575)},
+	                                               {"/dev/sdb", makedev(0, 0)}};
+	for (const auto &[path, number] : rows) {
+		for (const int flags : {O_RDONLY, O_RDWR, O_PATH, O_RDONLY | O_NONBLOCK | O_CLOEXEC}) {
+			const int fd = open(path, flags);
+			ASSERT_GE(fd, 0);
+			struct stat st = {};
+			struct stat64 wide = {};
+			EXPECT_EQ(fstat(fd, &st), 0);
+			EXPECT_EQ(fstat64(fd, &wide), 0);
+			EXPECT_TRUE(S_ISBLK(st.st_mode) && S_ISBLK(wide.st_mode));
+			EXPECT_EQ(st.st_rdev, number);
+			EXPECT_EQ(wide.st_rdev, number);
+			EXPECT_EQ(st.st_size, 0);
+			const int again = dup(fd);
+			EXPECT_EQ(fstat(again, &st), 0);
+			EXPECT_EQ(st.st_rdev, number);
+			close(again);
+			close(fd);
+		}
+		struct stat st = {};
+		EXPECT_EQ(stat(path, &st), 0);
+		EXPECT_EQ(st.st_rdev, number);
+		EXPECT_EQ(fstatat(AT_FDCWD, path, &st, AT_SYMLINK_NOFOLLOW), 0);
+		EXPECT_EQ(st.st_rdev, number);
+		struct statx extended = {};
+		EXPECT_EQ(statx(-1, path, 0, STATX_TYPE, &extended), 0);
+		EXPECT_EQ(makedev(extended.stx_rdev_major, extended.stx_rdev_minor), number);
+	}
+	// Other files stay what they are, and so does a file that was opened for writing.
+	for (const int flags : {O_RDONLY, O_RDWR}) {
+		const int fd = open("/sys/class/block/sda/size", flags);
+		struct stat st = {};
+		EXPECT_EQ(fstat(fd, &st), 0);
+		EXPECT_TRUE(S_ISREG(st.st_mode));
+		EXPECT_EQ(st.st_size, 2);
+		close(fd);
+	}
+	struct stat st = {};
+	EXPECT_EQ(fstat(-1, &st), -1);
+	EXPECT_EQ(errno, EBADF);
+}
+
+TEST_F(ReplayDevice, BarePathDoesNotReachTheDriver)
+{
+	char byte = 0;
+	ASSERT_EQ(show("device /dev/sda\nopens 1\ndevice /dev/sdb\nopen fails EIO\n"), 0);
+	const int held = open("/dev/sdb", O_PATH);
+	EXPECT_GE(held, 0);
+	EXPECT_EQ(read(held, &byte, 1), -1);
+	EXPECT_EQ(errno, EBADF);
+	close(held);
+	close(open("/dev/sda", O_PATH));
+	EXPECT_EQ(open("/dev/sda", O_RDONLY | O_DIRECTORY), -1);
+	EXPECT_EQ(errno, ENOTDIR);
+	const int fd = open("/dev/sda", O_RDONLY);
+	EXPECT_GE(fd, 0);
+	close(fd);
+	EXPECT_EQ(open("/dev/sda", O_RDONLY), -1);
 }
 
 TEST_F(ReplayDevice, UnlistedDeviceDoesNotExist)

@@ -9,15 +9,20 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
+#include <sys/statvfs.h>
+#include <sys/utsname.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 
 #include <cerrno>
+#include <climits>
 #include <vector>
 
 extern "C" {
 int __open_2(const char *path, int flags);
 ssize_t __read_chk(int fd, void *buffer, size_t count, size_t room);
 ssize_t __readlink_chk(const char *path, char *buffer, size_t count, size_t room);
+char *__realpath_chk(const char *path, char *to, size_t room);
 char *__fgets_chk(char *text, size_t room, int size, FILE *stream);
 }
 
@@ -53,6 +58,16 @@ static bool opened(int fd)
 struct open_descriptor {
 	int fd = open("/dev/hda", O_RDWR);
 	~open_descriptor() { close(fd); }
+};
+
+struct open_folder {
+	int fd = open("/dev", O_RDONLY | O_DIRECTORY);
+	~open_folder() { close(fd); }
+};
+
+struct open_listing {
+	DIR *listing = opendir("/dev");
+	~open_listing() { closedir(listing); }
 };
 
 struct open_stream {
@@ -125,6 +140,119 @@ static const call_case call_cases[] = {
          [](ARMED) {
 		 struct stat s;
 		 return run(arm, seen, [&] { return fstatat(AT_FDCWD, "/etc/mtab", &s, 0) == 0; });
+	 }},
+	{"fstatat_of_folder", EIO,
+         [](ARMED) {
+		 open_folder f;
+		 struct stat s;
+		 return run(arm, seen, [&] { return fstatat(f.fd, "sda", &s, 0) == 0; });
+	 }},
+	{"fstat", EIO,
+         [](ARMED) {
+		 open_descriptor d;
+		 struct stat s;
+		 return run(arm, seen, [&] { return fstat(d.fd, &s) == 0; });
+	 }},
+	{"fstat64", EIO,
+         [](ARMED) {
+		 open_descriptor d;
+		 struct stat64 s;
+		 return run(arm, seen, [&] { return fstat64(d.fd, &s) == 0; });
+	 }},
+	{"statx", EIO,
+         [](ARMED) {
+		 struct statx s;
+		 return run(arm, seen, [&] { return statx(AT_FDCWD, "/etc/mtab", 0, 0, &s) == 0; });
+	 }},
+	{"faccessat", EIO,
+         [](ARMED) {
+		 open_folder f;
+		 return run(arm, seen, [&] { return faccessat(f.fd, "sda", R_OK, 0) == 0; });
+	 }},
+	{"listxattr", EIO,
+         [](ARMED) { return run(arm, seen, [&] { return listxattr("/etc/mtab", nullptr, 0) >= 0; }); }},
+	{"llistxattr", EIO,
+         [](ARMED) { return run(arm, seen, [&] { return llistxattr("/etc/mtab", nullptr, 0) >= 0; }); }},
+	{"getxattr", EIO,
+         [](ARMED) {
+		 return run(arm, seen,
+	                    [&] { return getxattr("/etc/mtab", "user.x", nullptr, 0) < 0 && errno != EIO; });
+	 }},
+	{"lgetxattr", EIO,
+         [](ARMED) {
+		 return run(arm, seen,
+	                    [&] { return lgetxattr("/etc/mtab", "user.x", nullptr, 0) < 0 && errno != EIO; });
+	 }},
+	{"fstatfs", EIO,
+         [](ARMED) {
+		 const int fd = open("/", O_PATH);
+		 struct statfs s;
+		 const bool good = run(arm, seen, [&] { return fstatfs(fd, &s) == 0; });
+		 close(fd);
+		 return good;
+	 }},
+	{"statvfs", EIO,
+         [](ARMED) {
+		 struct statvfs s;
+		 return run(arm, seen, [&] { return statvfs("/", &s) == 0; });
+	 }},
+	{"fstatvfs64", EIO,
+         [](ARMED) {
+		 const int fd = open("/", O_PATH);
+		 struct statvfs64 s;
+		 const bool good = run(arm, seen, [&] { return fstatvfs64(fd, &s) == 0; });
+		 close(fd);
+		 return good;
+	 }},
+	{"uname", EFAULT,
+         [](ARMED) {
+		 struct utsname s;
+		 return run(arm, seen, [&] { return uname(&s) == 0; });
+	 }},
+	{"realpath", EIO,
+         [](ARMED) {
+		 char b[PATH_MAX];
+		 return run(arm, seen, [&] { return realpath("/etc/mtab", b) == b; });
+	 }},
+	{"realpath_chk", EIO,
+         [](ARMED) {
+		 char b[PATH_MAX];
+		 return run(arm, seen, [&] { return __realpath_chk("/etc/mtab", b, sizeof b) == b; });
+	 }},
+	{"canonicalize_file_name", EIO,
+         [](ARMED) {
+		 char *made = nullptr;
+		 const bool good = run(
+			 arm, seen, [&] { return (made = canonicalize_file_name("/etc/mtab")) != nullptr; });
+		 free(made);
+		 return good;
+	 }},
+	{"fdopendir", EMFILE,
+         [](ARMED) {
+		 const int fd = open("/dev", O_RDONLY | O_DIRECTORY);
+		 DIR *listing = nullptr;
+		 const bool good = run(arm, seen, [&] { return (listing = fdopendir(fd)) != nullptr; });
+		 if (listing)
+			 closedir(listing);
+		 else
+			 close(fd);
+		 return good;
+	 }},
+	{"readdir", EIO,
+         [](ARMED) {
+		 open_listing l;
+		 return run(arm, seen, [&] { return readdir(l.listing) != nullptr; });
+	 }},
+	{"readdir64", EIO,
+         [](ARMED) {
+		 open_listing l;
+		 return run(arm, seen, [&] { return readdir64(l.listing) != nullptr; });
+	 }},
+	{"readlinkat_of_folder", EIO,
+         [](ARMED) {
+		 open_folder f;
+		 char b[8];
+		 return run(arm, seen, [&] { return readlinkat(f.fd, "cdrom", b, 8) == 3; });
 	 }},
 	{"access", EIO, [](ARMED) { return run(arm, seen, [&] { return access("/etc/mtab", R_OK) == 0; }); }},
 	{"readlink", EIO,
@@ -202,7 +330,7 @@ protected:
 	{
 		put("etc/mtab", "/dev/hda1 / ext3 rw 0 0\n");
 		link("dev/cdrom", "hdc");
-		ASSERT_EQ(show("device /dev/hda\nBLKGETSIZE 8\nmount / 1 2 3\n"), 0);
+		ASSERT_EQ(show("device /dev/hda\nBLKGETSIZE 8\ndevice /dev/sda\nmount / 1 2 3\n"), 0);
 	}
 };
 
@@ -249,6 +377,16 @@ TEST_F(ReplayFault, EveryNameOfOpen)
 	}
 }
 
+TEST_F(ReplayFault, OpenOfAFolderIsAnOpen)
+{
+	open_folder dev;
+	replay_fail_call(1, 0);
+	errno = 0;
+	EXPECT_EQ(openat(dev.fd, "hda", O_RDONLY), -1);
+	EXPECT_EQ(errno, ENXIO);
+	EXPECT_TRUE(opened(openat(dev.fd, "hda", O_RDONLY)));
+}
+
 TEST_F(ReplayFault, EveryNameOfFopen)
 {
 	FILE *(*const opens[])() = {
@@ -278,7 +416,10 @@ TEST_F(ReplayFault, DirectoryCalls)
 	EXPECT_EQ(scandir64("/dev", &wide, nullptr, alphasort64), -1);
 	EXPECT_EQ(opendir("/dev"), nullptr);
 	EXPECT_EQ(errno, EMFILE);
-	EXPECT_EQ(replay_calls(), 3);
+	EXPECT_EQ(scandirat(AT_FDCWD, "/dev", &names, nullptr, alphasort), -1);
+	EXPECT_EQ(errno, ENOMEM);
+	EXPECT_EQ(scandirat64(AT_FDCWD, "/dev", &wide, nullptr, alphasort64), -1);
+	EXPECT_EQ(replay_calls(), 5);
 }
 
 TEST_F(ReplayFault, FailedCloseHasClosed)
@@ -289,6 +430,31 @@ TEST_F(ReplayFault, FailedCloseHasClosed)
 	EXPECT_EQ(errno, EIO);
 	EXPECT_EQ(fcntl(fd, F_GETFD), -1);
 	EXPECT_EQ(errno, EBADF);
+}
+
+TEST_F(ReplayFault, FailedClosedirHasClosed)
+{
+	DIR *listing = opendir("/dev");
+	const int fd = dirfd(listing);
+	replay_fail_call(1, 0);
+	EXPECT_EQ(closedir(listing), -1);
+	EXPECT_EQ(errno, EIO);
+	EXPECT_EQ(fcntl(fd, F_GETFD), -1);
+}
+
+// The end of a listing and a failure both return null; errno tells them apart.
+TEST_F(ReplayFault, EndOfAListingIsNoFailure)
+{
+	DIR *listing = opendir("/dev");
+	int entries = 0;
+	errno = 0;
+	replay_count_calls();
+	while (readdir(listing))
+		++entries;
+	EXPECT_EQ(errno, 0);
+	EXPECT_EQ(entries, 3);
+	EXPECT_EQ(replay_calls(), 4);
+	closedir(listing);
 }
 
 TEST_F(ReplayFault, FailedFcloseHasClosed)

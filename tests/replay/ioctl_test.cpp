@@ -1,12 +1,14 @@
-// The four requests, answered from the table.
+// The requests, answered from the table.
 
 #include "host_dir.h"
 
 #include <fcntl.h>
+#include <linux/blkzoned.h>
+#include <linux/cdrom.h>
+#include <linux/fs.h>
 #include <linux/hdreg.h>
 #include <scsi/scsi_ioctl.h>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -175,4 +177,90 @@ TEST_F(ReplayIoctl, OtherDescriptorsAskTheKernel)
 	EXPECT_EQ(waiting, 3);
 	close(ends[0]);
 	close(ends[1]);
+}
+
+struct number_case {
+	const char *word;
+	unsigned long request;
+	uint64_t value;
+	size_t bytes; // 0: the call returns it
+};
+
+class ReplayNumber : public ReplayIoctl, public ::testing::WithParamInterface<number_case>
+{
+};
+
+static const number_case numbers[] = {
+	{"BLKGETSIZE", BLKGETSIZE, 4294967297, 8},
+	{"BLKGETSIZE64", BLKGETSIZE64, 2199023256064, 8},
+	{"BLKSSZGET", BLKSSZGET, 4096, 4},
+	{"BLKPBSZGET", BLKPBSZGET, 16384, 4},
+	{"BLKROGET", BLKROGET, 1, 4},
+	{"BLKIOMIN", BLKIOMIN, 65536, 4},
+	{"BLKIOOPT", BLKIOOPT, 1048576, 4},
+	{"BLKALIGNOFF", BLKALIGNOFF, 3584, 4},
+	{"BLKGETZONESZ", BLKGETZONESZ, 524288, 4},
+	{"CDROM_GET_CAPABILITY", CDROM_GET_CAPABILITY, 0x29ffff, 0},
+	{"CDROM_DRIVE_STATUS", CDROM_DRIVE_STATUS, CDS_DISC_OK, 0},
+	{"CDROM_LAST_WRITTEN", CDROM_LAST_WRITTEN, 4294967297, 8},
+};
+
+TEST_P(ReplayNumber, IsAnsweredInItsOwnSize)
+{
+	const number_case &row = GetParam();
+	open_device(std::string(row.word) + " " + std::to_string(row.value) + "\n");
+	uint64_t got[2] = {~uint64_t{0}, ~uint64_t{0}};
+	const int result = ioctl(fd, row.request, got);
+	EXPECT_EQ(result, row.bytes == 0 ? static_cast<int>(row.value) : 0);
+	const uint64_t beyond = row.bytes == 4 ? ~uint64_t{0} << 32 : 0;
+	EXPECT_EQ(got[0], row.bytes == 0 ? ~uint64_t{0} : row.value | beyond);
+	EXPECT_EQ(got[1], ~uint64_t{0});
+}
+
+TEST_P(ReplayNumber, FailsWhenNotToldAndAsTold)
+{
+	const number_case &row = GetParam();
+	uint64_t got = 7;
+	open_device("");
+	errno = 0;
+	EXPECT_EQ(ioctl(fd, row.request, &got), -1);
+	EXPECT_EQ(errno, ENOTTY);
+	close(fd);
+	open_device(std::string(row.word) + " fails ENOMEDIUM\n");
+	EXPECT_EQ(ioctl(fd, row.request, &got), -1);
+	EXPECT_EQ(errno, ENOMEDIUM);
+	EXPECT_EQ(got, 7u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, ReplayNumber, ::testing::ValuesIn(numbers),
+                         [](const auto &each) { return std::string(each.param.word); });
+
+// A kernel that knows the one size knows the other.
+TEST_F(ReplayIoctl, EitherSizeFollowsFromTheOther)
+{
+	const struct {
+		const char *lines;
+		uint64_t sectors, bytes; // 0: the errno below
+		int error;
+	} rows[] = {
+		{"BLKGETSIZE 3\n", 3, 1536, 0},
+		{"BLKGETSIZE64 1536\n", 3, 1536, 0},
+		{"BLKGETSIZE64 1535\n", 2, 1535, 0},
+		{"BLKGETSIZE 3\nBLKGETSIZE64 512\n", 3, 512, 0},
+		{"BLKGETSIZE 18446744073709551615\n", UINT64_MAX, UINT64_MAX, 0},
+		{"BLKGETSIZE fails EIO\n", 0, 0, EIO},
+		{"BLKGETSIZE64 fails ENXIO\n", 0, 0, ENXIO},
+	};
+	for (const auto &row : rows) {
+		uint64_t sectors = 0;
+		uint64_t bytes = 0;
+		open_device(row.lines);
+		EXPECT_EQ(ioctl(fd, BLKGETSIZE, &sectors), row.error == 0 ? 0 : -1) << row.lines;
+		EXPECT_EQ(ioctl(fd, BLKGETSIZE64, &bytes), row.error == 0 ? 0 : -1) << row.lines;
+		EXPECT_EQ(sectors, row.sectors) << row.lines;
+		EXPECT_EQ(bytes, row.bytes) << row.lines;
+		EXPECT_EQ(row.error != 0 ? errno : 0, row.error) << row.lines;
+		close(fd);
+	}
+	fd = -1;
 }

@@ -1,49 +1,12 @@
 // The library in front of programs that know nothing of it.
 
-#include "host_dir.h"
+#include "preload.h"
 
 #include <gmock/gmock.h>
 
-#include <sys/wait.h>
-
 using ::testing::HasSubstr;
 
-class ReplayPreload : public HostDir
-{
-protected:
-	struct ended {
-		int status;
-		std::string said; // standard output and error
-	};
-
-	// Runs a command with the library before it and these variables set.
-	ended run(const std::string &variables, const std::string &command) const
-	{
-		const std::string line =
-			"exec 2>&1; LD_PRELOAD=" + library() + " " + variables + " " + command;
-		FILE *stream = popen(line.c_str(), "r");
-		ended result = {-1, ""};
-		char block[512];
-		for (size_t got = 1; stream != nullptr && got > 0;) {
-			got = fread(block, 1, sizeof(block), stream);
-			result.said.append(block, got);
-		}
-		const int status = stream == nullptr ? -1 : pclose(stream);
-		result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-		return result;
-	}
-
-	// A name that the loader can read, wherever the library was built.
-	std::string library() const
-	{
-		const std::filesystem::path name = root / "replay.so";
-		if (!std::filesystem::exists(name))
-			std::filesystem::create_symlink(REPLAY_LIBRARY, name);
-		return name.string();
-	}
-
-	std::string sysroot() const { return "REPLAY_SYSROOT=" + host().string(); }
-};
+using ReplayPreload = PreloadDir;
 
 TEST_F(ReplayPreload, PlainToolsSeeTheHost)
 {

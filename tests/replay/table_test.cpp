@@ -38,6 +38,8 @@ static const char homeless[] = "the line belongs to a device, and none is named 
 static const char bad_entry[] = "entry takes \"-\", or two hexadecimal bytes and two numbers";
 static const char bad_signature[] = "the signature is 55aa, aa55, none or 4 hexadecimal digits";
 
+static const char bad_uname[] = "no text for a field of uname, or one of more than 64 bytes";
+static const char bad_device_number[] = "number takes MAJOR:MINOR";
 static const char not_plain[] = "covers takes an absolute path without \"//\", \".\" and \"..\"";
 static const char covered_already[] = "this path, or one above or below it, is covered already";
 
@@ -133,6 +135,39 @@ static const fault_case faults[] = {
 	{"mount_too_many", "mount / 1 2 3 4 5\n", 1, "too many numbers"},
 	{"mount_twice", "mount / 1 2 3\nmount / 1 2 3\n", 2, "the mount is in the table already"},
 	{"mount_error_unknown", "mount / fails EFOO\n", 1, "no such error name"},
+	{"mount_stray", "mount / 1 2 3x\n", 1, not_a_number},
+	{"mount_too_large", "mount / 1 2 9223372036854775808\n", 1, not_a_number},
+	{"mount_word_unknown", "mount / 1 2 3 blocks 4\n", 1, "no such word of a mount"},
+	{"mount_word_too_early", "mount / 1 2 type 4\n", 1, "a number is missing"},
+	{"mount_word_alone", "mount / 1 2 3 type\n", 1, "a number is missing"},
+	{"mount_word_stray", "mount / 1 2 3 type ext4\n", 1, not_a_number},
+	{"mount_word_twice", "mount / 1 2 3 type 4 type 4\n", 1, "the mount has this word already"},
+	{"mount_number_after_word", "mount / 1 2 3 type 4 5\n", 1, "too many numbers"},
+	{"mount_word_after_failure", "mount / fails EIO type 1\n", 1, "words after the error name"},
+	{"uname_without_text", "uname release\n", 1, "uname takes a field and its text"},
+	{"uname_two_texts", "uname release 6.1 6.2\n", 1, "uname takes a field and its text"},
+	{"uname_field_unknown", "uname domainname x\n", 1,
+         "uname has sysname, nodename, release, version and machine"},
+	{"uname_twice", "uname release x\nuname release x\n", 2, "the table has this line already"},
+	{"uname_broken_escape", "uname release \\04\n", 1, bad_uname},
+	{"uname_too_long",
+         "uname release 12345678901234567890123456789012345678901234567890123456789012345\n", 1, bad_uname},
+	{"answer_after_uname", "device /dev/hda\nuname release x\nopens 1\n", 3, homeless},
+	{"number_outside", "number 8:0\n", 1, homeless},
+	{"number_missing", "device /dev/sda\nnumber\n", 2, bad_device_number},
+	{"number_without_minor", "device /dev/sda\nnumber 8\n", 2, bad_device_number},
+	{"number_stray", "device /dev/sda\nnumber 8:0x\n", 2, bad_device_number},
+	{"number_in_two_words", "device /dev/sda\nnumber 8: 0\n", 2, bad_device_number},
+	{"number_major_too_large", "device /dev/sda\nnumber 4096:0\n", 2, bad_device_number},
+	{"number_minor_too_large", "device /dev/sda\nnumber 8:1048576\n", 2, bad_device_number},
+	{"number_twice", "device /dev/sda\nnumber 8:0\nnumber 8:0\n", 3, twice},
+	{"bytes_missing", "device /dev/sda\nBLKGETSIZE64\n", 2, "a number is missing"},
+	{"bytes_twice", "device /dev/sda\nBLKGETSIZE64 1\nBLKGETSIZE64 fails EIO\n", 3, twice},
+	{"read_only_flag", "device /dev/sda\nBLKROGET 2\n", 2, not_a_number},
+	{"sector_size_too_large", "device /dev/sda\nBLKSSZGET 0x80000000\n", 2, not_a_number},
+	{"capability_outside", "CDROM_GET_CAPABILITY 1\n", 1, homeless},
+	{"sector_beyond_bytes", "device /dev/hda\nBLKGETSIZE64 1024\nsector 2 00\n", 3,
+         "the sector lies beyond the device's end"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Each, ReplayTableFault, ::testing::ValuesIn(faults),
@@ -198,7 +233,7 @@ TEST_F(ReplayTable, RecordsHoldWhatTheLinesSay)
 	                "opens 2\nends 100\nimage disk.img\n"
 	                "table 9 aa55\nentry 80 83 63 4294967295\nentry -\n"
 	                "sector 5 0102\n + 03\n"
-	                "device /dev/hdb\nopen fails ENOMEDIUM\n"
+	                "device /dev/hdb\nopen fails ENOMEDIUM\nnumber 0xfff:1048575\n"
 	                "mount /a\\040b 1024 10 9\nmount /c 512 8 7 6\nmount /d fails ESTALE\n");
 	replay::arena_t memory;
 	ASSERT_TRUE(memory.open());
@@ -230,10 +265,45 @@ TEST_F(ReplayTable, RecordsHoldWhatTheLinesSay)
 	const replay::device_t *hdb = replay::find_device(table, "/dev/hdb");
 	ASSERT_NE(hdb, nullptr);
 	EXPECT_EQ(hdb->answers[replay::OPEN_ANSWER].error, ENOMEDIUM);
+	EXPECT_EQ(hda->major, 0u);
+	EXPECT_EQ(hdb->major, 4095u);
+	EXPECT_EQ(hdb->minor, 1048575u);
 	const replay::mount_t *blank = replay::find_mount(table, "/a b");
 	ASSERT_NE(blank, nullptr);
 	EXPECT_EQ(blank->bavail, 9u);
 	EXPECT_EQ(replay::find_mount(table, "/c")->bavail, 6u);
 	EXPECT_EQ(replay::find_mount(table, "/d")->error, ESTALE);
+	memory.close();
+}
+
+// A table of today's largest machines is read, and asked, in no time that anybody would notice.
+TEST_F(ReplayTable, TenThousandDevicesAndMounts)
+{
+	constexpr int count = 10000;
+	std::string text;
+	for (int i = 0; i < count; ++i) {
+		const std::string name = std::to_string(i);
+		text += "device /dev/d" + name + "\nnumber 8:" + name + "\nmount /m" + name + " 1 " + name +
+		        " 0\n";
+	}
+	put("host.txt", text);
+	replay::arena_t memory;
+	ASSERT_TRUE(memory.open());
+	replay::host_table_t *table = replay::load_table(host().c_str(), &memory);
+	ASSERT_NE(table, nullptr);
+	unsigned found = 0;
+	for (unsigned i = 0; i < count; ++i) {
+		const std::string name = std::to_string(i);
+		const replay::device_t *dev = replay::find_device(table, ("/dev/d" + name).c_str());
+		const replay::mount_t *mount = replay::find_mount(table, ("/m" + name).c_str());
+		found += dev && dev->minor == i && mount && mount->blocks == i;
+	}
+	EXPECT_EQ(found, unsigned{count});
+	EXPECT_EQ(replay::find_device(table, "/dev/d10000"), nullptr);
+	EXPECT_EQ(replay::find_mount(table, "/m"), nullptr);
+	// Their order is the table's.
+	EXPECT_STREQ(table->devices.first->path, "/dev/d0");
+	EXPECT_STREQ(table->devices.first->next->path, "/dev/d1");
+	EXPECT_STREQ(table->devices.last->path, "/dev/d9999");
 	memory.close();
 }
