@@ -41,12 +41,13 @@ REPLAY_CALL int mknod(const char *path, mode_t mode, dev_t number) __THROW
 
 REPLAY_CALL int mkdirat(int directory, const char *path, mode_t mode) __THROW
 {
+	struct stat st = {};
 	place_t at;
 	if (!find_change(CALL_MKDIR, directory, path, &at))
 		return -1;
 	if (at.kind == RUNNING)
 		return REPLAY_REAL(mkdirat)(directory, library_path(at, path), mode);
-	if (at.kind == DEVICE_IN_HOST || REPLAY_REAL(access)(at.stored, F_OK) == 0) {
+	if (at.kind == DEVICE_IN_HOST || REPLAY_REAL(lstat)(at.stored, &st) == 0) {
 		errno = EEXIST;
 		return -1;
 	}

@@ -4,6 +4,7 @@
 #include "replay/faults.h"
 #include "replay/real.h"
 
+#include <fcntl.h>
 #include <mntent.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -72,7 +73,8 @@ REPLAY_CALL int ioctl(int fd, unsigned long request, ...) __THROW
 	if (must_fail(CALL_IOCTL))
 		return -1;
 	const device_t *dev = open_device_of(fd);
-	if (dev)
+	// A bare path knows no requests: the kernel says so itself.
+	if (dev && (fcntl(fd, F_GETFL) & O_PATH) == 0)
 		return answer_ioctl(*dev, request, argument);
 	return REPLAY_REAL(ioctl)(fd, request, argument);
 }

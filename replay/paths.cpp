@@ -57,6 +57,8 @@ bool plain_path(const char *path, char (&out)[PATH_MAX])
 bool plain_path_below(const char *folder, const char *path, char (&out)[PATH_MAX])
 {
 	char whole[PATH_MAX];
+	if (folder[0] == '\0' && path[0] == '/')
+		return plain_path(path, out);
 	const int length = snprintf(whole, sizeof whole, "%s/%s", folder, path);
 	return length > 0 && length < PATH_MAX && plain_path(whole, out);
 }

@@ -12,7 +12,7 @@ namespace replay
 // long: such a one is never replayed.
 bool plain_path(const char *path, char (&out)[PATH_MAX]);
 
-// The same for a relative path below an absolute folder.
+// The same for a path that counts from a plain folder, "" for the root.
 bool plain_path_below(const char *folder, const char *path, char (&out)[PATH_MAX]);
 
 // Whether a plain path is `top` or lies below it.

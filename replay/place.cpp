@@ -202,30 +202,37 @@ bool to_host_path(const host_table_t *table, char (&path)[PATH_MAX])
 	return true;
 }
 
+// The folder of the host that a descriptor was opened on, "" for its root.
+static bool find_folder(const host_table_t *table, int fd, char (&folder)[PATH_MAX])
+{
+	return fd != AT_FDCWD && descriptor_target(fd, folder) && to_host_path(table, folder);
+}
+
 // Whether the path is the host's: then the walk begins at its folder `start` and goes `way`.
 static bool find_way(const host_table_t *table, int directory, const char *path, place_t *to,
                      char (&start)[PATH_MAX], char (&way)[PATH_MAX])
 {
+	const bool is_absolute = path[0] == '/';
 	char plain[PATH_MAX];
 
-	memcpy(way, path, strlen(path) + 1);
-	if (path[0] == '/') {
-		start[0] = '\0';
-		if (!plain_path(path, plain))
-			return false;
-		if (is_own_mounts(plain)) {
-			memcpy(plain, OWN_MOUNTS, sizeof OWN_MOUNTS);
-			memcpy(way, OWN_MOUNTS, sizeof OWN_MOUNTS);
-		}
-		return is_covered(table, plain);
-	}
-	if (directory == AT_FDCWD || !descriptor_target(directory, start) || !to_host_path(table, start))
+	start[0] = '\0';
+	if (!is_absolute && !find_folder(table, directory, start))
 		return false;
+	memcpy(way, path, strlen(path) + 1);
+	if (!plain_path_below(start, path, plain))
+		return !is_absolute;
+	if (is_own_mounts(plain)) {
+		start[0] = '\0';
+		memcpy(plain, OWN_MOUNTS, sizeof OWN_MOUNTS);
+		memcpy(way, OWN_MOUNTS, sizeof OWN_MOUNTS);
+	}
+	if (is_absolute)
+		return is_covered(table, plain);
 	// A captured folder has no node of its own for what is never shown.
-	if (!plain_path_below(start, path, plain) || !is_never_shown(plain))
-		return true;
-	memcpy(to->stored, plain, strlen(plain) + 1);
-	return false;
+	const bool is_shown = !is_never_shown(plain);
+	if (!is_shown)
+		memcpy(to->stored, plain, strlen(plain) + 1);
+	return is_shown;
 }
 
 void find_place(int directory, const char *path, links_t last, place_t *to)

@@ -3,6 +3,8 @@
 #include "host_dir.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
@@ -200,10 +202,14 @@ TEST_F(ReplayDevice, StatusHasItsNumber)
 TEST_F(ReplayDevice, BarePathDoesNotReachTheDriver)
 {
 	char byte = 0;
-	ASSERT_EQ(show("device /dev/sda\nopens 1\ndevice /dev/sdb\nopen fails EIO\n"), 0);
+	unsigned long sectors = 0;
+	ASSERT_EQ(show("device /dev/sda\nopens 1\ndevice /dev/sdb\nopen fails EIO\nBLKGETSIZE 8\n"), 0);
 	const int held = open("/dev/sdb", O_PATH);
 	EXPECT_GE(held, 0);
 	EXPECT_EQ(read(held, &byte, 1), -1);
+	EXPECT_EQ(errno, EBADF);
+	errno = 0;
+	EXPECT_EQ(ioctl(held, BLKGETSIZE, &sectors), -1);
 	EXPECT_EQ(errno, EBADF);
 	close(held);
 	close(open("/dev/sda", O_PATH));

@@ -5,6 +5,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/xattr.h>
 
 #include <algorithm>
@@ -241,6 +242,20 @@ TEST_F(ReplayFolder, FlagsAreTheKernels)
 	EXPECT_EQ(file_text(host() / device_folder / "size"), "2048\n");
 }
 
+TEST_F(ReplayFolder, WhatWouldChangeIsLogged)
+{
+	const folder dev("/dev/disk/by-id");
+	replay_log_to(log().c_str());
+	EXPECT_EQ(mkdirat(dev.fd, "new", 0755), 0);
+	EXPECT_EQ(mkdirat(dev.fd, "../by-id/ata-X", 0755), -1);
+	EXPECT_EQ(errno, EEXIST);
+	EXPECT_EQ(mkdirat(dev.fd, "none/../new", 0755), -1);
+	EXPECT_EQ(errno, ENOENT);
+	EXPECT_EQ(mknodat(dev.fd, "../../sdb", S_IFBLK | 0600, makedev(8, 16)), 0);
+	EXPECT_EQ(log_text(), "mkdir /dev/disk/by-id/new 0755\nmknod /dev/sdb 060600 8:16\n");
+	EXPECT_FALSE(std::filesystem::exists(host() / "dev/disk/by-id/new"));
+}
+
 TEST_F(ReplayFolder, EmptyPathIsTheDescriptorItself)
 {
 	const folder blocks("/sys/class/block", O_PATH | O_DIRECTORY);
@@ -398,6 +413,8 @@ TEST_F(ReplayFolder, NothingButTheMountTableIsShownOfAProcess)
 	}
 	const folder proc("/proc");
 	EXPECT_EQ(line_of(openat(proc.fd, "self/mountinfo", O_RDONLY)), mounts);
+	EXPECT_EQ(line_of(openat(proc.fd, (own.substr(6) + "/mountinfo").c_str(), O_RDONLY)), mounts);
+	EXPECT_NE(line_of(openat(proc.fd, "self/comm", O_RDONLY)), "captured");
 	std::filesystem::remove(host() / "proc/self/mountinfo");
 	EXPECT_EQ(line_of(open("/proc/self/mountinfo", O_RDONLY)), "ENOENT");
 	// It can be covered alone.
