@@ -2,6 +2,7 @@
 #include "replay/device.h"
 
 #include "replay/log.h"
+#include "replay/paths.h"
 #include "replay/real.h"
 
 #include <errno.h>
@@ -140,16 +141,20 @@ static int open_device(device_t *dev, int flags)
 // The kernel's own trees take no new files, wherever they were captured from.
 static bool may_create(const char *shown)
 {
-	return strncmp(shown, "/proc/", 6) != 0 && strncmp(shown, "/dev/", 5) != 0;
+	return !lies_in(shown, "/proc") && !lies_in(shown, "/dev") && !lies_in(shown, "/sys");
 }
 
 static int open_file_copy(const place_t &at, int flags)
 {
 	struct stat st = {};
+	const bool is_kept_link =
+		(flags & O_NOFOLLOW) != 0 && REPLAY_REAL(lstat)(at.stored, &st) == 0 && S_ISLNK(st.st_mode);
 	const bool exists = REPLAY_REAL(stat)(at.stored, &st) == 0;
 	int error = 0;
 
-	if (!exists && ((flags & O_CREAT) == 0 || !may_create(at.shown)))
+	if (is_kept_link)
+		error = ELOOP;
+	else if (!exists && ((flags & O_CREAT) == 0 || !may_create(at.shown)))
 		error = ENOENT;
 	else if (exists && (flags & O_CREAT) != 0 && (flags & O_EXCL) != 0)
 		error = EEXIST;

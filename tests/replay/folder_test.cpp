@@ -227,6 +227,7 @@ TEST_F(ReplayFolder, FlagsAreTheKernels)
 	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_RDONLY | O_DIRECTORY)), "ENOTDIR");
 	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_PATH)), "EBADF");
 	EXPECT_EQ(line_of(openat(blocks.fd, "sda", O_RDONLY | O_NOFOLLOW)), "ELOOP");
+	EXPECT_EQ(line_of(openat(blocks.fd, "sda", O_RDWR | O_NOFOLLOW)), "ELOOP");
 	EXPECT_EQ(line_of(openat(blocks.fd, "sda/size", O_RDONLY | O_NOFOLLOW)), "2048");
 	EXPECT_EQ(line_of(openat(blocks.fd, "sda/", O_RDONLY | O_NOFOLLOW)), "EISDIR");
 	// The link itself can be held, and be read through its descriptor.

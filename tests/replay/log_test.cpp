@@ -108,6 +108,9 @@ TEST_F(ReplayLog, KernelTreesTakeNoNewFiles)
 	EXPECT_EQ(errno, ENOENT);
 	EXPECT_EQ(open("/dev/new", O_WRONLY | O_CREAT, 0600), -1);
 	EXPECT_EQ(errno, ENOENT);
+	errno = 0;
+	EXPECT_EQ(fopen("/sys/new", "w"), nullptr);
+	EXPECT_EQ(errno, ENOENT);
 	EXPECT_EQ(open("/proc/scsi", O_WRONLY), -1);
 	EXPECT_EQ(errno, EISDIR);
 	EXPECT_EQ(open("/proc/scsi/scsi", O_WRONLY | O_CREAT | O_EXCL, 0600), -1);

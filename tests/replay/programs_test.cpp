@@ -34,6 +34,7 @@ protected:
 		link("sys/dev/block/8:1", "../../" + disk + "/sda1");
 		link("dev/disk/by-label/root", "../../sda1");
 		put("run/udev/data/b8:1", "E:ID_FS_TYPE=ext4\n");
+		put("proc/swaps", "Filename Type Size Used Priority\n");
 		put("proc/self/mountinfo", "22 1 8:1 / / rw,relatime - ext4 /dev/sda1 rw\n");
 		put("host.txt", "device /dev/sda\nnumber 8:0\nBLKGETSIZE 16384\n"
 		                "device /dev/sda1\nnumber 8:1\nBLKGETSIZE 8192\n"
@@ -169,4 +170,25 @@ TEST_F(ReplayPrograms, LargeDiskOfLargeSectors)
 	EXPECT_THAT(said("blkid -p /dev/sda"), HasSubstr("PTTYPE=\"gpt\""));
 	put("host.txt", disk + "BLKSSZGET 512\n");
 	EXPECT_THAT(run(sysroot(), "blkid -p /dev/sda").said, Not(HasSubstr("gpt")));
+}
+
+// The document's script, on a host that is shown: what it captures shows the same.
+TEST_F(ReplayPrograms, TheDocumentsScriptCapturesAHost)
+{
+	const std::string document = file_text(REPLAY_DOCUMENT);
+	const size_t begin = document.find("```sh\n");
+	ASSERT_NE(begin, std::string::npos);
+	std::ofstream(root / "capture.sh")
+		<< document.substr(begin + 6, document.find("```\n", begin) - begin - 6);
+	const std::filesystem::path again = root / "again";
+	EXPECT_EQ(said("sh " + (root / "capture.sh").string() + " " + again.string()), "");
+	EXPECT_EQ(run_plain("diff -r --no-dereference " + (host() / "sys").string() + " " +
+	                    (again / "sys").string())
+	                  .said,
+	          "");
+	EXPECT_EQ(file_text(again / "proc/self/mountinfo"), file_text(host() / "proc/self/mountinfo"));
+	EXPECT_EQ(file_text(again / "run/udev/data/b8:1"), "E:ID_FS_TYPE=ext4\n");
+	EXPECT_EQ(std::filesystem::read_symlink(again / "dev/disk/by-label/root"), "../../sda1");
+	for (const char *program : {"lsblk -J -b -O", "df", "uname -a"})
+		EXPECT_EQ(run("REPLAY_SYSROOT=" + again.string(), program).said, said(program));
 }
