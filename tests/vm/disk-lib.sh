@@ -96,3 +96,15 @@ mirror_member() {
 	done
 	printf '%b' "$hex" | dd of="$file" bs=512 seek=$((start + size)) conv=notrunc status=none
 }
+
+# file_system FILE START SECTORS COMMAND...: what the command makes in an image of that size
+file_system() {
+	local file=$1 start=$2
+	truncate -s $(($3 * 512)) "$file.fs"
+	shift 3
+	"$@" "$file.fs" > /dev/null
+	put "$file" "$start" "$file.fs"
+}
+
+# gpt FILE: a table of the lines on stdin, sfdisk's own header lines among them
+gpt() { sfdisk --quiet --no-reread --no-tell-kernel "$1" > /dev/null; }

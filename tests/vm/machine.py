@@ -40,8 +40,11 @@ def image_options(conf):
 class Machine:
     """One boot of one scenario."""
 
+    home = HERE  # where the scenarios are
+
     def __init__(self, name, build_dir, kernel, work):
         self.name = name
+        self.scenario = self.home / "scenarios" / name
         self.disks = work / "disks"
         self.payload = work / "payload"
         self.seen = self.payload / "out"
@@ -49,22 +52,28 @@ class Machine:
         self._boot(kernel, work)
 
     def _make(self, build_dir):
-        subprocess.run([HERE / "make-disks", self.name, self.disks], check=True, timeout=TIME_LIMIT)
+        subprocess.run([HERE / "make-disks", self.scenario, self.disks], check=True, timeout=TIME_LIMIT)
         self.payload.mkdir()
-        scenario = HERE / "scenarios" / self.name
+        self._fill(build_dir)
+
+    def _fill(self, build_dir):
+        """Puts into the payload what the machine needs beside its disks."""
         for program in PROGRAM_FILES:
             shutil.copy(build_dir / program, self.payload)
-        own = scenario / "collect.sh"
+        own = self.scenario / "collect.sh"
         shutil.copy(own if own.exists() else HERE / "guest-collect", self.payload / "collect")
         shutil.copy(HERE / "guest-lib.sh", self.payload)
-        shutil.copy(scenario / "mounts.sh", self.payload)
+        shutil.copy(self.scenario / "mounts.sh", self.payload)
+
+    def _options(self, kernel):
+        """What run-vm is told beside the disks."""
+        # Instrumented programs are large, and the payload lies in the machine's memory twice for a while.
+        size = sum(file.stat().st_size for file in self.payload.rglob("*") if file.is_file()) >> 20
+        return ["--memory", str(max(256, 4 * size + 192))]
 
     def _boot(self, kernel, work):
-        # Instrumented programs are large, and the payload lies in the machine's memory twice for a while.
-        size = sum(file.stat().st_size for file in self.payload.iterdir()) >> 20
-        command = [HERE / "run-vm", "--config", self.disks / "vm.conf", "--payload", self.payload]
-        command += ["--memory", str(max(256, 4 * size + 192)), "--timeout", str(TIME_LIMIT)]
-        command += ["--console", work / "console", "--", "sh", "collect"]
+        command = [HERE / "run-vm", "--config", self.disks / "vm.conf", "--payload", self.payload, *self._options(kernel)]
+        command += ["--timeout", str(TIME_LIMIT), "--console", work / "console", "--", "sh", "collect"]
         environment = {"PATH": SEARCH_PATH, "DISKSCOUT_VM_KERNEL": str(kernel), "TMPDIR": str(work)}
         run = subprocess.run(command, env=environment, capture_output=True, text=True, errors="replace",
                              timeout=2 * TIME_LIMIT)

@@ -18,6 +18,7 @@ class Booted:
     maxDiff = None
     name = None
     options = None  # of the command line
+    kind = machine.Machine
 
     @classmethod
     def setUpClass(cls):
@@ -28,7 +29,7 @@ class Booted:
             directory = tempfile.TemporaryDirectory(prefix="diskscout-vm.")
             cls.addClassCleanup(directory.cleanup)
             work = pathlib.Path(directory.name)
-        cls.machine = machine.Machine(cls.name, cls.options.build_dir, cls.options.kernel, work)
+        cls.machine = cls.kind(cls.name, cls.options.build_dir, cls.options.kernel, work)
 
     def assert_nothing_changed(self):
         for name in ("files", "nodes", "node-times", "mounts", "written"):

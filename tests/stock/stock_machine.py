@@ -1,0 +1,87 @@
+"""A machine with the distribution's kernel: what of the distribution's programs it is given, and its answers.
+
+A scenario is a directory below scenarios/:
+  disks.sh    makes the disk images, in the functions of tests/vm/disk-lib.sh
+  vm.conf     attaches them and names the kernel's modules: options of tests/vm/run-vm, one per line
+  guest.sh    runs in the machine in the functions of stock-lib.sh: `prepare` makes devices and, where the root is to be
+              on one of them, mounts it on /newroot; `mounts` runs in that root, `extra` at the end
+"""
+
+import json
+import pathlib
+import shutil
+
+import machine
+
+HERE = pathlib.Path(__file__).resolve().parent
+PROGRAMS = ("blkid", "btrfs", "cryptsetup", "dmsetup", "findmnt", "losetup", "lsblk", "lvm", "mdadm", "mke2fs", "mkswap",
+            "setpriv", "sfdisk", "udevadm")
+HOST_PROGRAMS = ("depmod", "fdisk", "mkfs.btrfs", "mkfs.xfs", "modprobe")
+UDEV_HELPERS = ("ata_id", "cdrom_id", "scsi_id")
+# Those of the packages that setup names: what else is installed here must not change an answer.
+UDEV_RULES = ("50-udev-default", "55-dm", "56-lvm", "60-block", "60-cdrom_id", "60-persistent-storage",
+              "60-persistent-storage-dm", "63-md-raid-arrays", "64-btrfs", "95-dm-notify")
+UDEV = pathlib.Path("/usr/lib/udev")
+STAGES = ("udev-root", "udev-user", "bare-root", "bare-user")
+OURS = ("diskscout", "diskscout.so")
+# What each stage asks: a name for the answer, and the words as they stand in the machine.
+QUERIES = (("lsblk", "lsblk -J -b -O"), ("classic", "./diskscout list --json"))
+
+
+def found(program):
+    return shutil.which(program, path=machine.SEARCH_PATH)
+
+
+def missing_programs():
+    """What a run needs and this host lacks."""
+    return machine.missing_programs() + [name for name in (*PROGRAMS, *HOST_PROGRAMS) if not found(name)]
+
+
+class Machine(machine.Machine):
+    """One boot of one scenario."""
+
+    home = HERE
+    capture = False  # whether the captured host is wanted as well
+
+    def _fill(self, build_dir):
+        for program in OURS:
+            shutil.copy(build_dir / program, self.payload)
+        (self.payload / "bin").mkdir()
+        for program in PROGRAMS:
+            shutil.copy(found(program), self.payload / "bin" / program)
+        rules = self.payload / "udev" / "rules.d"
+        rules.mkdir(parents=True)
+        for name in UDEV_RULES:
+            shutil.copy(UDEV / "rules.d" / f"{name}.rules", rules)
+        for name in UDEV_HELPERS:
+            shutil.copy(UDEV / name, rules.parent)
+        (self.payload / "etc").mkdir()
+        shutil.copy("/etc/mke2fs.conf", self.payload / "etc")
+        shutil.copy(HERE / "guest-collect", self.payload / "collect")
+        shutil.copy(HERE / "stock-lib.sh", self.payload)
+        shutil.copy(self.scenario / "guest.sh", self.payload)
+        if self.capture:
+            shutil.copy(HERE / "capture-host", self.payload)
+        (self.payload / "queries").write_text("".join(f"{name} {words}\n" for name, words in QUERIES))
+
+    def _options(self, kernel):
+        return ["--memory", "768", "--kernel-tree", kernel]
+
+    @property
+    def names(self):
+        """{role: the kernel's name}"""
+        return dict(line.split() for line in self.lines("names"))
+
+    def listed(self, stage):
+        """{name: what lsblk says of it}"""
+        # It hands on the bytes of a mount point as they are.
+        answer = json.loads((self.seen / stage / "lsblk.out").read_bytes().decode(errors="surrogateescape"))
+        devices = {}
+
+        def walk(items):
+            for item in items:
+                devices[item["name"]] = item
+                walk(item.get("children", ()))
+
+        walk(answer["blockdevices"])
+        return devices
