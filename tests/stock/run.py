@@ -43,6 +43,18 @@ class Desktop(Stock, unittest.TestCase):
     left_out = ("unused", "left", "right")
 
 
+class Arrays(Stock, unittest.TestCase):
+    """Software RAID of every level and in every state, on more than 32 disks."""
+
+    name = "arrays"
+
+
+class Mappings(Stock, unittest.TestCase):
+    """Root on LVM on LUKS on a mirror on partitions; multipath, and the device mapper's other uses."""
+
+    name = "mappings"
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--build-dir", type=pathlib.Path, required=True)

@@ -16,7 +16,9 @@ real() {
 
 # what a scenario may say in words of its own
 mounts() { :; }
-extra() { :; }
+hang() { return 1; }    # makes a device that never answers, where the scenario has one
+unhang() { :; }
+worth_keeping() { :; }  # names of the devices that a captured host shows; none: all of them
 
 finish() {      # bring everything back
 	cp -a $seen/. /payload/out/
@@ -27,6 +29,9 @@ fail() {
 	finish
 	exit 90
 }
+
+# must COMMAND...: or the machine ends here; what it says is kept
+must() { "$@" < /dev/null >> $seen/made.log 2>&1 || fail "$*: $(tail -n 3 $seen/made.log)"; }
 
 step() { echo "$(cut -d ' ' -f 1 /proc/uptime) $*" >> $seen/times; }
 
@@ -50,7 +55,8 @@ begin() {
 	cp -a /payload/etc/. /etc/
 	mkdir -p /usr/lib /mnt
 	ln -s /payload/udev /usr/lib/udev
-	ln -s /payload/udev /lib/udev           # where it looks for its helpers
+	ln -s /payload/udev /lib/udev           # where it looks for its helpers, and its rules in /sbin
+	for program in mdadm dmsetup lvm; do ln -s $programs/$program /sbin/; done
 	echo "agent:x:$user:$user::/:/bin/sh" >> /etc/passwd
 	for group in tty:5 disk:6 lp:7 kmem:15 dialout:20 cdrom:24 tape:26 audio:29 video:44 input:101 render:102 \
 		sgx:103 kvm:104; do
@@ -95,14 +101,16 @@ furnish() {
 	step furnished
 }
 
-# role NAME PATTERN: the block device whose folder of /sys matches becomes NAME's
+called() { echo "$1 ${2##*/}" >> $seen/names; }         # called ROLE DEVICE
+
+# role NAME PATTERN: the block device whose folder of /sys matches has this role
 role() {
 	for link in /sys/class/block/*; do
 		where=$(readlink -f "$link")
 		# shellcheck disable=SC2254 # a pattern
 		case $where in
 		$2)
-			echo "$1 ${link##*/}" >> $seen/names
+			called "$1" "$link"
 			return ;;
 		esac
 	done
@@ -117,9 +125,17 @@ part() {                                                # part NAME NUMBER: a pa
 	esac
 }
 
+# at DEVICE POINT [OPTION...]: mounted there
+at() {
+	device=$1 point=$2
+	shift 2
+	mkdir -p "$point"
+	mount "$@" "$device" "$point" || fail "$device is not mounted on $point"
+}
+
 # --- what is asked ---------------------------------------------------------------
 
-# ask STAGE NAME COMMAND...: as root
+# ask STAGE NAME COMMAND...: what never ends is ended with the machine, by run-vm
 ask() {
 	into=$seen/$1/$2
 	shift 2
@@ -127,7 +143,7 @@ ask() {
 	echo $? > "$into.status"
 }
 
-# stage NAME: the queries, as root and as an ordinary user who cannot open a device
+# stage NAME QUERIES: as root and as an ordinary user who cannot open a device
 stage() {
 	mkdir "$seen/$1-root" "$seen/$1-user"
 	while read -r name command; do
@@ -135,7 +151,7 @@ stage() {
 		ask "$1-root" "$name" $command
 		# shellcheck disable=SC2086 # words
 		ask "$1-user" "$name" $programs/setpriv --reuid $user --regid $user --clear-groups $command
-	done < queries
+	done < "$2"
 	step "$1"
 }
 
@@ -153,7 +169,7 @@ facts() {
 		name=${device#/dev/}
 		if [ ! -b "$device" ] || ! head -c 1 "$device" > /dev/null 2>&1; then continue; fi
 		ask facts "blkid-$name" blkid -p -o export "$device"
-		[ ! -d "/sys/block/$name" ] || ask facts "sfdisk-$name" sfdisk --json "$device"
+		! grep -q ^PTTYPE= "$seen/facts/blkid-$name.out" || ask facts "sfdisk-$name" sfdisk --json "$device"
 		[ ! -d "/sys/block/$name/md" ] || ask facts "mdadm-$name" mdadm --detail --export "$device"
 		[ ! -d "/sys/block/$name/dm" ] || ask facts "table-$name" dmsetup table "$device"
 	done

@@ -28,20 +28,12 @@ prepare() {
 	role unused '*/loop2'
 
 	echo 32M > /sys/block/zram0/disksize
-	real mkswap -q -L zram -U 90000000-0000-4000-8000-000000000020 /dev/zram0
+	must real mkswap -q -L zram -U 90000000-0000-4000-8000-000000000020 /dev/zram0
 	swapon /dev/zram0
 	swapon "$(part sys 3)"
 	swapon "$(node uas)"
 	mkdir /newroot
 	mount -t ext4 "$(part sys 7)" /newroot || fail "no root"
-}
-
-# at DEVICE POINT [OPTION...]: mounted there
-at() {
-	device=$1 point=$2
-	shift 2
-	mkdir -p "$point"
-	mount "$@" "$device" "$point" || fail "$device is not mounted on $point"
 }
 
 mounts() {
@@ -52,7 +44,7 @@ mounts() {
 	at "$(node dvd)" /media/cdrom -t iso9660 -o ro
 	at "$(node plain)" '/mnt/two words' -t xfs
 	at "$(node v1)" /home -t btrfs
-	real btrfs -q subvolume create '/home/sub volume'
+	must real btrfs -q subvolume create '/home/sub volume'
 	at "$(node v1)" /var/lib/sub -t btrfs -o 'subvol=sub volume'
 	at "$(part shared 1)" "$(printf '/mnt/new\nline')" -t ext4
 	at "$(part stick 1)" "$(printf '/media/byte\377')" -t vfat
@@ -67,11 +59,11 @@ mounts() {
 	truncate -s 16M '/data/image file'
 	printf 'label: gpt\nlabel-id: a0000000-0000-4000-8000-000000000001\nstart=2048, uuid=a0000000-0000-4000-8000-000000000011\n' |
 		real sfdisk -q '/data/image file'
-	real losetup -P /dev/loop0 '/data/image file'
+	must real losetup -P /dev/loop0 '/data/image file'
 	settle
-	real mke2fs -q -t ext4 -L image -U a0000000-0000-4000-8000-000000000021 /dev/loop0p1
+	must real mke2fs -q -t ext4 -L image -U a0000000-0000-4000-8000-000000000021 /dev/loop0p1
 	at /dev/loop0p1 /mnt/image -t ext4
 	truncate -s 1M /data/nothing
-	real losetup -r /dev/loop1 /data/nothing
+	must real losetup -r /dev/loop1 /data/nothing
 	settle
 }
