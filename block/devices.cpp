@@ -11,6 +11,7 @@
 
 #include <errno.h>
 #include <limits.h>
+#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
@@ -71,27 +72,36 @@ static bool leads_to(const char *link, const char *sysname)
 	return true;
 }
 
+static int by_text(const void *one, const void *other)
+{
+	return strcmp(*static_cast<const char *const *>(one), *static_cast<const char *const *>(other));
+}
+
+// In an order of their own: udev's is one of chance.
 static void read_links(Arena *arena, const UdevRecord &udev, device_t *device)
 {
-	Chain<block_text> links(arena);
+	Growing<const char *> links(arena);
 	text_t rest = udev.links();
-	while (true) {
-		const text_t name = UdevRecord::next_link(&rest);
+	for (text_t name = UdevRecord::next_link(&rest); !name.empty(); name = UdevRecord::next_link(&rest)) {
 		char path[PATH_MAX] = "/dev/";
-		if (name.empty())
-			break;
 		if (name.size() >= sizeof path - 5)
 			continue;
 		memcpy(path + 5, name.data(), name.size());
 		path[5 + name.size()] = '\0';
-		if (!leads_to(path, device->sysname))
-			continue;
-		block_text *link = links.add();
-		if (!link)
-			return;
-		link->text = shown_text(arena, std::string_view(path));
+		const char **link = leads_to(path, device->sysname) ? links.add() : nullptr;
+		if (link)
+			*link = shown_text(arena, std::string_view(path));
 	}
-	device->record.links = links.first();
+	if (links.size() == 0 || arena->is_exhausted())
+		return;
+	qsort(links.begin(), links.size(), sizeof(const char *), by_text);
+	Chain<block_text> list(arena);
+	for (const char *link : links) {
+		block_text *text = list.add();
+		if (text)
+			text->text = link;
+	}
+	device->record.links = list.first();
 }
 
 static void read_hardware(query_t *query, const Folder &folder, const UdevRecord &udev, device_t *device)

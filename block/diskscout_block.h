@@ -91,7 +91,7 @@ typedef struct block_device {
 	const char *uuid;  /* NVMe: UUID of the namespace */
 	int scsi_host, scsi_channel, scsi_target; /* SCSI address; absent together */
 	long long scsi_lun;
-	block_text *links;          /* other paths in /dev that lead to it, such as /dev/disk/by-id/... */
+	block_text *links; /* other paths in /dev that lead to it, by name, such as /dev/disk/by-id/... */
 	const char *controller_pci; /* PCI address of the controller, such as 0000:00:1f.2 */
 	int numa_node;              /* of the controller; absent when the machine has one only */
 	const char
@@ -114,8 +114,8 @@ typedef struct block_link {
 	struct block_link *next;
 	const char *upper;    /* name of the device that stands on the other; never null */
 	const char *lower;    /* name of the one that carries it; never null */
-	const char *relation; /* "partition" (upper is part of lower), "slave", "path" (lower is one way to
-	                         upper) */
+	const char *relation; /* "partition" (upper is part of lower, also by a mapping), "slave", "path"
+	                         (lower is one way to upper) */
 	const char *address;  /* "path": where it leads through: H:C:T:L, PCI address or the controller's own
 	                         text */
 	const char *state;    /* "path": as the kernel tells it, such as "running" or "live" */

@@ -51,9 +51,18 @@ static device_t *head_of(const Inventory &devices, const device_t &path)
 	return devices.by_sysname({name, subsystem.size() + rest.size()});
 }
 
-static bool is_multipath(const device_t &device)
+// What a device is to those that it is made of: mappings say it by how their uuids begin.
+static const char *relation_of(const device_t &device)
 {
-	return device.record.dm_uuid && begins_with(device.record.dm_uuid, "mpath-");
+	static const struct {
+		text_t prefix;
+		const char *relation;
+	} MAPPINGS[] = {{"mpath-", "path"}, {"part", "partition"}};
+	const text_t uuid = device.record.dm_uuid ? device.record.dm_uuid : "";
+	for (const auto &row : MAPPINGS)
+		if (begins_with(uuid, row.prefix))
+			return row.relation;
+	return "slave";
 }
 
 static void add_stand(Growing<stand_t> *stands, device_t *upper, device_t *lower, const char *relation)
@@ -78,10 +87,10 @@ bool find_stands(const Inventory &devices, Growing<stand_t> *stands)
 			add_stand(stands, device, device->whole, "partition");
 		if (is_kind(*device, "path"))
 			add_stand(stands, head_of(devices, *device), device, "path");
-		const char *relation = is_multipath(*device) ? "path" : "slave";
 		for (const slave_t *slave = device->slaves; slave; slave = slave->next)
 			add_stand(stands, device,
-			          slave->sysname ? devices.by_sysname(slave->sysname) : nullptr, relation);
+			          slave->sysname ? devices.by_sysname(slave->sysname) : nullptr,
+			          relation_of(*device));
 	}
 	if (devices.arena()->is_exhausted())
 		return false;
