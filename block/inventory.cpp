@@ -130,6 +130,8 @@ static text_t path_of(Arena *arena, const Folder &class_folder, const char *sysn
 device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context)
 {
 	constexpr int64_t SECTOR = 512; // of the attribute, whatever the device's own are
+	// What the kernel says of an optical drive until a disc has told its size.
+	constexpr int64_t SECTORS_OF_NO_DISC = 0x1fffff;
 	const Folder folder(class_, sysname);
 	attribute_t uevent;
 	if (!folder.is_open() || !read_attribute(folder, "uevent", &uevent))
@@ -145,7 +147,9 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 	device->record.name = name_of(arena_, sysname);
 	read_uevent(arena_, uevent.text(), device);
 	const int64_t sectors = read_count(folder, "size", INT64_MAX / SECTOR);
-	if (sectors >= 0)
+	if (sectors == SECTORS_OF_NO_DISC && is_kind(*device, "rom"))
+		device->record.size = 0;
+	else if (sectors >= 0)
 		device->record.size = sectors * SECTOR;
 	if (fill)
 		fill(context, folder, device);
