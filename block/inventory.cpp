@@ -22,7 +22,7 @@ void clear_device(block_device *record)
 
 bool is_kind(const device_t &device, text_t kind)
 {
-	return kind == device.record.kind;
+	return device.record.kind && kind == device.record.kind; // none without memory
 }
 
 static bool is_digit(char c)
