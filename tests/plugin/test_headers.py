@@ -46,7 +46,8 @@ def test_every_export_is_declared(exports, library, source_dir, tmp_path):
     program = tmp_path / "exports.c"
     program.write_text("".join(f'#include "{header}"\n' for header in library.headers) + table)
     done = subprocess.run(["cc", "-std=c99", "-pedantic-errors", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
-                           f"-I{source_dir}/src", f"-I{source_dir}/block", str(program)], check=False, capture_output=True, text=True)
+                           f"-I{source_dir}/src", f"-I{source_dir}/block", str(program)], check=False,
+                          capture_output=True, text=True)
     assert done.stderr == ""
     assert done.returncode == 0
 
