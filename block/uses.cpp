@@ -32,7 +32,7 @@ static void mark(const device_set_t &devices, int use)
 static void mark_mounts(const MountTree &tree, const Growing<mount_entry_t> &mounts, const device_set_t *sets,
                         uses_t *uses)
 {
-	static const struct {
+	static constexpr struct {
 		text_t mount_point;
 		int use;
 	} POINTS[] = {{"/", ROOT}, {"/boot", BOOT}};
