@@ -162,11 +162,11 @@ enum found_t { ARRAY, NO_ARRAY, FAILED };
 static found_t read_array(Arena *arena, const UdevDatabase &database, const Folder &folder,
                           const block_device &device, block_array *array)
 {
-	if (!folder.is_open())
-		return is_nothing(errno) ? NO_ARRAY : FAILED;
 	const Folder md(folder, "md");
-	if (!md.is_open())
+	if (!md.is_open()) {
+		errno = md.error();
 		return is_nothing(errno) ? NO_ARRAY : FAILED;
+	}
 	clear_array(device, array);
 	const bool listed = read_members(arena, md, array);
 	const int error = errno;

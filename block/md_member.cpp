@@ -31,10 +31,12 @@ static const char *role_of(text_t state, int slot)
 	return in_sync && slot != BLOCK_ABSENT ? "active" : "spare";
 }
 
-// Whether it is told that there is no such thing, not only that nobody could look.
-static bool is_gone(const Folder &from, const char *name)
+// Whether it is known that there is no such folder, not only that nobody could look.
+static bool is_gone(const Folder &md, const char *entry, const Folder &folder)
 {
-	return !from.has(name) && (errno == ENOENT || errno == ENODEV);
+	if (folder.is_open() ? !folder.missed() : folder.error() == ENOTDIR)
+		return !folder.is_open();
+	return !md.has(entry) && (errno == ENOENT || errno == ENODEV);
 }
 
 static const char *device_name(Arena *arena, text_t sysname)
@@ -60,7 +62,7 @@ static void read_member(Arena *arena, const Folder &md, const char *entry, Growi
 		member.state = shown_text(arena, state.text());
 		member.role = role_of(state.text(), member.slot);
 	}
-	if ((!folder.is_open() || folder.missed()) && is_gone(md, entry))
+	if (is_gone(md, entry, folder))
 		return;
 	block_member *place = members->add();
 	if (place)
