@@ -14,17 +14,13 @@ enum place_kind_t {
 	NOWHERE, // the way to it cannot be gone
 };
 
+// Not to be copied: `shown` points into the record itself.
 struct place_t {
 	place_kind_t kind;
 	int error;             // NOWHERE: why
 	device_t *dev;         // DEVICE_IN_HOST
 	const char *shown;     // in the host: the path as the program knows it, plain and without links
-	char stored[PATH_MAX]; // FILE_IN_HOST: where it lies; RUNNING: the path to use, "" for the one asked
-	                       // for
-
-	place_t() = default; // no field is set, and `shown` points into the record itself
-	place_t(const place_t &) = delete;
-	place_t &operator=(const place_t &) = delete;
+	char stored[PATH_MAX]; // FILE_IN_HOST: where it lies; RUNNING: what to use, "" for what was asked
 };
 
 enum links_t { KEEP_LINK, FOLLOW_LINK };
