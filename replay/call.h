@@ -17,6 +17,7 @@ long __pread64_chk(int fd, void *buffer, unsigned long count, long offset, unsig
 long __readlink_chk(const char *path, char *buffer, unsigned long count, unsigned long room);
 long __readlinkat_chk(int at, const char *path, char *buffer, unsigned long count, unsigned long room);
 char *__realpath_chk(const char *path, char *to, unsigned long room);
+int __gethostname_chk(char *to, unsigned long count, unsigned long room);
 }
 
 #endif

@@ -6,10 +6,12 @@
 
 #include <errno.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 using namespace replay;
 
@@ -141,4 +143,26 @@ REPLAY_CALL int uname(struct utsname *to) __THROW
 			snprintf(fields[i], sizeof to->release, "%s", host->uname[i]);
 	}
 	return 0;
+}
+
+// The C library asks the kernel for it inside itself.
+REPLAY_CALL int gethostname(char *to, size_t room) __THROW
+{
+	struct utsname name = {};
+	if (uname(&name) != 0)
+		return -1;
+	const size_t length = strlen(name.nodename) + 1;
+	memcpy(to, name.nodename, length < room ? length : room);
+	if (length <= room)
+		return 0;
+	errno = ENAMETOOLONG;
+	return -1;
+}
+
+// More than there is room for ends the program, as it does in the C library.
+REPLAY_CALL int __gethostname_chk(char *to, size_t count, size_t room)
+{
+	if (count > room)
+		abort();
+	return gethostname(to, count);
 }

@@ -8,7 +8,6 @@
 #include "replay/real.h"
 
 #include <errno.h>
-#include <fcntl.h>
 #include <initializer_list>
 #include <stdio.h>
 #include <string.h>
@@ -202,10 +201,10 @@ bool to_host_path(const host_table_t *table, char (&path)[PATH_MAX])
 	return true;
 }
 
-// The folder of the host that a descriptor was opened on, "" for its root.
+// The folder of the host that a descriptor was opened on, "" for its root; AT_FDCWD is none.
 static bool find_folder(const host_table_t *table, int fd, char (&folder)[PATH_MAX])
 {
-	return fd != AT_FDCWD && descriptor_target(fd, folder) && to_host_path(table, folder);
+	return descriptor_target(fd, folder) && to_host_path(table, folder);
 }
 
 // Whether the path is the host's: then the walk begins at its folder `start` and goes `way`.

@@ -209,6 +209,11 @@ static const call_case call_cases[] = {
 		 struct utsname s;
 		 return run(arm, seen, [&] { return uname(&s) == 0; });
 	 }},
+	{"gethostname", EFAULT,
+         [](ARMED) {
+		 char b[65];
+		 return run(arm, seen, [&] { return gethostname(b, sizeof b) == 0; });
+	 }},
 	{"realpath", EIO,
          [](ARMED) {
 		 char b[PATH_MAX];

@@ -6,9 +6,12 @@
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+
+extern "C" int __gethostname_chk(char *to, size_t count, size_t room);
 
 class ReplayMachine : public HostDir
 {
@@ -128,6 +131,14 @@ TEST_F(ReplayMachine, KernelsName)
 	EXPECT_STREQ(shown.nodename, "web1");
 	EXPECT_STREQ(shown.sysname, running.sysname);
 	EXPECT_STREQ(shown.machine, running.machine);
+	char name[8] = "-------";
+	EXPECT_EQ(gethostname(name, 5), 0);
+	EXPECT_STREQ(name, "web1");
+	EXPECT_EQ(__gethostname_chk(name, sizeof name, sizeof name), 0);
+	EXPECT_STREQ(name, "web1");
+	EXPECT_DEATH(__gethostname_chk(name, sizeof name + 1, sizeof name), "");
+	EXPECT_EQ(gethostname(name, 3), -1);
+	EXPECT_EQ(errno, ENAMETOOLONG);
 	ASSERT_EQ(show("uname sysname Other\nuname machine " + std::string(64, 'm') + "\n"), 0);
 	ASSERT_EQ(uname(&shown), 0);
 	EXPECT_STREQ(shown.sysname, "Other");
