@@ -116,16 +116,21 @@ static void read_hardware(query_t *query, const Folder &folder, const UdevRecord
 	}
 }
 
-static void fill(void *context, const Folder &folder, device_t *device)
+// Whether something is absent that every device of its kind has.
+static bool lacks_something(const device_t &device)
 {
-	auto *query = static_cast<query_t *>(context);
-	block_device *record = &device->record;
-	const UdevRecord udev(query->arena, query->udev, record->major, record->minor);
+	const block_device &record = device.record;
+	if (is_kind(device, "partition"))
+		return record.read_only < 0;
+	if (is_kind(device, "dm") && !record.dm_name)
+		return true;
+	return record.read_only < 0 || record.removable < 0 || record.logical_sector < 0 ||
+	       record.physical_sector < 0 || record.rotational < 0;
+}
 
-	record->read_only = read_flag(folder, "ro");
-	read_links(query->arena, udev, device);
-	if (is_kind(*device, "partition"))
-		return;
+static void read_whole(query_t *query, const Folder &folder, const UdevRecord &udev, device_t *device)
+{
+	block_device *record = &device->record;
 	record->removable = read_flag(folder, "removable");
 	record->logical_sector = read_int(folder, "queue/logical_block_size");
 	record->physical_sector = read_int(folder, "queue/physical_block_size");
@@ -136,6 +141,19 @@ static void fill(void *context, const Folder &folder, device_t *device)
 		read_mapping(query->arena, folder, &query->mapper, record);
 	else if (is_kind(*device, "loop") && record->size != 0)
 		record->backing_file = read_text(query->arena, folder, "loop/backing_file");
+}
+
+static void fill(void *context, const Folder &folder, device_t *device)
+{
+	auto *query = static_cast<query_t *>(context);
+	block_device *record = &device->record;
+	const UdevRecord udev(query->arena, query->udev, record->major, record->minor);
+
+	record->read_only = read_flag(folder, "ro");
+	read_links(query->arena, udev, device);
+	if (!is_kind(*device, "partition"))
+		read_whole(query, folder, udev, device);
+	device->partial = device->partial || lacks_something(*device);
 }
 
 // What a partition has from the device that it is part of.

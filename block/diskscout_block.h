@@ -234,7 +234,8 @@ extern "C" {
  * ENOMEM, or what the table that the list is made from could not be read for, such as ENOENT on a host
  * without /sys. An unknown code and a null argument give -1 with EINVAL and touch nothing.
  *
- * A device that goes away while it is read is left out.
+ * A device that comes or goes while it is read is left out: it lacks one of the attributes that all others
+ * have.
  */
 int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length);
 

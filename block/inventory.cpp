@@ -147,6 +147,7 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 	device->record.name = name_of(arena_, sysname);
 	read_uevent(arena_, uevent.text(), device);
 	const int64_t sectors = read_count(folder, "size", INT64_MAX / SECTOR);
+	device->partial = sectors < 0;
 	if (sectors == SECTORS_OF_NO_DISC && is_kind(*device, "rom"))
 		device->record.size = 0;
 	else if (sectors >= 0)
@@ -154,6 +155,23 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 	if (fill)
 		fill(context, folder, device);
 	return folder.missed() && !folder.has("uevent") ? nullptr : device;
+}
+
+// A device is in the class before it has all of its attributes, and loses some while it is still there. What
+// others have and it has not says so; what none has their kernel does not know.
+void Inventory::drop_partial()
+{
+	size_t whole = 0;
+	for (device_t *device : devices_)
+		whole += device->partial ? 0 : 1;
+	if (whole == 0)
+		return;
+	size_t kept = 0;
+	for (device_t *device : devices_)
+		if (!device->partial)
+			devices_[kept++] = device;
+	while (devices_.size() > kept)
+		devices_.drop_last();
 }
 
 static int by_name(const void *one, const void *other)
@@ -218,6 +236,7 @@ bool Inventory::scan(fill_t fill, void *context)
 		if (slot)
 			*slot = device;
 	}
+	drop_partial();
 	if (arena_->is_exhausted() || !put_in_order()) {
 		errno = ENOMEM;
 		return false;

@@ -20,6 +20,7 @@ struct device_t {
 	text_t path;         // where it is in sysfs, below /sys: "devices/pci0000:00/.../block/sda"
 	device_t *whole;     // of a partition: the device that it is part of, or null
 	unsigned uses;       // bits of uses.cpp
+	bool partial;        // something is absent that every device of its kind has
 	slave_t *slaves;     // when the query has asked for them: see links.h
 };
 
@@ -52,6 +53,7 @@ public:
 
 private:
 	device_t *read_device(const char *sysname, fill_t fill, void *context);
+	void drop_partial();
 	bool put_in_order();
 	void find_wholes();
 

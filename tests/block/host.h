@@ -13,7 +13,8 @@ protected:
 	BlockHost() { put("host.txt", ""); }
 
 	// One device: its folder `path` below /sys ("devices/pci0000:00/0000:00:01.0/ata1/.../block/sda"),
-	// the class's link to it, uevent and size. More attributes are put by their path.
+	// the class's link to it, uevent, size and what else every device has. More attributes are put by
+	// their path.
 	void device(const std::string &path, const std::string &number, long long sectors,
 	            const std::string &type = "disk", const std::string &more_uevent = "")
 	{
@@ -25,6 +26,13 @@ protected:
 			         "\nDEVNAME=" + name + "\n";
 		put("sys/" + path + "/uevent", uevent + "DEVTYPE=" + type + "\n" + more_uevent);
 		put("sys/" + path + "/size", std::to_string(sectors) + "\n");
+		put("sys/" + path + "/ro", "0\n");
+		if (type == "disk") {
+			put("sys/" + path + "/removable", "0\n");
+			put("sys/" + path + "/queue/logical_block_size", "512\n");
+			put("sys/" + path + "/queue/physical_block_size", "512\n");
+			put("sys/" + path + "/queue/rotational", "0\n");
+		}
 		link("sys/class/block/" + name, "../../" + path);
 	}
 

@@ -38,6 +38,8 @@ protected:
 	void on(const std::string &name, const std::string &number, const std::vector<std::string> &slaves)
 	{
 		device("devices/virtual/block/" + name, number, 100);
+		if (name.rfind("dm-", 0) == 0)
+			put("sys/devices/virtual/block/" + name + "/dm/name", "mapping\n");
 		for (const std::string &slave : slaves)
 			link("sys/devices/virtual/block/" + name + "/slaves/" + slave,
 			     "../../../../somewhere/" + slave);
