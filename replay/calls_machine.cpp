@@ -19,14 +19,25 @@ static_assert(sizeof(struct statfs) == sizeof(struct statfs64), "one form of the
 static_assert(sizeof(struct statvfs) == sizeof(struct statvfs64),
               "one form of the records serves both names");
 
-// The mount point's answer, when there is one; a host knows those of its table and no others.
-static const mount_t *answering_mount(const host_table_t *host, const char *path)
+// The answer of a mount of the table; a host has no others.
+static const mount_t *answer_of(const mount_t *found)
 {
-	const mount_t *found = !path ? nullptr : find_mount(host, path);
 	if (found && found->error == 0)
 		return found;
 	errno = !found ? ENOENT : found->error;
 	return nullptr;
+}
+
+// The mount that something open lies on: it stands at its path or nearest above.
+static const mount_t *mount_above(const host_table_t *host, char *path)
+{
+	const mount_t *found = find_mount(host, path);
+	while (!found && path[0] == '/' && path[1] != '\0') {
+		char *step = strrchr(path, '/');
+		step[step == path ? 1 : 0] = '\0';
+		found = find_mount(host, path);
+	}
+	return found;
 }
 
 template <class Record> static int give_space(const mount_t *from, Record *to)
@@ -72,10 +83,11 @@ template <auto call, class Record> static int replayed_space(const char *name, c
 	if (must_fail(CALL_STATFS))
 		return -1;
 	const host_table_t *host = shown_host();
-	return host ? give(answering_mount(host, path), to) : real<call>(name)(path, to);
+	if (!host)
+		return real<call>(name)(path, to);
+	return give(answer_of(path ? find_mount(host, path) : nullptr), to);
 }
 
-// The mount point as which the descriptor was opened, on the host or on the running machine.
 template <auto call, class Record> static int replayed_space_of(const char *name, int fd, Record *to)
 {
 	char path[PATH_MAX];
@@ -85,7 +97,7 @@ template <auto call, class Record> static int replayed_space_of(const char *name
 	if (!host || !descriptor_target(fd, path))
 		return real<call>(name)(fd, to);
 	(void)to_host_path(host, path);
-	return give(answering_mount(host, path), to);
+	return give(answer_of(mount_above(host, path)), to);
 }
 
 REPLAY_CALL int statfs(const char *path, struct statfs *to) __THROW

@@ -71,36 +71,63 @@ TEST_F(ReplayMachine, WhatALineLeavesOut)
 	EXPECT_EQ(space.f_files, 7u);
 }
 
-// The mount points are the running machine's folders, or the host's.
+// What is open lies on a mount, at its point or below; the points are the running machine's folders, or the
+// host's.
 TEST_F(ReplayMachine, SpaceOfADescriptor)
 {
 	put("sys/class/x", "");
-	ASSERT_EQ(show(std::string(full_mount) + "mount /sys 4096 0 0 type 0x62656572\n"), 0);
-	const int top = open("/", O_PATH | O_DIRECTORY);
-	const int sys = open("/sys", O_RDONLY | O_DIRECTORY);
-	const int below = open("/sys/class", O_RDONLY | O_DIRECTORY);
-	struct statfs space = {};
-	struct statfs64 wide = {};
-	struct statvfs same = {};
-	struct statvfs64 wide_same = {};
-	EXPECT_EQ(fstatfs(top, &space), 0);
-	EXPECT_EQ(space.f_frsize, 1024);
-	EXPECT_EQ(fstatfs64(sys, &wide), 0);
-	EXPECT_EQ(wide.f_type, 0x62656572);
-	EXPECT_EQ(fstatvfs(top, &same), 0);
-	EXPECT_EQ(same.f_frsize, 1024u);
-	EXPECT_EQ(fstatvfs64(sys, &wide_same), 0);
-	EXPECT_EQ(wide_same.f_frsize, 4096u);
-	for (const int fd : {below, -1}) {
+	put("dev/x", "");
+	ASSERT_EQ(show(std::string(full_mount) + "mount /sys 4096 0 0 type 0x62656572\n"
+	                                         "mount /dev fails ESTALE\n"),
+	          0);
+	const struct {
+		const char *path;
+		unsigned long frsize; // 0: ESTALE
+	} rows[] = {
+		{"/", 1024},    {"/usr", 1024},        {"/usr/bin/env", 1024},
+		{"/sys", 4096}, {"/sys/class/", 4096}, {"/sys/class/x", 4096},
+		{"/dev", 0},    {"/dev/x", 0},
+	};
+	for (const auto &row : rows) {
+		const int fd = open(row.path, O_PATH);
+		ASSERT_GE(fd, 0) << row.path;
+		struct statfs space = {};
+		struct statfs64 wide = {};
+		struct statvfs same = {};
+		struct statvfs64 wide_same = {};
 		errno = 0;
-		EXPECT_EQ(fstatvfs(fd, &same), -1);
-		EXPECT_EQ(errno, fd < 0 ? EBADF : ENOENT);
+		const int want = row.frsize == 0 ? -1 : 0;
+		EXPECT_EQ(fstatfs(fd, &space), want) << row.path;
+		EXPECT_EQ(fstatfs64(fd, &wide), want) << row.path;
+		EXPECT_EQ(fstatvfs(fd, &same), want) << row.path;
+		EXPECT_EQ(fstatvfs64(fd, &wide_same), want) << row.path;
+		EXPECT_EQ(errno, row.frsize == 0 ? ESTALE : 0);
+		EXPECT_EQ(static_cast<unsigned long>(space.f_frsize), row.frsize) << row.path;
+		EXPECT_EQ(static_cast<unsigned long>(wide.f_frsize), row.frsize) << row.path;
+		EXPECT_EQ(same.f_frsize, row.frsize) << row.path;
+		EXPECT_EQ(wide_same.f_frsize, row.frsize) << row.path;
+		close(fd);
 	}
-	close(below);
+	struct statvfs space = {};
+	EXPECT_EQ(fstatvfs(-1, &space), -1);
+	EXPECT_EQ(errno, EBADF);
+}
+
+TEST_F(ReplayMachine, DescriptorOnNoMountOfTheTable)
+{
+	ASSERT_EQ(show("mount /boot 1024 2 1\n"), 0);
+	const int top = open("/", O_PATH | O_DIRECTORY);
+	const int nameless = memfd_create("none", MFD_CLOEXEC);
+	struct statvfs space = {};
+	for (const int fd : {top, nameless}) {
+		errno = 0;
+		EXPECT_EQ(fstatvfs(fd, &space), -1);
+		EXPECT_EQ(errno, ENOENT);
+	}
 	ASSERT_EQ(replay_use(nullptr), 0);
-	EXPECT_EQ(fstatvfs(top, &same), 0);
+	EXPECT_EQ(fstatvfs(top, &space), 0);
+	close(nameless);
 	close(top);
-	close(sys);
 }
 
 TEST_F(ReplayMachine, MountThatFailsInEveryForm)
