@@ -1,6 +1,7 @@
 // Open descriptors of the captured host; see device.h.
 #include "replay/device.h"
 
+#include "replay/faults.h"
 #include "replay/log.h"
 #include "replay/paths.h"
 #include "replay/real.h"
@@ -118,6 +119,7 @@ static int open_error(device_t *dev, int flags)
 		return ENOTDIR;
 	if ((flags & O_PATH) != 0)
 		return 0;
+	count_device_open();
 	if (opened.error != 0)
 		return opened.error;
 	return dev->has_opens && !take_open(dev) ? ENXIO : 0;

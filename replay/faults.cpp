@@ -12,6 +12,7 @@ namespace replay
 
 static std::atomic<long> calls;
 static std::atomic<long> shells;
+static std::atomic<long> device_opens;
 static std::atomic<long> failing_call; // 0: none
 static std::atomic<bool> failing_on;
 
@@ -60,12 +61,18 @@ void count_shell()
 	++shells;
 }
 
+void count_device_open()
+{
+	++device_opens;
+}
+
 } // namespace replay
 
 extern "C" void replay_count_calls(void)
 {
 	replay::calls = 0;
 	replay::shells = 0;
+	replay::device_opens = 0;
 }
 
 extern "C" long replay_calls(void)
@@ -76,6 +83,11 @@ extern "C" long replay_calls(void)
 extern "C" long replay_shells(void)
 {
 	return replay::shells;
+}
+
+extern "C" long replay_device_opens(void)
+{
+	return replay::device_opens;
 }
 
 extern "C" void replay_fail_call(long nth, int from_there_on)

@@ -46,6 +46,7 @@ bool must_fail(counted_call_t call);
 int fault_errno(counted_call_t call);
 
 void count_shell();
+void count_device_open();
 
 } // namespace replay
 

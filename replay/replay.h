@@ -26,13 +26,17 @@ REPLAY_API void replay_set_child_library(const char *path);
 // Appends log lines to `file`; null: no log.
 REPLAY_API void replay_log_to(const char *file);
 
-// Sets the counts of calls and shells back to 0.
+// Sets the counts of calls, shells and opened devices back to 0.
 REPLAY_API void replay_count_calls(void);
 
 // The outside calls of this process since replay_count_calls(), failed ones included; and the shells that
 // popen() and system() really started.
 REPLAY_API long replay_calls(void);
 REPLAY_API long replay_shells(void);
+
+// How often a device of the host was opened since then, failed ones included: what only lists devices opens
+// none, or a hung one would stop it.
+REPLAY_API long replay_device_opens(void);
 
 // Sets the counts back to 0 and makes the `nth` counted call from here fail, with `from_there_on` every later
 // one as well. `nth` 0 ends that and leaves the counts alone, so that they can be read afterwards.

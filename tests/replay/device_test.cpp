@@ -204,6 +204,7 @@ TEST_F(ReplayDevice, BarePathDoesNotReachTheDriver)
 	char byte = 0;
 	unsigned long sectors = 0;
 	ASSERT_EQ(show("device /dev/sda\nopens 1\ndevice /dev/sdb\nopen fails EIO\nBLKGETSIZE 8\n"), 0);
+	replay_count_calls();
 	const int held = open("/dev/sdb", O_PATH);
 	EXPECT_GE(held, 0);
 	EXPECT_EQ(read(held, &byte, 1), -1);
@@ -215,10 +216,18 @@ TEST_F(ReplayDevice, BarePathDoesNotReachTheDriver)
 	close(open("/dev/sda", O_PATH));
 	EXPECT_EQ(open("/dev/sda", O_RDONLY | O_DIRECTORY), -1);
 	EXPECT_EQ(errno, ENOTDIR);
+	EXPECT_EQ(replay_device_opens(), 0);
 	const int fd = open("/dev/sda", O_RDONLY);
 	EXPECT_GE(fd, 0);
 	close(fd);
+	EXPECT_EQ(replay_device_opens(), 1);
 	EXPECT_EQ(open("/dev/sda", O_RDONLY), -1);
+	EXPECT_EQ(open("/dev/sdb", O_RDONLY), -1);
+	EXPECT_EQ(open("/dev/sdc", O_RDONLY), -1);
+	EXPECT_EQ(fopen("/dev/sdb", "r"), nullptr);
+	EXPECT_EQ(replay_device_opens(), 4);
+	replay_count_calls();
+	EXPECT_EQ(replay_device_opens(), 0);
 }
 
 TEST_F(ReplayDevice, UnlistedDeviceDoesNotExist)
