@@ -212,7 +212,8 @@ bool Inventory::put_in_order()
 // A partition's folder lies in that of its whole.
 void Inventory::find_wholes()
 {
-	for (device_t *device : *this) {
+	for (size_t i = devices_.size(); i > 0; i--) {
+		device_t *device = devices_[i - 1];
 		const size_t end = device->path.rfind('/');
 		if (!is_kind(*device, "partition") || end == text_t::npos)
 			continue;
@@ -221,6 +222,8 @@ void Inventory::find_wholes()
 		if (whole && whole->path == above) {
 			device->whole = whole;
 			device->record.disk = whole->record.name;
+			device->next = whole->partition;
+			whole->partition = device;
 		}
 	}
 }

@@ -19,6 +19,8 @@ struct device_t {
 	const char *sysname; // its folder's name in /sys/class/block: a slash of the name is "!" there
 	text_t path;         // where it is in sysfs, below /sys: "devices/pci0000:00/.../block/sda"
 	device_t *whole;     // of a partition: the device that it is part of, or null
+	device_t *partition; // of a whole device: the first of its partitions by name, or null
+	device_t *next;      // of a partition: the next one
 	unsigned uses;       // bits of uses.cpp
 	bool partial;        // something is absent that every device of its kind has
 	slave_t *slaves;     // when the query has asked for them: see links.h

@@ -45,12 +45,12 @@ text_t UdevRecord::first_value(const text_t *keys, size_t count) const
 	return {};
 }
 
-const char *UdevRecord::decoded(Arena *arena, text_t key) const
+text_t UdevRecord::bytes(Arena *arena, text_t key) const
 {
 	const text_t text = value(key);
 	char *bytes = text.empty() ? nullptr : arena->copy(text);
 	if (!bytes)
-		return nullptr;
+		return {};
 	size_t length = 0;
 	for (size_t at = 0; at < text.size(); at++) {
 		uint64_t byte;
@@ -62,7 +62,12 @@ const char *UdevRecord::decoded(Arena *arena, text_t key) const
 			bytes[length++] = text[at];
 		}
 	}
-	return shown_text(arena, trimmed({bytes, length}));
+	return {bytes, length};
+}
+
+const char *UdevRecord::decoded(Arena *arena, text_t key) const
+{
+	return shown_text(arena, trimmed(bytes(arena, key)));
 }
 
 text_t UdevRecord::next_link(text_t *rest)

@@ -35,7 +35,9 @@ public:
 	text_t value(text_t key) const;
 	// The first of the keys that has one.
 	text_t first_value(const text_t *keys, size_t count) const;
-	// A value in which "\x20" stands for a byte, as records hold texts; null for none.
+	// A value in which "\x20" stands for a byte, as these bytes; empty for none.
+	text_t bytes(Arena *arena, text_t key) const;
+	// The same without blanks at its ends, as records hold texts; null for none.
 	const char *decoded(Arena *arena, text_t key) const;
 	// The next of its links, such as "disk/by-id/..."; empty at the end. Begin with *rest = links().
 	text_t links() const { return text_; }
