@@ -63,12 +63,15 @@ static int current_error()
 
 const char *table_id_text(Arena *arena, text_t kind, text_t id)
 {
+	constexpr text_t PREFIX = "0x";
 	if (kind != "dos" || id.empty())
 		return shown_text(arena, id);
-	char text[32];
-	const int length = snprintf(text, sizeof text, "0x%.*s",
-	                            static_cast<int>(id.size() < 24 ? id.size() : 24), id.data());
-	return shown_text(arena, {text, static_cast<size_t>(length)});
+	auto *text = static_cast<char *>(arena->take(PREFIX.size() + id.size()));
+	if (!text)
+		return nullptr;
+	memcpy(text, PREFIX.data(), PREFIX.size());
+	memcpy(text + PREFIX.size(), id.data(), id.size());
+	return shown_text(arena, {text, PREFIX.size() + id.size()});
 }
 
 // ---- the table's entries ----
