@@ -1,6 +1,7 @@
 // What is on the devices: read from each that can be opened, else what is known of it already.
 #include "inventory.h"
 #include "known.h"
+#include "links.h"
 #include "probe.h"
 #include "queries.h"
 #include "record.h"
@@ -29,21 +30,24 @@ constexpr int ANOTHER_DEVICE = -1;
 
 // ---- what is not opened ----
 
+static void fill(void *context, const Folder &folder, device_t *device)
+{
+	read_slaves(static_cast<Arena *>(context), folder, device);
+}
+
 // Whether reading would wait for somebody who resumes it, or one of those that it stands on. What looks like
 // a circle or a stack without an end is looked at up to a limit.
 static bool is_suspended(const Inventory &inventory, const device_t &device, int depth, int *left)
 {
-	if (depth == 0 || --*left < 0 || !begins_with(device.path, "devices/virtual/"))
+	const device_t &whole = device.whole ? *device.whole : device;
+	if (depth == 0 || --*left < 0)
 		return false;
-	const Folder folder(inventory.class_folder(), device.sysname);
-	if (!folder.is_open())
-		return false;
-	if (is_kind(device, "dm") && read_int(folder, "dm/suspended") == 1)
+	if (is_kind(whole, "dm") &&
+	    read_int(Folder(inventory.class_folder(), whole.sysname), "dm/suspended") == 1)
 		return true;
-	Entries slaves(folder, "slaves");
-	while (const char *name = slaves.next()) {
-		const device_t *lower = inventory.by_sysname(name);
-		if (lower && is_suspended(inventory, lower->whole ? *lower->whole : *lower, depth - 1, left))
+	for (const slave_t *slave = whole.slaves; slave; slave = slave->next) {
+		const device_t *lower = slave->sysname ? inventory.by_sysname(slave->sysname) : nullptr;
+		if (lower && is_suspended(inventory, *lower, depth - 1, left))
 			return true;
 	}
 	return false;
@@ -55,7 +59,7 @@ static int closed_for(const Inventory &inventory, const device_t &device)
 	int left = 4096;
 	if (device.record.size == 0)
 		return ENOMEDIUM;
-	return is_suspended(inventory, device.whole ? *device.whole : device, 16, &left) ? EBUSY : 0;
+	return is_suspended(inventory, device, 16, &left) ? EBUSY : 0;
 }
 
 // ---- reading ----
@@ -110,8 +114,10 @@ static bool means_gone(int error)
 static outcome_t read_device(const reader_t &reader, const device_t &device, block_content *content)
 {
 	const Folder folder(reader.inventory->class_folder(), device.sysname);
-	if (!folder.is_open())
+	if (!folder.is_open()) {
+		errno = folder.error();
 		return means_gone(errno) ? GONE : FAILED;
+	}
 	int error = closed_for(*reader.inventory, device);
 	if (error == 0)
 		error = probe_device(reader, device, content);
@@ -149,7 +155,7 @@ int list_contents(void **result, int *length)
 {
 	Arena arena;
 	Inventory inventory(&arena);
-	if (!inventory.scan())
+	if (!inventory.scan(fill, &arena))
 		return -1;
 	const KnownContents known(&arena, &inventory);
 	const reader_t reader = {&arena, &inventory, &known};

@@ -127,36 +127,44 @@ typedef struct block_link {
 typedef struct block_partition {
 	size_t record_size;
 	struct block_partition *next;
-	const char *name;  /* name of the kernel's device for it, absent when it has none */
+	const char *name;  /* name of the kernel's device for it: of that number, and beginning there;
+	                      absent when it has none */
 	int number;        /* from 1 on, as in the device's name */
 	long long start;   /* bytes from the disk's beginning */
-	long long size;    /* bytes */
-	const char *type;  /* "0x83", or a GUID */
+	long long size;    /* bytes; the kernel alone knows no more than the beginning of an extended one */
+	const char *type;  /* "0x83", a GUID, or a word of the table's own: "Apple_HFS" */
 	const char *uuid;  /* of the entry */
 	const char *label; /* name in a GUID partition table */
 	long long flags;   /* of the entry, as stored: the boot byte (128: bootable), or a GUID entry's
-	                      attributes */
+	                      attributes, of which the highest makes it negative; all 64 of them are told as
+	                      absent */
 } block_partition;
 
 /*
- * What is on one device. Devices are opened read-only for this list; those without a medium, hidden ones and
- * suspended ones are not opened. Where one could not be read, what udev's database or the kernel knows stands
- * here.
+ * What is on one device, for every device that is not hidden, in the order of their names. Devices are opened
+ * read-only for this list, without waiting for a medium; one of size 0, and one that is suspended or stands
+ * on one that is, are not opened. Where one could not be read, what udev's database or the kernel knows of it
+ * stands here; of one of size 0 nothing.
  */
 typedef struct block_content {
 	size_t record_size;
 	struct block_content *next;
 	const char *name;   /* name of the device; never null */
-	const char *source; /* "device", "udev", "kernel", or null: nobody could be asked */
-	int error;          /* errno of what kept the device from being read; absent when it was read */
-	int ambiguous;     /* flag: signatures of several kinds, none of which is taken; absent unless read */
-	const char *table; /* kind of partition table: "gpt", "dos" ...; absent when there is none */
+	const char *source; /* "device"; "udev" (its database, and the kernel for partitions that are not in
+	                       it); "kernel" (its partitions); or null: nobody knows anything */
+	int error;          /* errno of what kept the device from being read, such as EACCES or EIO; ENOMEDIUM
+	                       (size 0) and EBUSY (suspended) of one that was not opened; EFBIG: its partition table is
+	                       longer than anybody would make one; absent when it was read */
+	int ambiguous;      /* flag: signatures of several kinds, none of which is taken; a partition table is
+	                       told all the same; absent unless read */
+	const char *table;  /* kind of partition table: "gpt", "dos" ..., or "PMBR": the protective table
+	                       of a GUID partition table without a valid one; absent when there is none */
 	const char *table_id;        /* its identifier: a GUID, or "0x" and 8 digits */
 	block_partition *partitions; /* in the table's order; empty entries are left out */
 	const char *usage;           /* "filesystem", "raid", "crypto", "other" */
 	const char *type; /* "ext4", "linux_raid_member", "LVM2_member", "crypto_LUKS", "swap" ... */
 	const char *label;
-	const char *uuid;
+	const char *uuid;     /* of file system, array or pool: 8-4-4-4-12 digits, "ABCD-1234" ... */
 	const char *uuid_sub; /* of this member, where uuid is that of the whole */
 	const char *version;
 } block_content;
