@@ -126,7 +126,8 @@ static text_t path_of(Arena *arena, const Folder &class_folder, const char *sysn
 	return path;
 }
 
-// Null for a device that has gone away, or about which its kernel says nothing.
+// Null, with errno set, for a device that has gone away, about which its kernel says nothing, or that could
+// not be looked at.
 device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context)
 {
 	constexpr int64_t SECTOR = 512; // of the attribute, whatever the device's own are
@@ -134,7 +135,11 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 	constexpr int64_t SECTORS_OF_NO_DISC = 0x1fffff;
 	const Folder folder(class_, sysname);
 	attribute_t uevent;
-	if (!folder.is_open() || !read_attribute(folder, "uevent", &uevent))
+	if (!folder.is_open()) {
+		errno = folder.error();
+		return nullptr;
+	}
+	if (!read_attribute(folder, "uevent", &uevent))
 		return nullptr;
 	device_t *device = arena_->make<device_t>();
 	if (!device)
@@ -154,7 +159,8 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 		device->record.size = sectors * SECTOR;
 	if (fill)
 		fill(context, folder, device);
-	return folder.missed() && !folder.has("uevent") ? nullptr : device;
+	const bool gone = folder.missed() && !folder.has("uevent") && is_absence(errno);
+	return gone ? nullptr : device;
 }
 
 // A device is in the class before it has all of its attributes, and loses some while it is still there. What
@@ -235,6 +241,8 @@ bool Inventory::scan(fill_t fill, void *context)
 		return false;
 	while (const char *sysname = entries.next()) {
 		device_t *device = read_device(sysname, fill, context);
+		if (!device && !arena_->is_exhausted() && !is_absence(errno))
+			return false;
 		device_t **slot = device ? devices_.add() : nullptr;
 		if (slot)
 			*slot = device;

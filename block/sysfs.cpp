@@ -4,6 +4,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <initializer_list>
 #include <limits.h>
 #include <string.h>
 #include <unistd.h>
@@ -35,6 +36,14 @@ void Folder::note_missing(int error) const
 	missed_ = missed_ || error == ENOENT || error == ENODEV;
 }
 
+bool is_absence(int error)
+{
+	for (const int absence : {ENOENT, ENODEV, ENOTDIR, EISDIR, ELOOP, EFBIG})
+		if (error == absence)
+			return true;
+	return false;
+}
+
 static ssize_t read_some(int fd, void *to, size_t room)
 {
 	ssize_t got;
@@ -48,12 +57,15 @@ bool read_attribute(const Folder &from, const char *path, attribute_t *to)
 {
 	const int fd = openat(from.fd(), path, READING);
 	const ssize_t got = fd < 0 ? -1 : read_some(fd, to->bytes, sizeof to->bytes);
+	const int error = got < 0 ? errno : EFBIG;
 	if (got < 0)
-		from.note_missing(errno);
+		from.note_missing(error);
 	if (fd >= 0)
 		close(fd);
-	if (got < 0 || static_cast<size_t>(got) > attribute_t::ROOM)
+	if (got < 0 || static_cast<size_t>(got) > attribute_t::ROOM) {
+		errno = error;
 		return false;
+	}
 	to->length = static_cast<size_t>(got);
 	return true;
 }

@@ -34,6 +34,9 @@ private:
 	mutable bool missed_ = false;
 };
 
+// Whether the error says that there is no such thing, and not only that nobody could look.
+bool is_absence(int error);
+
 // The content of one small file. A longer one than fits is absent: nothing is cut.
 struct attribute_t {
 	static constexpr size_t ROOM = 4096; // what sysfs gives at most for a text
@@ -45,7 +48,8 @@ struct attribute_t {
 	const unsigned char *data() const { return reinterpret_cast<const unsigned char *>(bytes); }
 };
 
-// Each gives false, or what stands for absent, for what is not there, is no file or holds something else.
+// Each gives false, or what stands for absent, for what is not there, is no file or holds something else;
+// read_attribute sets errno then.
 bool read_attribute(const Folder &from, const char *path, attribute_t *to);
 const char *read_text(Arena *arena, const Folder &from, const char *path);
 // A number from 0 on, at most `most`; BLOCK_ABSENT.
