@@ -152,11 +152,6 @@ static void read_state(Arena *arena, const Folder &md, block_array *array)
 		array->consistency = nullptr;
 }
 
-static bool is_nothing(int error)
-{
-	return error == ENOENT || error == ENODEV || error == ENOTDIR;
-}
-
 enum found_t { ARRAY, NO_ARRAY, FAILED };
 
 static found_t read_array(Arena *arena, const UdevDatabase &database, const Folder &folder,
@@ -165,7 +160,7 @@ static found_t read_array(Arena *arena, const UdevDatabase &database, const Fold
 	const Folder md(folder, "md");
 	if (!md.is_open()) {
 		errno = md.error();
-		return is_nothing(errno) ? NO_ARRAY : FAILED;
+		return is_absence(errno) ? NO_ARRAY : FAILED;
 	}
 	clear_array(device, array);
 	const bool listed = read_members(arena, md, array);
@@ -173,7 +168,7 @@ static found_t read_array(Arena *arena, const UdevDatabase &database, const Fold
 	if (listed)
 		read_state(arena, md, array);
 	array->uuid = read_uuid(arena, database, md, device, *array);
-	if (!folder.has("md") && is_nothing(errno))
+	if (!folder.has("md") && is_absence(errno))
 		return NO_ARRAY;
 	errno = error;
 	if (!listed)

@@ -19,7 +19,7 @@ static bool has_word(text_t words, text_t wanted)
 
 // The kernel's words for one member, "in_sync,write_mostly". A write error that is not noted yet makes one
 // "faulty" that is "in_sync" and works on.
-static const char *role_of(text_t state, int slot)
+static const char *role_of(text_t state)
 {
 	const bool in_sync = has_word(state, "in_sync");
 	if (has_word(state, "journal"))
@@ -28,7 +28,7 @@ static const char *role_of(text_t state, int slot)
 		return "faulty";
 	if (has_word(state, "replacement"))
 		return "replacement";
-	return in_sync && slot != BLOCK_ABSENT ? "active" : "spare";
+	return in_sync ? "active" : "spare";
 }
 
 // Whether it is known that there is no such folder, not only that nobody could look.
@@ -36,7 +36,7 @@ static bool is_gone(const Folder &md, const char *entry, const Folder &folder)
 {
 	if (folder.is_open() ? !folder.missed() : folder.error() == ENOTDIR)
 		return !folder.is_open();
-	return !md.has(entry) && (errno == ENOENT || errno == ENODEV);
+	return !md.has(entry) && is_absence(errno);
 }
 
 static const char *device_name(Arena *arena, text_t sysname)
@@ -60,7 +60,7 @@ static void read_member(Arena *arena, const Folder &md, const char *entry, Growi
 	member.errors = read_count(folder, "errors");
 	if (read_attribute(folder, "state", &state)) {
 		member.state = shown_text(arena, state.text());
-		member.role = role_of(state.text(), member.slot);
+		member.role = role_of(state.text());
 	}
 	if (is_gone(md, entry, folder))
 		return;
@@ -93,10 +93,9 @@ static void count_roles(const Growing<block_member> &members, block_array *array
 			array->active = array->failed = array->spare = BLOCK_ABSENT;
 			return;
 		}
-		const bool in_sync = has_word(member.state ? member.state : "", "in_sync");
 		if (strcmp(member.role, "faulty") == 0)
 			array->failed++;
-		else if (in_sync && member.slot != BLOCK_ABSENT)
+		else if (strcmp(member.role, "active") == 0)
 			array->active++;
 		else if (strcmp(member.role, "journal") != 0)
 			array->spare++;

@@ -1,6 +1,11 @@
 // What the query of arrays makes of a host.
 #include "case_host.h"
+#include "failing_calls.h"
 #include "queries.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
 
 namespace
 {
@@ -211,6 +216,44 @@ TEST_F(Arrays, UuidsThatAreNone)
 		const Answer<block_array> answer(list_arrays);
 		EXPECT_EQ(answer.named("md0").uuid, nullptr) << value;
 	}
+}
+
+// What the counts say, and the members' names: without a slot one stands behind the others.
+std::string members_of(const block_array &array)
+{
+	Line counts;
+	counts.add("active", array.active).add("failed", array.failed).add("spare", array.spare);
+	std::set<std::string> names;
+	for (const block_member *at = array.members; at; at = at->next)
+		names.insert(shown(at->name));
+	std::string text = counts.text();
+	for (const std::string &name : names)
+		text += name + "\n";
+	return text;
+}
+
+TEST_F(Arrays, AreTrueWhateverCallFails)
+{
+	describe_and_show(MIRROR);
+	udev("9:0", "E:MD_UUID=3aaa0122:29827cfa:5331ad66:ca767371\n");
+	const std::string known = " active=2 failed=0 spare=0\nsda\nsdb\n";
+	const std::string unknown = "\nsda\nsdb\n";
+	walk_failing_calls([&] {
+		errno = 0;
+		const Answer<block_array> answer(list_arrays);
+		if (answer.result != 0) {
+			EXPECT_NE(errno, 0);
+			EXPECT_EQ(answer.first(), nullptr);
+			return;
+		}
+		EXPECT_EQ(answer.count, 1);
+		for (const block_array *at = answer.first(); at; at = at->next) {
+			EXPECT_STREQ(at->name, "md0");
+			EXPECT_THAT(members_of(*at), testing::AnyOf(known, unknown));
+			EXPECT_TRUE(!at->level || shown(at->level) == "raid1");
+			EXPECT_TRUE(!at->uuid || shown(at->uuid) == "3aaa0122:29827cfa:5331ad66:ca767371");
+		}
+	});
 }
 
 TEST_F(Arrays, OfAThousandMembersAreWhole)

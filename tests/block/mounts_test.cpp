@@ -1,5 +1,6 @@
 // What the query of mounts makes of a host.
 #include "case_host.h"
+#include "failing_calls.h"
 #include "queries.h"
 
 #include <chrono>
@@ -133,6 +134,72 @@ TEST_F(Mounts, WithoutTheTableTheQueryFails)
 	EXPECT_EQ(errno, ENOENT);
 	EXPECT_EQ(answer.first(), nullptr);
 	EXPECT_EQ(answer.count, 0);
+}
+
+// What must be the same whatever could not be asked, and what may be absent then.
+struct told_t {
+	std::string surely;
+	std::string devices;
+	std::string space;
+};
+
+told_t parts_of(const block_mount &mount)
+{
+	block_mount without = mount;
+	without.devices = nullptr;
+	without.total = without.used = without.available = BLOCK_ABSENT;
+	return {told(without), names(mount.devices),
+	        bytes(mount.total) + "/" + bytes(mount.used) + "/" + bytes(mount.available)};
+}
+
+TEST_F(Mounts, AreTrueWhateverCallFails)
+{
+	describe_and_show("device devices/pci0000:00/ata1/block/sda 8:0 4096\n"
+	                  "device devices/pci0000:00/ata2/block/sdb 8:16 4096\n"
+	                  "device devices/virtual/block/dm-0 254:0 4096\n"
+	                  "  dm/suspended = 1\n"
+	                  "  slaves/sda/dev = 8:0\n"
+	                  "link dev/mapper/data ../sda\n"
+	                  "host device /dev/sda\n"
+	                  "host number 8:0\n"
+	                  "link sys/fs/btrfs/0b1d/devices/sda ../../../../devices/pci0000:00/ata1/block/sda\n"
+	                  "link sys/fs/btrfs/0b1d/devices/sdb ../../../../devices/pci0000:00/ata2/block/sdb\n"
+	                  "file proc/self/mountinfo\n"
+	                  "| 22 1 0:31 / / rw - btrfs /dev/mapper/data rw\n"
+	                  "| 23 22 0:32 / /run rw - tmpfs tmpfs rw\n"
+	                  "file proc/swaps\n"
+	                  "| /dev/dm-0 partition 4 0 -2\n"
+	                  "| /swap file 4 0 -2\n"
+	                  "host mount / 4096 1000 900\n");
+	std::vector<told_t> good;
+	{
+		const Answer<block_mount> answer(list_mounts);
+		for (const block_mount *at = answer.first(); at; at = at->next)
+			good.push_back(parts_of(*at));
+		ASSERT_EQ(good.size(), 4U);
+		ASSERT_EQ(good[0].devices, "sda,sdb");
+		ASSERT_EQ(good[0].space, "4096000/409600/3686400");
+	}
+	walk_failing_calls([&] {
+		errno = 0;
+		const Answer<block_mount> answer(list_mounts);
+		if (answer.result != 0) {
+			EXPECT_NE(errno, 0);
+			EXPECT_EQ(answer.first(), nullptr);
+			return;
+		}
+		size_t count = 0;
+		for (const block_mount *at = answer.first(); at && count < good.size(); at = at->next) {
+			const told_t now = parts_of(*at);
+			const told_t &then = good[count++];
+			EXPECT_TRUE(now.devices == then.devices || now.devices.empty()) << now.devices;
+			EXPECT_TRUE(now.space == then.space || now.space == "-/-/-") << now.space;
+			if (at->id != BLOCK_ABSENT) {
+				EXPECT_EQ(now.surely, then.surely);
+			}
+		}
+		EXPECT_EQ(static_cast<size_t>(answer.count), good.size());
+	});
 }
 
 // Many shapes of a table, in which an algorithm could lose its way or its time.
