@@ -23,6 +23,8 @@ const std::vector<Target> TARGETS = {
 	{"raidtab", 2, check_raidtab},
 	{"chain", 2, check_chain},
 	{"vpd", 1, check_vpd},
+	{"mounts", 2, check_mounts},
+	{"arrays", 1, check_arrays},
 	{"commands", 2, check_commands},
 	{"console", 2, check_console},
 };

@@ -73,6 +73,16 @@ std::string check_chain(const char *path);
 // The file is one page of vital product data.
 std::string check_vpd(const char *path);
 
+// ---- block_mounts.cpp ----
+
+// The file is the table of mounts; from "Filename" on, that of swap areas.
+std::string check_mounts(const char *path);
+
+// ---- block_arrays.cpp ----
+
+// Each line is an attribute of an array, in the order of the table in the source.
+std::string check_arrays(const char *path);
+
 // ---- commands.cpp ----
 
 // The first line is the command, its words parted by blanks; the rest is its input.
