@@ -44,7 +44,8 @@ static bool is_suspended(const device_t &device)
 
 void note_suspended(void *, const Folder &folder, device_t *device)
 {
-	if (is_kind(*device, "dm") && read_flag(folder, "dm/suspended") == 1)
+	// Who does not tell is not trusted.
+	if (is_kind(*device, "dm") && read_flag(folder, "dm/suspended") != 0)
 		device->record.state = SUSPENDED;
 }
 
@@ -70,7 +71,7 @@ static void spread_suspension(const Inventory &inventory)
 	}
 }
 
-static bool is_local(const mount_entry_t &mount, const device_set_t &set)
+static bool is_answered_here(const mount_entry_t &mount, const device_set_t &set)
 {
 	for (size_t i = 0; i < set.count; i++)
 		if (is_suspended(*set.devices[i]))
@@ -84,16 +85,23 @@ static long long bytes_of(unsigned long unit, unsigned long blocks)
 	return __builtin_mul_overflow(unit, blocks, &bytes) ? static_cast<long long>(BLOCK_ABSENT) : bytes;
 }
 
-static bool ask(const mount_entry_t &mount, space_t *space)
+struct answer_t {
+	bool is_there;
+	space_t space;
+};
+
+static answer_t ask(const mount_entry_t &mount)
 {
-	struct statvfs answer;
-	if (statvfs(mount.mount_point.data(), &answer) != 0)
-		return false;
-	space->total = bytes_of(answer.f_frsize, answer.f_blocks);
-	space->available = bytes_of(answer.f_frsize, answer.f_bavail);
-	if (answer.f_bfree <= answer.f_blocks)
-		space->used = bytes_of(answer.f_frsize, answer.f_blocks - answer.f_bfree);
-	return true;
+	struct statvfs status;
+	if (statvfs(mount.mount_point.data(), &status) != 0)
+		return {};
+	space_t space = {};
+	space.total = bytes_of(status.f_frsize, status.f_blocks);
+	space.available = bytes_of(status.f_frsize, status.f_bavail);
+	space.used = status.f_bfree > status.f_blocks
+	                     ? static_cast<long long>(BLOCK_ABSENT)
+	                     : bytes_of(status.f_frsize, status.f_blocks - status.f_bfree);
+	return {true, space};
 }
 
 class Asker
@@ -109,12 +117,14 @@ public:
 			return false;
 		for (size_t i = 0; i < mounts_.size(); i++) {
 			const bool is_root = tree_.parent(i) == MountTree::NONE;
-			local_[i] = is_local(mounts_[i], of_mounts[i]);
+			local_[i] = is_answered_here(mounts_[i], of_mounts[i]);
 			passable_[i] = local_[i] || lives_in_memory(mounts_[i]) ||
 			               (is_root && is_usual_root(mounts_[i]));
 		}
 		return true;
 	}
+
+	bool is_local(size_t mount) const { return local_[mount]; }
 
 	bool may_ask(size_t mount) const
 	{
@@ -138,19 +148,20 @@ space_t *mount_space(const Inventory &inventory, const Growing<mount_entry_t> &m
 	Arena *arena = inventory.arena();
 	Asker asker(mounts, tree);
 	const size_t *firsts = first_mounts(arena, mounts);
+	auto *answers = arena->make_array<answer_t>(mounts.size() + 1);
 	auto *spaces = arena->make_array<space_t>(mounts.size() + 1);
-	auto *answered = arena->make_array<bool>(mounts.size() + 1);
 
 	spread_suspension(inventory);
-	if (!firsts || !spaces || !answered || !asker.prepare(arena, of_mounts))
+	if (!firsts || !answers || !spaces || !asker.prepare(arena, of_mounts))
 		return nullptr;
-	for (size_t i = 0; i < mounts.size(); i++)
-		spaces[i] = {BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
 	// One mount point that cannot be walked to says nothing of the next.
 	for (size_t i = 0; i < mounts.size(); i++)
-		if (!answered[firsts[i]] && asker.may_ask(i))
-			answered[firsts[i]] = ask(mounts[i], &spaces[firsts[i]]);
-	for (size_t i = 0; i < mounts.size(); i++)
-		spaces[i] = spaces[firsts[i]];
+		if (!answers[firsts[i]].is_there && asker.may_ask(i))
+			answers[firsts[i]] = ask(mounts[i]);
+	for (size_t i = 0; i < mounts.size(); i++) {
+		const answer_t &answer = answers[firsts[i]];
+		const bool is_told = answer.is_there && asker.is_local(i);
+		spaces[i] = is_told ? answer.space : space_t{BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
+	}
 	return arena->is_exhausted() ? nullptr : spaces;
 }
