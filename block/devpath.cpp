@@ -37,10 +37,25 @@ static bool read_scsi_address(text_t name, int64_t (&numbers)[4])
 	return name.empty() && numbers[0] <= INT32_MAX && numbers[1] <= INT32_MAX && numbers[2] <= INT32_MAX;
 }
 
+// Four numbers of whatever size: that of a unit may be beyond what an address holds.
 static bool is_scsi_address(text_t name)
 {
-	int64_t numbers[4];
-	return read_scsi_address(name, numbers);
+	size_t numbers = 0;
+	while (!name.empty()) {
+		const text_t number = take_until(&name, ':');
+		for (const char c : number)
+			if (!is_digit(c))
+				return false;
+		if (number.empty())
+			return false;
+		numbers++;
+	}
+	return numbers == 4;
+}
+
+bool is_scsi_unit(text_t path)
+{
+	return !folder_of(path, is_scsi_address).empty();
 }
 
 bool scsi_address_of(text_t path, scsi_address_t *address)
@@ -112,7 +127,7 @@ static constexpr struct {
 
 const char *transport_of(text_t path)
 {
-	const bool scsi = !folder_of(path, is_scsi_address).empty();
+	const bool scsi = is_scsi_unit(path);
 	while (!path.empty()) {
 		const text_t name = take_last(&path);
 		for (const auto &row : TRANSPORTS) {

@@ -13,7 +13,8 @@ struct scsi_address_t {
 	int64_t lun;
 };
 
-// The SCSI unit that is nearest to the device; false without one.
+// Whether it is a SCSI unit, and the address of the nearest one; false also for one that does not fit.
+bool is_scsi_unit(text_t path);
 bool scsi_address_of(text_t path, scsi_address_t *address);
 
 // What it is attached by, as diskscout_block.h names it, or null: "sata" stands for all of ATA here.

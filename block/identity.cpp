@@ -166,8 +166,8 @@ static constexpr struct {
 	{"mmc", read_mmc},
 };
 
-// A port of parallel ATA has a link of no speed.
-static bool is_parallel_ata(Arena *arena, text_t path)
+// What belongs to an ATA port is a serial link only when it tells a speed. A parallel one tells none.
+static bool has_link_speed(Arena *arena, text_t path)
 {
 	const text_t port = ata_folder_of(path);
 	const text_t number = last_name(port).substr(3);
@@ -179,7 +179,7 @@ static bool is_parallel_ata(Arena *arena, text_t path)
 	snprintf(link, sizeof link, "link%.*s/ata_link/link%.*s/sata_spd", digits, number.data(), digits,
 	         number.data());
 	const char *speed = read_above(arena, port, link);
-	return speed && strcmp(speed, "<unknown>") == 0;
+	return speed && strcmp(speed, "<unknown>") != 0;
 }
 
 void read_identity(Arena *arena, const Folder &folder, const UdevRecord &udev, device_t *device)
@@ -195,7 +195,9 @@ void read_identity(Arena *arena, const Folder &folder, const UdevRecord &udev, d
 		record->scsi_channel = address.channel;
 		record->scsi_target = address.target;
 		record->scsi_lun = address.lun;
-		if (is_parallel_ata(arena, device->path))
+	}
+	if (is_scsi_unit(device->path)) {
+		if (strcmp(record->transport, "sata") == 0 && !has_link_speed(arena, device->path))
 			record->transport = "ata";
 		read_scsi(arena, folder, udev, device);
 		record->state = read_text(arena, folder, "device/state");

@@ -59,12 +59,12 @@ static const char *kind_of(Arena *arena, text_t sysname, text_t path)
 		if (begins_with(word, row.word) && (word == row.word || strcmp(row.kind, "disk") == 0))
 			return row.kind;
 	}
-	const bool hardware = !begins_with(path, "devices/virtual/");
+	const bool hardware = !begins_with(path, "devices/virtual/") && !begins_with(path, "devices/rbd/");
 	return hardware || word.empty() ? "disk" : shown_text(arena, word);
 }
 
-// The lines of `uevent`.
-static void read_uevent(Arena *arena, text_t text, device_t *device)
+// The lines of `uevent`. False when they are not the kernel's: nothing has no number but what is hidden.
+static bool read_uevent(Arena *arena, text_t text, const Folder &folder, device_t *device)
 {
 	block_device *record = &device->record;
 	int64_t numbers[3] = {BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
@@ -85,6 +85,8 @@ static void read_uevent(Arena *arena, text_t text, device_t *device)
 			type = line;
 	}
 	const bool numbered = numbers[0] > 0 && numbers[1] >= 0;
+	if (!numbered && read_flag(folder, "hidden") != 1)
+		return false;
 	record->hidden = !numbered;
 	record->major = numbered ? static_cast<int>(numbers[0]) : BLOCK_ABSENT;
 	record->minor = numbered ? static_cast<int>(numbers[1]) : BLOCK_ABSENT;
@@ -105,6 +107,7 @@ static void read_uevent(Arena *arena, text_t text, device_t *device)
 			record->node = path;
 		}
 	}
+	return true;
 }
 
 static const char *name_of(Arena *arena, text_t sysname)
@@ -116,31 +119,41 @@ static const char *name_of(Arena *arena, text_t sysname)
 	return name ? shown_text(arena, name) : nullptr;
 }
 
-// What the link of the class leads to: "../../devices/...".
+// What the link of the class leads to: "../../devices/...". A folder in its place has no more than its name.
 static text_t path_of(Arena *arena, const Folder &class_folder, const char *sysname)
 {
 	const char *target = read_link(arena, class_folder, sysname);
+	if (!target && errno != EINVAL)
+		return {};
 	text_t path = target ? target : sysname;
 	while (begins_with(path, "../"))
 		path.remove_prefix(3);
 	return path;
 }
 
-// Null, with errno set, for a device that has gone away, about which its kernel says nothing, or that could
-// not be looked at.
-device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context)
+static void read_size(const Folder &folder, device_t *device)
 {
 	constexpr int64_t SECTOR = 512; // of the attribute, whatever the device's own are
-	// What the kernel says of an optical drive until a disc has told its size.
-	constexpr int64_t SECTORS_OF_NO_DISC = 0x1fffff;
+	// What the driver of optical drives shows as long as it has seen no disc. One of 2048-byte sectors
+	// cannot have this size.
+	constexpr int64_t NO_DISC = 0x1fffff;
+	int64_t sectors = read_count(folder, "size", INT64_MAX / SECTOR);
+	if (sectors == NO_DISC && is_kind(*device, "rom"))
+		sectors = 0;
+	if (sectors >= 0)
+		device->record.size = sectors * SECTOR;
+}
+
+// Null for a device that has gone away, or about which its kernel says nothing; *error is set when it is only
+// that it could not be asked.
+device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context, int *error)
+{
 	const Folder folder(class_, sysname);
 	attribute_t uevent;
-	if (!folder.is_open()) {
-		errno = folder.error();
+	if (!folder.is_open() || !read_attribute(folder, "uevent", &uevent)) {
+		*error = is_absence(errno) ? 0 : errno;
 		return nullptr;
 	}
-	if (!read_attribute(folder, "uevent", &uevent))
-		return nullptr;
 	device_t *device = arena_->make<device_t>();
 	if (!device)
 		return nullptr;
@@ -149,18 +162,19 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 	if (!device->sysname)
 		return nullptr;
 	device->path = path_of(arena_, class_, device->sysname);
+	if (device->path.empty()) {
+		*error = is_absence(errno) ? 0 : errno;
+		return nullptr;
+	}
 	device->record.name = name_of(arena_, sysname);
-	read_uevent(arena_, uevent.text(), device);
-	const int64_t sectors = read_count(folder, "size", INT64_MAX / SECTOR);
-	device->partial = sectors < 0;
-	if (sectors == SECTORS_OF_NO_DISC && is_kind(*device, "rom"))
-		device->record.size = 0;
-	else if (sectors >= 0)
-		device->record.size = sectors * SECTOR;
+	if (!read_uevent(arena_, uevent.text(), folder, device))
+		return nullptr;
+	read_size(folder, device);
+	device->partial = device->record.size < 0;
 	if (fill)
 		fill(context, folder, device);
-	const bool gone = folder.missed() && !folder.has("uevent") && is_absence(errno);
-	return gone ? nullptr : device;
+	*error = device->error;
+	return folder.missed() && !folder.has("uevent") ? nullptr : device;
 }
 
 // A device is in the class before it has all of its attributes, and loses some while it is still there. What
@@ -240,9 +254,12 @@ bool Inventory::scan(fill_t fill, void *context)
 	if (!entries.is_open())
 		return false;
 	while (const char *sysname = entries.next()) {
-		device_t *device = read_device(sysname, fill, context);
-		if (!device && !arena_->is_exhausted() && !is_absence(errno))
+		int error = 0;
+		device_t *device = read_device(sysname, fill, context, &error);
+		if (error != 0) {
+			errno = error;
 			return false;
+		}
 		device_t **slot = device ? devices_.add() : nullptr;
 		if (slot)
 			*slot = device;

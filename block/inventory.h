@@ -24,6 +24,7 @@ struct device_t {
 	unsigned uses;       // bits of uses.cpp
 	bool partial;        // something is absent that every device of its kind has
 	slave_t *slaves;     // when the query has asked for them: see links.h
+	int error;           // errno of what could not be asked, and without which the list would be wrong
 };
 
 class Inventory
@@ -35,7 +36,7 @@ public:
 	using fill_t = void (*)(void *context, const Folder &folder, device_t *device);
 
 	// Finds names, numbers, kinds and sizes of all devices, and what `fill` adds. False, with errno set,
-	// when /sys/class/block cannot be read or memory is short.
+	// when /sys/class/block or what makes a device one cannot be read, or memory is short.
 	bool scan(fill_t fill = nullptr, void *context = nullptr);
 
 	// The folder of all devices, for who reads of one more later.
@@ -54,7 +55,7 @@ public:
 	device_t *by_node(text_t path) const;
 
 private:
-	device_t *read_device(const char *sysname, fill_t fill, void *context);
+	device_t *read_device(const char *sysname, fill_t fill, void *context, int *error);
 	void drop_partial();
 	bool put_in_order();
 	void find_wholes();

@@ -32,6 +32,8 @@ void read_slaves(Arena *arena, const Folder &folder, device_t *device)
 		slave->next = device->slaves;
 		device->slaves = slave;
 	}
+	if (entries.failed() && !is_absence(errno))
+		device->error = errno;
 }
 
 // The device that a hidden path leads to: nvme0c1n2 is controller 1's way to nvme0n2.

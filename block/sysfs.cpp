@@ -177,7 +177,10 @@ static DIR *open_entries(const Folder &from, const char *path)
 	return stream;
 }
 
-Entries::Entries(const Folder &from, const char *path) : stream_(open_entries(from, path)) {}
+Entries::Entries(const Folder &from, const char *path)
+    : stream_(open_entries(from, path)), failed_(stream_ == nullptr)
+{
+}
 
 Entries::~Entries()
 {

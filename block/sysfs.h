@@ -34,7 +34,8 @@ private:
 	mutable bool missed_ = false;
 };
 
-// Whether the error says that there is no such thing, and not only that nobody could look.
+// Whether the error says that what was to be read is not there, or is something else than is looked for: not,
+// that nobody could look.
 bool is_absence(int error);
 
 // The content of one small file. A longer one than fits is absent: nothing is cut.
@@ -49,7 +50,7 @@ struct attribute_t {
 };
 
 // Each gives false, or what stands for absent, for what is not there, is no file or holds something else;
-// read_attribute sets errno then.
+// read_attribute() with errno set.
 bool read_attribute(const Folder &from, const char *path, attribute_t *to);
 const char *read_text(Arena *arena, const Folder &from, const char *path);
 // A number from 0 on, at most `most`; BLOCK_ABSENT.
@@ -75,14 +76,14 @@ public:
 	~Entries();
 
 	bool is_open() const { return stream_ != nullptr; }
-	// The next name, which lives until the one after it; null at the end. What is read of a folder that
-	// breaks off is told by failed().
+	// The next name, which lives until the one after it; null at the end.
 	const char *next();
+	// After the end: whether the folder could not be opened or its reading broke off; errno tells why.
 	bool failed() const { return failed_; }
 
 private:
 	DIR *stream_;
-	bool failed_ = false;
+	bool failed_;
 };
 
 #endif

@@ -18,8 +18,9 @@ more files in short, because a sysfs has hundreds of one word each:
 
 A text may hold \\n, \\\\ and \\xHH; so may what is named.  `block` is the folder of a device with its number
 ("-" for none), its sectors and its type: uevent (with the lines behind the type), dev, size, ro, hidden,
-removable, the three sizes of its queue, and the class's link to it.  `udev NUMBER` is a file of udev's database,
-its lines follow indented.
+removable, the three attributes of its queue, and the class's link to it.  `udev bNUMBER` is a file of udev's
+database, its lines follow indented; what it names as a link below /dev leads to the device, unless the tree has
+another one there.
 """
 
 import pathlib
@@ -37,7 +38,7 @@ DISK = {
 
 
 def unescaped(text):
-    plain = text.encode()
+    plain = text.encode("utf-8", "surrogateescape")
     return re.sub(rb"\\(?:x([0-9a-f]{2})|(n)|(\\))",
                   lambda found: bytes([int(found.group(1), 16)]) if found.group(1)
                   else b"\n" if found.group(2) else b"\\", plain)
@@ -56,7 +57,7 @@ def page(code, content):
 def ata_information(model, serial, revision):
     """Texts of IDENTIFY data are words of two characters, the second one first."""
     def swapped(text, size):
-        plain = text.encode().ljust(size)
+        plain = text.encode("utf-8", "surrogateescape").ljust(size)
         return bytes(plain[at ^ 1] for at in range(size))
 
     identify = bytearray(512)
@@ -72,6 +73,7 @@ class Tree:
         self.names = {}
         self.folder = None
         self.record = None
+        self.nodes = {}
 
     def path(self, name):
         whole = re.sub(r"^\$(\w+)", lambda found: self.names[found.group(1)], name)
@@ -93,6 +95,7 @@ class Tree:
         path, number, sectors, kind, *more = words
         self.enter(path)
         name = self.folder.rsplit("/", 1)[1]
+        self.nodes[number] = name.replace("!", "/")
         if not any(word.startswith("DEVNAME=") for word in more):
             more = ["DEVNAME=" + name.replace("!", "/")] + more
         lines = [f"DEVTYPE={kind}", *more]
@@ -160,6 +163,16 @@ class Tree:
                 raise ValueError(f"line {number}: {line}") from error
 
 
+    def make_links(self):
+        for record in sorted(self.top.glob("run/udev/data/b*")):
+            for name in re.findall(rb"^S:([\x21-\x7e]+)$", record.read_bytes(), flags=re.MULTILINE):
+                link = self.top / "dev" / name.decode()
+                node = self.nodes.get(record.name[1:])
+                if node and not link.is_symlink():
+                    link.parent.mkdir(parents=True, exist_ok=True)
+                    link.symlink_to("../" * name.count(b"/") + node)
+
+
 def hosts_in(directory):
     return sorted(found.parent for found in pathlib.Path(directory).glob("*/host.txt"))
 
@@ -170,7 +183,9 @@ def unfold(host, into):
     shutil.copytree(host, into, symlinks=True)
     tree = host / "tree.txt"
     if tree.exists():
-        Tree(into).read(tree.read_text(encoding="utf-8"))
+        unfolded = Tree(into)
+        unfolded.read(tree.read_text(encoding="utf-8"))
+        unfolded.make_links()
     return into
 
 
