@@ -168,7 +168,7 @@ class Tree:
             for name in re.findall(rb"^S:([\x21-\x7e]+)$", record.read_bytes(), flags=re.MULTILINE):
                 link = self.top / "dev" / name.decode()
                 node = self.nodes.get(record.name[1:])
-                if node and not link.is_symlink():
+                if node and b".." not in name and not link.is_symlink():
                     link.parent.mkdir(parents=True, exist_ok=True)
                     link.symlink_to("../" * name.count(b"/") + node)
 
