@@ -162,7 +162,6 @@ class Tree:
             except Exception as error:
                 raise ValueError(f"line {number}: {line}") from error
 
-
     def make_links(self):
         for record in sorted(self.top.glob("run/udev/data/b*")):
             for name in re.findall(rb"^S:([\x21-\x7e]+)$", record.read_bytes(), flags=re.MULTILINE):
