@@ -138,7 +138,7 @@ static void read_whole(query_t *query, const Folder &folder, const UdevRecord &u
 	read_hardware(query, folder, udev, device);
 	read_slaves(query->arena, folder, device);
 	if (is_kind(*device, "dm"))
-		read_mapping(query->arena, folder, &query->mapper, record);
+		read_mapping(query->arena, folder, &query->mapper, device);
 	else if (is_kind(*device, "loop") && record->size != 0)
 		record->backing_file = read_text(query->arena, folder, "loop/backing_file");
 }

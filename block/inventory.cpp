@@ -85,7 +85,12 @@ static bool read_uevent(Arena *arena, text_t text, const Folder &folder, device_
 			type = line;
 	}
 	const bool numbered = numbers[0] > 0 && numbers[1] >= 0;
-	if (!numbered && read_flag(folder, "hidden") != 1)
+	attribute_t hidden;
+	if (!numbered && !read_attribute(folder, "hidden", &hidden)) {
+		device->error = is_absence(errno) ? 0 : errno;
+		return false;
+	}
+	if (!numbered && hidden.text() != "1")
 		return false;
 	record->hidden = !numbered;
 	record->major = numbered ? static_cast<int>(numbers[0]) : BLOCK_ABSENT;
@@ -167,14 +172,20 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 		return nullptr;
 	}
 	device->record.name = name_of(arena_, sysname);
-	if (!read_uevent(arena_, uevent.text(), folder, device))
-		return nullptr;
-	read_size(folder, device);
+	const bool told = read_uevent(arena_, uevent.text(), folder, device);
+	if (told)
+		read_size(folder, device);
 	device->partial = device->record.size < 0;
-	if (fill)
+	if (told && fill)
 		fill(context, folder, device);
 	*error = device->error;
-	return folder.missed() && !folder.has("uevent") ? nullptr : device;
+	if (!told)
+		return nullptr;
+	if (!folder.missed() || folder.has("uevent"))
+		return device;
+	if (!is_absence(errno))
+		*error = errno;
+	return nullptr;
 }
 
 // A device is in the class before it has all of its attributes, and loses some while it is still there. What

@@ -1,6 +1,7 @@
 #include "links.h"
 
 #include "devpath.h"
+#include "mapper.h"
 #include "queries.h"
 #include "record.h"
 
@@ -112,7 +113,7 @@ static const char *scsi_address_text(Arena *arena, const device_t &device)
 	return arena->copy(text);
 }
 
-// Where a path leads through. False when its device has gone away meanwhile.
+// Where a path leads through. False with errno set, mostly because its device has gone away meanwhile.
 static bool describe_path(Arena *arena, const Inventory &devices, const device_t &path, block_link *link)
 {
 	const Folder folder(devices.class_folder(), path.sysname);
@@ -122,6 +123,7 @@ static bool describe_path(Arena *arena, const Inventory &devices, const device_t
 	link->state = read_text(arena, folder, "device/state");
 	if (is_kind(path, "path"))
 		link->access = read_text(arena, folder, "ana_state");
+	errno = folder.error();
 	return folder.is_open() && (!folder.missed() || folder.has("uevent"));
 }
 
@@ -130,7 +132,7 @@ static void fill(void *context, const Folder &folder, device_t *device)
 	auto *arena = static_cast<Arena *>(context);
 	read_slaves(arena, folder, device);
 	if (is_kind(*device, "dm"))
-		device->record.dm_uuid = read_text(arena, folder, "dm/uuid");
+		read_mapping_uuid(arena, folder, device);
 }
 
 int list_links(void **result, int *length)
@@ -150,8 +152,11 @@ int list_links(void **result, int *length)
 		link.lower = stand.lower->record.name;
 		link.relation = stand.relation;
 		if (strcmp(stand.relation, "path") == 0 &&
-		    !describe_path(&arena, devices, *stand.lower, &link))
-			continue;
+		    !describe_path(&arena, devices, *stand.lower, &link)) {
+			if (is_absence(errno))
+				continue;
+			return -1;
+		}
 		block_link *added = links.add();
 		if (added)
 			*added = link;

@@ -1,5 +1,6 @@
 #include "mapper.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <linux/dm-ioctl.h>
 #include <string.h>
@@ -110,10 +111,20 @@ const char *MapperControl::targets(Arena *arena, int major_number, int minor_num
 	return target_words(arena, *table);
 }
 
-void read_mapping(Arena *arena, const Folder &folder, MapperControl *control, block_device *record)
+void read_mapping_uuid(Arena *arena, const Folder &folder, device_t *device)
 {
+	attribute_t uuid;
+	if (read_attribute(folder, "dm/uuid", &uuid))
+		device->record.dm_uuid = shown_text(arena, uuid.text());
+	else if (!is_absence(errno))
+		device->error = errno;
+}
+
+void read_mapping(Arena *arena, const Folder &folder, MapperControl *control, device_t *device)
+{
+	block_device *record = &device->record;
 	record->dm_name = read_text(arena, folder, "dm/name");
-	record->dm_uuid = read_text(arena, folder, "dm/uuid");
+	read_mapping_uuid(arena, folder, device);
 	record->dm_kind = kind_of(arena, record->dm_uuid);
 	const int suspended = read_flag(folder, "dm/suspended");
 	if (suspended >= 0)

@@ -23,6 +23,8 @@ private:
 };
 
 // Fills what a dm device's open folder tells, and its targets.
-void read_mapping(Arena *arena, const Folder &folder, MapperControl *control, block_device *record);
+void read_mapping(Arena *arena, const Folder &folder, MapperControl *control, device_t *device);
+// The uuid alone: what tells a path from a member.
+void read_mapping_uuid(Arena *arena, const Folder &folder, device_t *device);
 
 #endif

@@ -22,6 +22,7 @@ public:
 	// Why it is not.
 	int error() const { return error_; }
 	int fd() const { return fd_; }
+	// False with errno set.
 	bool has(const char *path) const;
 
 	// Whether something that was read from here was not there: what the folder stands for may be gone.
