@@ -116,25 +116,28 @@ static void read_hardware(query_t *query, const Folder &folder, const UdevRecord
 	}
 }
 
-// Whether something is absent that every device of its kind has.
-static bool lacks_something(const device_t &device)
+// An attribute that every device of its kind has.
+static int read_usual(const Folder &folder, const char *path, device_t *device)
 {
-	const block_device &record = device.record;
-	if (is_kind(device, "partition"))
-		return record.read_only < 0;
-	if (is_kind(device, "dm") && !record.dm_name)
-		return true;
-	return record.read_only < 0 || record.removable < 0 || record.logical_sector < 0 ||
-	       record.physical_sector < 0 || record.rotational < 0;
+	errno = 0;
+	const int value = read_int(folder, path);
+	device->partial = device->partial || (value < 0 && is_missing(errno));
+	return value;
+}
+
+static int read_usual_flag(const Folder &folder, const char *path, device_t *device)
+{
+	const int value = read_usual(folder, path, device);
+	return value > 1 ? 1 : value;
 }
 
 static void read_whole(query_t *query, const Folder &folder, const UdevRecord &udev, device_t *device)
 {
 	block_device *record = &device->record;
-	record->removable = read_flag(folder, "removable");
-	record->logical_sector = read_int(folder, "queue/logical_block_size");
-	record->physical_sector = read_int(folder, "queue/physical_block_size");
-	record->rotational = read_flag(folder, "queue/rotational");
+	record->removable = read_usual_flag(folder, "removable", device);
+	record->logical_sector = read_usual(folder, "queue/logical_block_size", device);
+	record->physical_sector = read_usual(folder, "queue/physical_block_size", device);
+	record->rotational = read_usual_flag(folder, "queue/rotational", device);
 	read_hardware(query, folder, udev, device);
 	read_slaves(query->arena, folder, device);
 	if (is_kind(*device, "dm"))
@@ -149,11 +152,10 @@ static void fill(void *context, const Folder &folder, device_t *device)
 	block_device *record = &device->record;
 	const UdevRecord udev(query->arena, query->udev, record->major, record->minor);
 
-	record->read_only = read_flag(folder, "ro");
+	record->read_only = read_usual_flag(folder, "ro", device);
 	read_links(query->arena, udev, device);
 	if (!is_kind(*device, "partition"))
 		read_whole(query, folder, udev, device);
-	device->partial = device->partial || lacks_something(*device);
 }
 
 // What a partition has from the device that it is part of.

@@ -142,7 +142,9 @@ static void read_size(const Folder &folder, device_t *device)
 	// What the driver of optical drives shows as long as it has seen no disc. One of 2048-byte sectors
 	// cannot have this size.
 	constexpr int64_t NO_DISC = 0x1fffff;
+	errno = 0;
 	int64_t sectors = read_count(folder, "size", INT64_MAX / SECTOR);
+	device->partial = sectors < 0 && is_missing(errno);
 	if (sectors == NO_DISC && is_kind(*device, "rom"))
 		sectors = 0;
 	if (sectors >= 0)
@@ -175,7 +177,6 @@ device_t *Inventory::read_device(const char *sysname, fill_t fill, void *context
 	const bool told = read_uevent(arena_, uevent.text(), folder, device);
 	if (told)
 		read_size(folder, device);
-	device->partial = device->record.size < 0;
 	if (told && fill)
 		fill(context, folder, device);
 	*error = device->error;

@@ -123,7 +123,9 @@ void read_mapping_uuid(Arena *arena, const Folder &folder, device_t *device)
 void read_mapping(Arena *arena, const Folder &folder, MapperControl *control, device_t *device)
 {
 	block_device *record = &device->record;
+	errno = 0;
 	record->dm_name = read_text(arena, folder, "dm/name");
+	device->partial = device->partial || (!record->dm_name && is_missing(errno));
 	read_mapping_uuid(arena, folder, device);
 	record->dm_kind = kind_of(arena, record->dm_uuid);
 	const int suspended = read_flag(folder, "dm/suspended");

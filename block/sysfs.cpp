@@ -33,7 +33,12 @@ bool Folder::has(const char *path) const
 
 void Folder::note_missing(int error) const
 {
-	missed_ = missed_ || error == ENOENT || error == ENODEV;
+	missed_ = missed_ || is_missing(error);
+}
+
+bool is_missing(int error)
+{
+	return error == ENOENT || error == ENODEV;
 }
 
 bool is_absence(int error)

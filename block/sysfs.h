@@ -38,6 +38,8 @@ private:
 // Whether the error says that what was to be read is not there, or is something else than is looked for: not,
 // that nobody could look.
 bool is_absence(int error);
+// Whether it says that there is nothing at all.
+bool is_missing(int error);
 
 // The content of one small file. A longer one than fits is absent: nothing is cut.
 struct attribute_t {
