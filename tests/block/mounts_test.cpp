@@ -171,6 +171,8 @@ TEST_F(Mounts, AreTrueWhateverCallFails)
 	                  "| /dev/dm-0 partition 4 0 -2\n"
 	                  "| /swap file 4 0 -2\n"
 	                  "host mount / 4096 1000 900\n");
+	// A device that lacks something is looked at once more.
+	std::filesystem::remove(host() / "sys/devices/pci0000:00/ata2/block/sdb/size");
 	std::vector<told_t> good;
 	{
 		const Answer<block_mount> answer(list_mounts);
@@ -200,6 +202,33 @@ TEST_F(Mounts, AreTrueWhateverCallFails)
 		}
 		EXPECT_EQ(static_cast<size_t>(answer.count), good.size());
 	});
+}
+
+// Asked is once for a file system and a source, however many mounts have it.
+class CallsOfMounts : public Mounts
+{
+protected:
+	long calls(int mounts, const std::string &line)
+	{
+		std::string text;
+		for (int i = 1; i <= mounts; i++)
+			text += std::to_string(i) + " 1 " + line + "\n";
+		put("proc/self/mountinfo", "1 0 0:30 / / rw - tmpfs a rw\n" + text);
+		replay_fail_call(0, 0);
+		replay_count_calls();
+		const Answer<block_mount> answer(list_mounts);
+		return replay_calls();
+	}
+};
+
+TEST_F(CallsOfMounts, DoNotGrowWithTheMountsOfOneFileSystem)
+{
+	describe_and_show("device devices/pci0000:00/ata1/block/sda 8:0 4096\n"
+	                  "link sys/fs/btrfs/1-2/devices/sda ../../../../devices/pci0000:00/ata1/block/sda\n"
+	                  "host mount /x 4096 1000 900\n");
+	for (const char *line : {"8:0 / /x rw - ext4 /dev/sda rw", "0:31 / /x rw - btrfs /dev/gone rw",
+	                         "0:31 / /x rw - btrfs /dev/sda rw"})
+		EXPECT_EQ(calls(20, line), calls(2, line)) << line;
 }
 
 // Many shapes of a table, in which an algorithm could lose its way or its time.
