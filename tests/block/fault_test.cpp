@@ -159,6 +159,12 @@ protected:
 			EXPECT_EQ(remove(part->path.c_str()), 0) << part->path;
 	}
 
+	// The link alone, which is the first to go.
+	void take_link_away(const std::string &device) const
+	{
+		EXPECT_EQ(remove((top_ / "sys/class/block" / device).c_str()), 0);
+	}
+
 	void bring_back() const
 	{
 		for (const part_t &part : parts_) {
@@ -229,6 +235,27 @@ void compare_without(const going_t &row, const answer_t &told, const answer_t &w
 			EXPECT_TRUE(goes_with(name, row.device)) << when << name;
 	}
 	EXPECT_EQ(at, told.records.size()) << when;
+}
+
+// Its folder is still there, but nothing tells any more where it is attached.
+TEST_F(GoingAway, WithItsLinkADeviceIsLeftOut)
+{
+	make("virtual", "bcache0");
+	const answer_t whole = devices_told();
+	bool met = false;
+	answer_t told;
+	{
+		const Watch watch([&](const std::string &path) {
+			if (met && path == "uevent") {
+				take_link_away("bcache0");
+				met = false;
+			}
+			met = met || path == "bcache0";
+		});
+		told = devices_told();
+	}
+	EXPECT_EQ(told.records.size(), whole.records.size() - 1);
+	compare_without({"virtual", "bcache0"}, told, whole, "");
 }
 
 // At each file that is opened the device goes away: it is told whole, or not at all. The others stay.
