@@ -115,9 +115,9 @@ static int tell_entries(Arena *arena, blkid_probe handle, block_content *content
 	Chain<block_partition> entries(arena);
 	errno = 0;
 	blkid_partlist list = blkid_probe_get_partitions(handle);
-	// The table was there a moment ago.
+	// Without an error: the table's kind can be told, and what follows makes no sense.
 	if (!list)
-		return current_error();
+		return errno;
 	const int count = blkid_partlist_numof_partitions(list);
 	for (int i = 0; i < count; i++) {
 		blkid_partition entry = blkid_partlist_get_partition(list, i);

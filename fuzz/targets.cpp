@@ -25,6 +25,7 @@ const std::vector<Target> TARGETS = {
 	{"vpd", 1, check_vpd},
 	{"mounts", 2, check_mounts},
 	{"arrays", 1, check_arrays},
+	{"image", 2, check_image},
 	{"commands", 2, check_commands},
 	{"console", 2, check_console},
 };
