@@ -84,7 +84,7 @@ static bool is_pci_address(text_t name)
 static bool is_usb_device(text_t name)
 {
 	int64_t number;
-	if (!take_number(&name, &number) || take_until(&name, '-').size() != 0 || name.empty())
+	if (!take_number(&name, &number) || !take_until(&name, '-').empty() || name.empty())
 		return false;
 	while (!name.empty())
 		if (!read_number(take_until(&name, '.'), &number))

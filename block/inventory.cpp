@@ -1,6 +1,7 @@
 #include "inventory.h"
 
 #include <errno.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -104,11 +105,10 @@ static bool read_uevent(Arena *arena, text_t text, const Folder &folder, device_
 	}
 	if (numbered && !node.empty()) {
 		const char *shown = shown_text(arena, node);
-		const size_t length = shown ? strlen(shown) : 0;
-		auto *path = static_cast<char *>(arena->take(length + sizeof "/dev/"));
+		const size_t room = (shown ? strlen(shown) : 0) + sizeof "/dev/";
+		auto *path = static_cast<char *>(arena->take(room));
 		if (path && shown) {
-			memcpy(path, "/dev/", 5);
-			memcpy(path + 5, shown, length);
+			snprintf(path, room, "/dev/%s", shown);
 			record->node = path;
 		}
 	}

@@ -104,8 +104,11 @@ static void *packed(const record_layout_t &layout, const void *record)
 	room_t room = {};
 	measure(layout, record, &room);
 	auto *block = static_cast<char *>(malloc(room.records + room.texts));
+	if (!block)
+		return nullptr;
 	cursor_t to = {block, block + room.records};
-	return block ? put_record(layout, record, &to) : nullptr;
+	put_record(layout, record, &to);
+	return block;
 }
 
 int hand_out(const record_layout_t &layout, const void *first, void **result, int *length)

@@ -143,11 +143,10 @@ bool read_hex_number(text_t text, uint64_t *value)
 	if (text.empty() || text.size() > 16)
 		return false;
 	for (const char c : text) {
-		const char *digit =
-			static_cast<const char *>(memchr(HEX_DIGITS, c | (c >= 'A' ? 0x20 : 0), 16));
-		if (!digit)
+		const size_t digit = text_t(HEX_DIGITS).find(static_cast<char>(c | (c >= 'A' ? 0x20 : 0)));
+		if (digit == text_t::npos)
 			return false;
-		number = number << 4 | static_cast<uint64_t>(digit - HEX_DIGITS);
+		number = number << 4 | digit;
 	}
 	*value = number;
 	return true;
@@ -232,11 +231,12 @@ int compare_names(text_t one, text_t other)
 		// A number stands before a letter.
 		if (numbers[0].empty() != numbers[1].empty())
 			return numbers[0].empty() ? 1 : -1;
-		if (left.front() != right.front())
+		if (left.front() != right.front()) {
 			return static_cast<unsigned char>(left.front()) <
 			                       static_cast<unsigned char>(right.front())
 			               ? -1
 			               : 1;
+		}
 		left.remove_prefix(1);
 		right.remove_prefix(1);
 	}

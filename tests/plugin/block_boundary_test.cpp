@@ -228,11 +228,12 @@ TEST_P(EveryBlockQuery, AnswersManyThreadsAtOnce)
 	const int expected = ask(GetParam());
 	std::vector<int> wrong(4);
 	std::vector<std::thread> threads;
-	for (int &one : wrong)
+	for (int &one : wrong) {
 		threads.emplace_back([&one, expected] {
 			for (int i = 0; i < 100; i++)
 				one += ask(GetParam()) != expected;
 		});
+	}
 	for (std::thread &thread : threads)
 		thread.join();
 	EXPECT_EQ(wrong, std::vector<int>(4, 0));
