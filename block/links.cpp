@@ -57,12 +57,13 @@ static device_t *head_of(const Inventory &devices, const device_t &path)
 // What a device is to those that it is made of: mappings say it by how their uuids begin.
 static const char *relation_of(const device_t &device)
 {
-	static const struct {
+	struct row_t {
 		text_t prefix;
 		const char *relation;
-	} MAPPINGS[] = {{"mpath-", "path"}, {"part", "partition"}};
+	};
+	static constexpr row_t MAPPINGS[] = {{"mpath-", "path"}, {"part", "partition"}};
 	const text_t uuid = device.record.dm_uuid ? device.record.dm_uuid : "";
-	for (const auto &row : MAPPINGS)
+	for (const row_t &row : MAPPINGS)
 		if (begins_with(uuid, row.prefix))
 			return row.relation;
 	return "slave";

@@ -67,6 +67,7 @@ BELOW = {
     "tools/common": {"classic", "request", "today"},
     "tools/diskscout": {"classic", "request", "today", "tools/common"},
     "tools/stcli": {"classic", "request", "tools/common"},
+    "tools/disks": {"today", "request"},
     "tools/mirror": {"classic", "request"},
     "tools/raidsim": set(),
     # What is exported stands in the rooms that export it, and is no part of them.
@@ -78,7 +79,7 @@ BELOW = {
 EXPORTED = {"src/define_command.h": "request", "src/diskscout.h": "classic", "src/diskscout_raid.h": "classic",
             "block/diskscout_block.h": "today"}
 # Where the build looks for headers, behind the folder of the file that includes.
-INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/common", "src"), "src": ("src",), "replay": (".",)}
+INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/common", "block", "src"), "src": ("src",), "replay": (".",)}
 
 
 def room_of(path):
