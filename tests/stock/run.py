@@ -3,7 +3,9 @@
 
 usage: run.py --build-dir DIR --source-dir DIR [--keep DIR] [--capture] [unittest options and test names]
 
-Each test class is one scenario, booted once.  Exit status 77: this host cannot run the machines.
+Each test class is one scenario, booted once.  What the library for today's hosts tells of its devices is compared with
+what the scenario itself says of them (expected.py) and with the answers of its peers in the same boot (peers.py), as root
+and as an ordinary user, with udevd and without.  Exit status 77: this host cannot run the machines.
 """
 
 import argparse
@@ -14,6 +16,9 @@ import unittest
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(1, str(HERE.parent / "vm"))
 
+import answers  # noqa: E402
+import expected  # noqa: E402
+import peers  # noqa: E402
 import scenario  # noqa: E402
 import stock_machine  # noqa: E402
 
@@ -24,23 +29,108 @@ class Stock(scenario.Booted):
     """What holds in every machine."""
 
     kind = stock_machine.Machine
-    left_out = ()  # roles whose devices lsblk does not list
 
-    def test_peers_answer(self):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.text = expected.Expected(cls.machine)
+
+    def in_each_stage(self, check):
         for stage in stock_machine.STAGES:
-            self.assertEqual(self.machine.text(f"{stage}/lsblk.status"), "0\n", stage)
-            listed = self.machine.listed(stage)
-            for role, name in self.machine.names.items():
-                # the peer leaves out what has no size, and the paths of a head
-                if role not in self.left_out:
-                    self.assertIn(name, listed, (stage, role))
+            with self.subTest(stage):
+                check(stage)
+
+    def test_every_device_is_told(self):
+        self.in_each_stage(lambda stage: self.assertEqual(
+            sorted(answers.ours(self.machine, stage)), sorted(self.text.devices(stage))))
+
+    def test_devices_are_as_the_scenario_made_them(self):
+        def check(stage):
+            ours = answers.ours(self.machine, stage)
+            for name, device in self.text.devices(stage).items():
+                self.assertEqual({field: ours[name].get(field) for field in device}, device, name)
+        self.in_each_stage(check)
+
+    def test_arrays_are_as_the_scenario_made_them(self):
+        def check(stage):
+            ours, arrays = answers.our_arrays(self.machine, stage), self.text.arrays()
+            self.assertEqual(sorted(ours), sorted(arrays))
+            for name, array in arrays.items():
+                self.assertIn(ours[name]["state"], array.pop("state"), name)
+                self.assertEqual({field: ours[name][field] for field in array}, array, name)
+        self.in_each_stage(check)
+
+    def test_peers_know_nothing_else(self):
+        found = peers.compare(self.machine, stock_machine.STAGES)
+        self.assertEqual(found.unexplained, [])
+        self.assertEqual(found.met, peers.names_for(self.name))
+
+    def test_mounts_are_those_of_findmnt(self):
+        def check(stage):
+            ours, theirs = answers.our_mounts(self.machine, stage), answers.findmnt(self.machine)
+            self.assertEqual(sorted(ours), sorted(theirs))
+            for number, mount in theirs.items():
+                if not self.tells_space(ours[number]):
+                    mount |= {"total": None}
+                self.assertEqual({field: ours[number][field] for field in mount}, mount, mount["target"])
+        self.in_each_stage(check)
+
+    @staticmethod
+    def tells_space(mount):
+        """Nobody is asked for the space of what lies on no device, or cannot be reached by its path."""
+        on_device = mount["type"] == "btrfs" or not mount["number"].startswith("0:")
+        return on_device and not mount["shadowed"]
+
+    def test_swap_areas_are_those_of_the_kernel(self):
+        self.in_each_stage(lambda stage: self.assertEqual(
+            answers.our_swaps(self.machine, stage), answers.swaps_of_the_kernel(self.machine)))
+
+    def test_links_are_those_that_lead_to_a_device(self):
+        for stage in ("udev-root", "udev-user"):
+            with self.subTest(stage):
+                devices = answers.ours(self.machine, stage)
+                self.assertEqual(answers.our_links(self.machine, stage),
+                                 answers.links_of_the_machine(self.machine, devices))
+        # they are read from udev's database
+        self.assertEqual(answers.our_links(self.machine, "bare-root"), {})
+
+    def test_arrays_are_those_of_mdadm(self):
+        def check(stage):
+            ours, theirs = answers.our_arrays(self.machine, stage), answers.mdadm(self.machine)
+            self.assertEqual(sorted(ours), sorted(theirs))
+            for name, array in theirs.items():
+                slots = {member: slot for member, (slot, _) in ours[name]["members"].items()}
+                told = ours[name] | {"members": slots}
+                for field, value in array.items():
+                    if value is not None:
+                        known = peers.KNOWN_OF_MDADM.get((name, field), (value, value))
+                        self.assertEqual((told[field], value), known, (name, field))
+        self.in_each_stage(check)
 
 
 class Desktop(Stock, unittest.TestCase):
     """Disks of every transport, partition tables, file systems and mount points of all kinds; root on a SATA disk."""
 
     name = "desktop"
-    left_out = ("unused", "left", "right")
+
+    def test_documents_tell_the_known_differences(self):
+        text = (self.options.source_dir / "docs" / "peers.md").read_text(encoding="utf-8")
+        rows = {line.split("|")[1].strip() for line in text.splitlines() if line.startswith("| ")}
+        self.assertEqual(rows - {"Difference"}, peers.all_names())
+
+    def test_a_head_has_two_paths(self):
+        def check(stage):
+            head, left, right = (self.text.name(role) for role in ("shared", "left", "right"))
+            self.assertEqual(answers.our_paths(self.machine, stage), {
+                (head, left): ("0000:00:07.0", "live"), (head, right): ("0000:00:08.0", "live")})
+        self.in_each_stage(check)
+
+    def test_what_another_mount_hides(self):
+        def check(stage):
+            hidden = [(mount["target"], mount["type"]) for mount in answers.our_mounts(self.machine, stage).values()
+                      if mount["shadowed"]]
+            self.assertEqual(hidden, [("/mnt/hidden", "vfat")])
+        self.in_each_stage(check)
 
 
 class Arrays(Stock, unittest.TestCase):
@@ -54,6 +144,25 @@ class Mappings(Stock, unittest.TestCase):
 
     name = "mappings"
 
+    def test_a_multipath_device_has_two_paths(self):
+        def check(stage):
+            head, *paths = (self.text.name(role) for role in ("mpatha", "path1", "path2"))
+            address = {name: device["address"] for name, device in answers.lsblk(self.machine, stage).items()}
+            self.assertEqual(answers.our_paths(self.machine, stage),
+                             {(head, path): (address[path], "running") for path in paths})
+        self.in_each_stage(check)
+
+    def test_a_device_that_hangs_stops_nobody(self):
+        for stage in ("hung-root", "hung-user"):
+            with self.subTest(stage):
+                ours = answers.ours(self.machine, stage)
+                devices = self.text.devices("udev-root")
+                self.assertEqual(sorted(ours), sorted(devices))
+                frozen = self.text.name("frozen")
+                self.assertEqual({name: device["state"] for name, device in ours.items() if name != frozen},
+                                 {name: device["state"] for name, device in devices.items() if name != frozen})
+                self.assertEqual(ours[frozen]["state"], "suspended")
+
 
 def main():
     parser = argparse.ArgumentParser()
@@ -63,7 +172,8 @@ def main():
     parser.add_argument("--capture", action="store_true", help="bring a captured host back as well")
     options, rest = parser.parse_known_args()
     options.build_dir = options.build_dir.resolve()
-    options.kernel = options.source_dir.resolve() / "build" / "stock-kernel"
+    options.source_dir = options.source_dir.resolve()
+    options.kernel = options.source_dir / "build" / "stock-kernel"
     scenario.Booted.options = options
     stock_machine.Machine.capture = options.capture
     missing = stock_machine.missing_programs()

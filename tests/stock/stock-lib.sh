@@ -83,6 +83,12 @@ disks() {
 
 settle() { real udevadm settle --timeout=60; }
 
+# What is written to a device comes to udev's database in its own time, and superblocks not at all.
+refresh() {
+	real udevadm trigger --action=change --subsystem-match=block
+	settle
+}
+
 # As on a host that never had it: no database, no links of its making. Nodes keep owner and mode.
 stop_udevd() {
 	real udevadm control --exit --timeout=30 || fail "udevd does not end"
@@ -115,6 +121,16 @@ role() {
 		esac
 	done
 	fail "no device for $1 ($2)"
+}
+
+name_made() {           # what is made here has its role from its own name
+	for dir in /sys/block/md* /sys/block/dm-*; do
+		case $dir in
+		*\*) ;;
+		*/md*) called "${dir##*/}" "$dir" ;;
+		*) called "$(cat "$dir/dm/name")" "$dir" ;;
+		esac
+	done
 }
 
 node() { sed -n "s|^$1 |/dev/|p" $seen/names; }         # node NAME: its device
@@ -164,12 +180,15 @@ facts() {
 	for table in partitions swaps mdstat; do
 		[ ! -e /proc/$table ] || cat /proc/$table > $seen/facts/$table
 	done
+	find /dev -type l -exec stat -c %N {} + > $seen/facts/links
 	ask facts findmnt findmnt -A -J -b -o ID,PARENT,TARGET,SOURCE,FSTYPE,MAJ:MIN,FSROOT,OPTIONS,SIZE,AVAIL,USED
 	for device in $(blocks); do
 		name=${device#/dev/}
 		if [ ! -b "$device" ] || ! head -c 1 "$device" > /dev/null 2>&1; then continue; fi
 		ask facts "blkid-$name" blkid -p -o export "$device"
-		! grep -q ^PTTYPE= "$seen/facts/blkid-$name.out" || ask facts "sfdisk-$name" sfdisk --json "$device"
+		if [ -d "/sys/block/$name" ] && grep -q ^PTTYPE= "$seen/facts/blkid-$name.out"; then
+			ask facts "sfdisk-$name" sfdisk --json "$device"
+		fi
 		[ ! -d "/sys/block/$name/md" ] || ask facts "mdadm-$name" mdadm --detail --export "$device"
 		[ ! -d "/sys/block/$name/dm" ] || ask facts "table-$name" dmsetup table "$device"
 	done

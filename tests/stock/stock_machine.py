@@ -7,7 +7,6 @@ A scenario is a directory below scenarios/:
               on one of them, mounts it on /newroot; `mounts` runs in that root
 """
 
-import json
 import pathlib
 import shutil
 
@@ -26,8 +25,9 @@ STAGES = ("udev-root", "udev-user", "bare-root", "bare-user")
 OURS = ("block-json", "diskscout", "diskscout-block.so", "diskscout.so")
 # What each stage asks: a name for the answer, and the words as they stand in the machine. Beside a device that never
 # answers only that which opens none.
-OPENING_NONE = (("block", "./block-json ./diskscout-block.so devices links arrays"),)
-QUERIES = (("lsblk", "lsblk -J -b -O"), ("classic", "./diskscout list --json"), *OPENING_NONE)
+QUERIES = (("lsblk", "lsblk -J -b -O"), ("classic", "./diskscout list --json"),
+           ("block", "./block-json ./diskscout-block.so"))
+OPENING_NONE = (("block", "./block-json ./diskscout-block.so devices links mounts arrays"),)
 
 
 def found(program):
@@ -74,17 +74,3 @@ class Machine(machine.Machine):
     def names(self):
         """{role: the kernel's name}"""
         return dict(line.split() for line in self.lines("names"))
-
-    def listed(self, stage):
-        """{name: what lsblk says of it}"""
-        # It hands on the bytes of a mount point as they are.
-        answer = json.loads((self.seen / stage / "lsblk.out").read_bytes().decode(errors="surrogateescape"))
-        devices = {}
-
-        def walk(items):
-            for item in items:
-                devices[item["name"]] = item
-                walk(item.get("children", ()))
-
-        walk(answer["blockdevices"])
-        return devices

@@ -40,9 +40,8 @@ prepare() {
 		array /dev/md60 60 $now -l5 -n3 -c64 --consistency-policy=ppl $(members 29 30 31)
 		array /dev/md70 70 --metadata=1.2 -l5 -n3 -c64 $(members 32 33 34) --write-journal "$(node d35)"
 	}
-	for name in md0 md1 md5 md6 md10 md20 md9 md30 md40 md50 md60 md70; do called $name $name; done
 	called archive "$(readlink -f /dev/md/archive)"
-	printf 'label: gpt\nlabel-id: d0000000-0000-4000-8000-000000000040\nsize=16M, uuid=d0000000-0000-4000-8000-000000000041, name="on md"\nuuid=d0000000-0000-4000-8000-000000000042\n' |
+	printf 'label: gpt\nlabel-id: d0000000-0000-4000-8000-000000000040\nstart=2048, size=32768, uuid=d0000000-0000-4000-8000-000000000041, name="on md"\nstart=34816, size=20480, uuid=d0000000-0000-4000-8000-000000000042\n' |
 		real sfdisk -q /dev/md40
 	settle
 	must real mke2fs -q -t ext4 -L striped -U d0000000-0000-4000-8000-000000000000 /dev/md0
