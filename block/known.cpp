@@ -5,7 +5,6 @@
 
 #include <limits.h>
 #include <stdio.h>
-#include <stdlib.h>
 
 static constexpr int64_t SECTOR = 512; // of sysfs and of udev's database, whatever the disk's own are
 
@@ -85,34 +84,19 @@ bool KnownContents::tell_partition(const device_t &partition, block_partition *t
 	return true;
 }
 
-static int by_place(const void *one, const void *other)
-{
-	const auto &left = *static_cast<const block_partition *const *>(one);
-	const auto &right = *static_cast<const block_partition *const *>(other);
-	return left->number < right->number ? -1 : left->number > right->number ? 1 : 0;
-}
-
-// Whether udev knows any of them.
+// Whether udev knows any of them. In the order of their names, which is that of their numbers.
 bool KnownContents::tell_partitions(const device_t &device, block_content *content) const
 {
-	Growing<block_partition *> entries(arena_);
-	Chain<block_partition> chain(arena_);
+	Chain<block_partition> entries(arena_);
 	bool by_udev = false;
 
 	for (const device_t *part = device.partition; part; part = part->next) {
-		block_partition *entry = arena_->make<block_partition>();
-		block_partition **slot = entry ? entries.add() : nullptr;
-		if (!slot)
+		block_partition *entry = entries.add();
+		if (!entry)
 			return false;
-		*slot = entry;
-		entry->record_size = sizeof *entry;
 		by_udev = tell_partition(*part, entry) || by_udev;
 	}
-	if (entries.size() > 1)
-		qsort(entries.begin(), entries.size(), sizeof(block_partition *), by_place);
-	for (block_partition *entry : entries)
-		chain.append(entry);
-	content->partitions = chain.first();
+	content->partitions = entries.first();
 	return by_udev;
 }
 

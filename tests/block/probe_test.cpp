@@ -236,6 +236,16 @@ TEST(Chain, MayReturnToAnyOfItsTables)
 	}
 }
 
+TEST(Chain, DoesNotGoOnAtALinkOfNoSize)
+{
+	StoredImage image(off_t{64} << 20);
+	put_chain(&image, 30000);
+	// What looks like a way back.
+	put_table(&image, 8, table_entry(0x05, 2, 0) + table_entry(0x05, 2, 2));
+	put_table(&image, 10, table_entry(0x05, 2, 0) + table_entry(0x05, 4, 2));
+	EXPECT_EQ(Found(image).error, EFBIG);
+}
+
 // A table of so many entries, all empty, right in all its checksums.
 uint32_t crc32(const std::string &bytes)
 {
@@ -297,7 +307,9 @@ TEST(Unreadable, PartOfADiskLeavesNothingToldOfTheRest)
 	unlink(path);
 	Arena arena;
 	block_content content = {};
+	content.ambiguous = BLOCK_ABSENT;
 	EXPECT_EQ(probe_contents(&arena, {fd, true, 0}, &content), EBADF);
+	EXPECT_EQ(content.ambiguous, BLOCK_ABSENT);
 	EXPECT_EQ(content.table, nullptr);
 	EXPECT_EQ(content.type, nullptr);
 	close(fd);
