@@ -106,17 +106,12 @@ static void name_partitions(const reader_t &reader, const device_t &device, cons
 	}
 }
 
-static bool means_gone(int error)
-{
-	return error == ENOENT || error == ENODEV;
-}
-
 static outcome_t read_device(const reader_t &reader, const device_t &device, block_content *content)
 {
 	const Folder folder(reader.inventory->class_folder(), device.sysname);
 	if (!folder.is_open()) {
 		errno = folder.error();
-		return means_gone(errno) ? GONE : FAILED;
+		return is_absence(errno) ? GONE : FAILED;
 	}
 	int error = closed_for(*reader.inventory, device);
 	if (error == 0)
@@ -126,7 +121,7 @@ static outcome_t read_device(const reader_t &reader, const device_t &device, blo
 		return FAILED;
 	}
 	// Also one that could be read: what has gone away meanwhile reads as if it ended early.
-	if (error == ANOTHER_DEVICE || (!folder.has("uevent") && means_gone(errno)))
+	if (error == ANOTHER_DEVICE || (!folder.has("uevent") && is_absence(errno)))
 		return GONE;
 	if (error == 0) {
 		content->source = "device";

@@ -152,14 +152,14 @@ typedef struct block_content {
 	const char *name;   /* name of the device; never null */
 	const char *source; /* "device"; "udev" (its database, and the kernel for partitions that are not in
 	                       it); "kernel" (its partitions); or null: nobody knows anything */
-	int error;          /* errno of what kept the device from being read, such as EACCES or EIO; ENOMEDIUM
-	                       (size 0) and EBUSY (suspended) of one that was not opened; EFBIG: its partition table is
-	                       longer than anybody would make one; absent when it was read */
-	int ambiguous;      /* flag: signatures of several kinds, none of which is taken; a partition table is
-	                       told all the same; absent unless read */
-	const char *table;  /* kind of partition table: "gpt", "dos" ..., or "PMBR": the protective table
-	                       of a GUID partition table without a valid one; absent when there is none */
-	const char *table_id;        /* its identifier: a GUID, or "0x" and 8 digits */
+	int error;     /* errno of what kept the device from being read, such as EACCES or EIO; of one that
+	                  was not opened ENOMEDIUM (size 0) or EBUSY (suspended); EFBIG: its partition
+	                  table is longer than anybody would make one; absent when it was read */
+	int ambiguous; /* flag: signatures of several kinds, none of which is taken; a partition table is
+	                  told all the same; absent unless read */
+	const char *table;    /* kind of partition table: "gpt", "dos" ..., or "PMBR": the protective table
+	                         of a GUID partition table without a valid one; absent when there is none */
+	const char *table_id; /* its identifier: a GUID, or "0x" and 8 digits */
 	block_partition *partitions; /* in the table's order; empty entries are left out */
 	const char *usage;           /* "filesystem", "raid", "crypto", "other" */
 	const char *type; /* "ext4", "linux_raid_member", "LVM2_member", "crypto_LUKS", "swap" ... */

@@ -18,13 +18,13 @@
 static std::function<void(int)> when_probed;
 
 // In this library's place: it is called once for each device that is opened.
-extern "C" int blkid_probe_set_device(blkid_probe probe, int fd, blkid_loff_t at, blkid_loff_t size)
+extern "C" int blkid_probe_set_device(blkid_probe pr, int fd, blkid_loff_t off, blkid_loff_t size)
 {
 	static const auto real = reinterpret_cast<decltype(&blkid_probe_set_device)>(
 		dlsym(RTLD_NEXT, "blkid_probe_set_device"));
 	if (when_probed)
 		when_probed(fd);
-	return real(probe, fd, at, size);
+	return real(pr, fd, off, size);
 }
 
 namespace
@@ -262,11 +262,12 @@ TEST_F(Contents, MayBeAskedForByManyAtOnce)
 	const std::string expected = all();
 	std::vector<std::thread> threads;
 	std::vector<std::string> found(4);
-	for (std::string &text : found)
+	for (std::string &text : found) {
 		threads.emplace_back([&text, &all] {
 			for (int i = 0; i < 5; i++)
 				text = all();
 		});
+	}
 	for (std::thread &thread : threads)
 		thread.join();
 	for (const std::string &text : found)
