@@ -444,6 +444,17 @@ TEST_F(Contents, OfADiskIsKnownByItsPartitions)
 	                                            "\tflags 0x8000000000000001\n");
 }
 
+TEST_F(Contents, OfADiskThatUdevHasNotSeenIsKnownByThePartitionsThatItHas)
+{
+	node(sda(), "8:0", "open fails EACCES");
+	partition(sda(), 1, "8:1", 64, 8);
+	udev("8:1", "E:ID_PART_ENTRY_NUMBER=1\nE:ID_PART_ENTRY_TYPE=0x83\n");
+	show();
+	const List list(list_contents);
+	EXPECT_STREQ(list.named("sda").source, "udev");
+	EXPECT_STREQ(list.named("sda").partitions->type, "0x83");
+}
+
 TEST_F(Contents, HasTheIdentifierOfADosTableInHexadecimal)
 {
 	node(sda(), "8:0", "open fails EACCES");
