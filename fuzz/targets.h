@@ -82,6 +82,7 @@ std::string check_mounts(const char *path);
 
 // Each line is an attribute of an array, in the order of the table in the source.
 std::string check_arrays(const char *path);
+
 // ---- image.cpp ----
 
 // The file is a disk in pieces of 128 bytes: its size in eight bytes, little endian; then of each piece that
