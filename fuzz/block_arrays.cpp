@@ -84,7 +84,7 @@ std::string wrong_members(const block_array &array)
 
 std::string wrong_array(const block_array &array)
 {
-	const std::string wrong = broken({
+	std::string wrong = broken({
 		{array.name && std::string_view(array.name) == "md0", "name"},
 		{is_shown(array.metadata) && is_shown(array.level) && is_shown(array.state) &&
 	                 is_shown(array.sync_action) && is_shown(array.bitmap) && is_shown(array.consistency),
@@ -125,9 +125,9 @@ std::string check_arrays(const char *path)
 	if (list_arrays(&list, &count) != 0)
 		return "the query failed";
 	const auto *array = static_cast<const block_array *>(list);
-	const std::string wrong = count > 1 || (count == 1) != (array != nullptr) ? "number of records"
-	                          : array                                         ? wrong_array(*array)
-	                                                                          : "";
+	std::string wrong = count > 1 || (count == 1) != (array != nullptr) ? "number of records"
+	                    : array                                         ? wrong_array(*array)
+	                                                                    : "";
 	release_list(&list);
 	return wrong;
 }

@@ -143,7 +143,7 @@ std::string wrong_list(const block_mount *first, int count)
 	bool swaps = false;
 	for (const block_mount *at = first; at; at = at->next, count--) {
 		const bool is_swap = std::string_view(at->kind) == "swap";
-		const std::string wrong = is_swap ? wrong_swap(*at) : wrong_mount(*at);
+		std::string wrong = is_swap ? wrong_swap(*at) : wrong_mount(*at);
 		if (!wrong.empty())
 			return wrong;
 		if (swaps && !is_swap)
@@ -176,7 +176,7 @@ std::string check_mounts(const char *path)
 	int count = 0;
 	if (list_mounts(&list, &count) != 0)
 		return "the query failed";
-	const std::string wrong = wrong_list(static_cast<const block_mount *>(list), count);
+	std::string wrong = wrong_list(static_cast<const block_mount *>(list), count);
 	release_list(&list);
 	return wrong;
 }

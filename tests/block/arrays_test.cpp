@@ -256,6 +256,13 @@ TEST_F(Arrays, AreTrueWhateverCallFails)
 	});
 }
 
+TEST_F(Arrays, WithoutMemoryFail)
+{
+	describe_and_show(MIRROR);
+	udev("9:0", "E:MD_UUID=3aaa0122:29827cfa:5331ad66:ca767371\n");
+	walk_refused_memory(list_arrays, release_list);
+}
+
 TEST_F(Arrays, OfAThousandMembersAreWhole)
 {
 	std::string text = MIRROR;

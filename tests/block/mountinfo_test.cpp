@@ -110,7 +110,9 @@ TEST_F(MountTable, HasAnyNumberOfLines)
 
 TEST_F(MountTable, NameWithNulIsNone)
 {
-	EXPECT_EQ(read(std::string("30 1 8:1 / /a\0b rw - ext4 /dev/sda1 rw\n", 40)), "");
+	std::string line = "30 1 8:1 / /ab rw - ext4 /dev/sda1 rw\n";
+	line.insert(line.find('b'), 1, '\0');
+	EXPECT_EQ(read(line), "");
 }
 
 TEST_F(MountTable, WithoutItErrnoTells)

@@ -152,25 +152,28 @@ told_t parts_of(const block_mount &mount)
 	        bytes(mount.total) + "/" + bytes(mount.used) + "/" + bytes(mount.available)};
 }
 
+static constexpr char OF_ALL_KINDS[] =
+	"device devices/pci0000:00/ata1/block/sda 8:0 4096\n"
+	"device devices/pci0000:00/ata2/block/sdb 8:16 4096\n"
+	"device devices/virtual/block/dm-0 254:0 4096\n"
+	"  dm/suspended = 1\n"
+	"  slaves/sda/dev = 8:0\n"
+	"link dev/mapper/data ../sda\n"
+	"host device /dev/sda\n"
+	"host number 8:0\n"
+	"link sys/fs/btrfs/0b1d/devices/sda ../../../../devices/pci0000:00/ata1/block/sda\n"
+	"link sys/fs/btrfs/0b1d/devices/sdb ../../../../devices/pci0000:00/ata2/block/sdb\n"
+	"file proc/self/mountinfo\n"
+	"| 22 1 0:31 / / rw - btrfs /dev/mapper/data rw\n"
+	"| 23 22 0:32 / /run rw - tmpfs tmpfs rw\n"
+	"file proc/swaps\n"
+	"| /dev/dm-0 partition 4 0 -2\n"
+	"| /swap file 4 0 -2\n"
+	"host mount / 4096 1000 900\n";
+
 TEST_F(Mounts, AreTrueWhateverCallFails)
 {
-	describe_and_show("device devices/pci0000:00/ata1/block/sda 8:0 4096\n"
-	                  "device devices/pci0000:00/ata2/block/sdb 8:16 4096\n"
-	                  "device devices/virtual/block/dm-0 254:0 4096\n"
-	                  "  dm/suspended = 1\n"
-	                  "  slaves/sda/dev = 8:0\n"
-	                  "link dev/mapper/data ../sda\n"
-	                  "host device /dev/sda\n"
-	                  "host number 8:0\n"
-	                  "link sys/fs/btrfs/0b1d/devices/sda ../../../../devices/pci0000:00/ata1/block/sda\n"
-	                  "link sys/fs/btrfs/0b1d/devices/sdb ../../../../devices/pci0000:00/ata2/block/sdb\n"
-	                  "file proc/self/mountinfo\n"
-	                  "| 22 1 0:31 / / rw - btrfs /dev/mapper/data rw\n"
-	                  "| 23 22 0:32 / /run rw - tmpfs tmpfs rw\n"
-	                  "file proc/swaps\n"
-	                  "| /dev/dm-0 partition 4 0 -2\n"
-	                  "| /swap file 4 0 -2\n"
-	                  "host mount / 4096 1000 900\n");
+	describe_and_show(OF_ALL_KINDS);
 	std::vector<told_t> good;
 	{
 		const Answer<block_mount> answer(list_mounts);
@@ -200,6 +203,23 @@ TEST_F(Mounts, AreTrueWhateverCallFails)
 		}
 		EXPECT_EQ(static_cast<size_t>(answer.count), good.size());
 	});
+}
+
+TEST_F(Mounts, WithoutMemoryFail)
+{
+	describe_and_show(OF_ALL_KINDS);
+	walk_refused_memory(list_mounts, release_list);
+}
+
+TEST_F(Mounts, OpenNoDeviceAndNoMountPoint)
+{
+	describe_and_show(OF_ALL_KINDS);
+	const Watch watch([](const std::string &path) {
+		EXPECT_TRUE(path[0] != '/' || path.compare(0, 5, "/sys/") == 0 ||
+		            path == "/proc/self/mountinfo" || path == "/proc/swaps")
+			<< path;
+	});
+	EXPECT_EQ(Answer<block_mount>(list_mounts).result, 0);
 }
 
 // Asked is once for a file system and a source, however many mounts have it.
