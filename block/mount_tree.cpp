@@ -66,19 +66,33 @@ size_t MountTree::by_id(int id) const
 	return low < mounts_->size() && ids_[low].id == id ? ids_[low].mount : NONE;
 }
 
+// The first mount at "/" that is mounted in itself, or in what is not in the table. A mount on a plain
+// directory that is the process's root looks alike, but for others in the same parent: their paths could not
+// be told, did the process not stand in that.
+size_t MountTree::find_root() const
+{
+	size_t root = 0;
+	while (root < mounts_->size() &&
+	       (path_of(root) != "/" || (places_[root].parent != NONE && places_[root].parent != root)))
+		root++;
+	if (root == mounts_->size())
+		return NONE;
+	for (const mount_entry_t &mount : *mounts_)
+		if (places_[root].parent == NONE && mount.parent_id == (*mounts_)[root].parent_id &&
+		    mount.mount_point != "/")
+			return NONE;
+	return root;
+}
+
 void MountTree::find_parents()
 {
 	const size_t count = mounts_->size();
 	for (size_t i = 0; i < count; i++)
 		ids_[i] = {(*mounts_)[i].id, i};
 	qsort(ids_, count, sizeof *ids_, compare_ids);
-	for (size_t i = 0; i < count; i++) {
-		const size_t parent = by_id((*mounts_)[i].parent_id);
-		places_[i] = {parent, UNKNOWN, false};
-		// What the root itself is mounted in is not in the table, or it is mounted in itself.
-		if (root_ == NONE && path_of(i) == "/" && (parent == NONE || parent == i))
-			root_ = i;
-	}
+	for (size_t i = 0; i < count; i++)
+		places_[i] = {by_id((*mounts_)[i].parent_id), UNKNOWN, false};
+	root_ = find_root();
 	// The table is no snapshot: a parent that went away while it was read hides nothing.
 	for (size_t i = 0; i < count; i++)
 		if (places_[i].parent == NONE)
@@ -102,14 +116,14 @@ bool MountTree::is_covered(size_t mount) const
 {
 	const size_t parent = places_[mount].parent;
 	const text_t path = path_of(mount);
-	size_t start = 1;
+	size_t start = parent == NONE ? 1 : path_of(parent).size();
 
 	if (parent == root_ && path == "/")
 		return true;
 	if (parent != NONE && !lies_at_or_below(path, path_of(parent)))
 		return true;
-	if (parent != NONE)
-		start = path_of(parent).size() + (parent == root_ ? 1 : 0);
+	if (parent == root_)
+		start++;
 	uint64_t hash = HASH_START;
 	for (size_t end = 1; end < path.size(); end++) {
 		hash = hash_byte(hash, path[end - 1]);

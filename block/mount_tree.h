@@ -44,6 +44,7 @@ private:
 	text_t path_of(size_t mount) const { return (*mounts_)[mount].mount_point; }
 	bool take_room(size_t count);
 	size_t by_id(int id) const;
+	size_t find_root() const;
 	void find_parents();
 	size_t *slot_of(size_t parent, text_t path, uint64_t hash) const;
 	bool is_covered(size_t mount) const;

@@ -44,6 +44,11 @@ public:
 			if (root_ == NONE && path_of(i) == "/" && (parents_[i] == NONE || parents_[i] == i))
 				root_ = i;
 		}
+		const size_t first_root = root_;
+		for (size_t i = 0; i < mounts_.size(); i++)
+			if (first_root != NONE && parents_[first_root] == NONE && path_of(i) != "/" &&
+			    mounts_[i]->parent_id == mounts_[first_root]->parent_id)
+				root_ = NONE;
 		for (size_t &parent : parents_)
 			parent = parent == NONE ? root_ : parent;
 	}
