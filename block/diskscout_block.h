@@ -85,7 +85,8 @@ typedef struct block_device {
 	const char *serial_source;
 	const char *firmware; /* revision */
 	const char *firmware_source;
-	const char *wwn;   /* world-wide name of the unit: "0x" and 16 or 32 hexadecimal digits */
+	const char *wwn;   /* world-wide name of the unit: "0x" and 16 or 32 hexadecimal digits; NVMe: the
+	                      kernel's text, such as eui.0025385b71b0a9f2 */
 	const char *eui64; /* 16 hexadecimal digits (NVMe), 16, 24 or 32 (SCSI) */
 	const char *nguid; /* NVMe: 32 hexadecimal digits */
 	const char *uuid;  /* NVMe: UUID of the namespace */
@@ -93,7 +94,7 @@ typedef struct block_device {
 	long long scsi_lun;
 	block_text *links; /* other paths in /dev that lead to it, by name, such as /dev/disk/by-id/... */
 	const char *controller_pci; /* PCI address of the controller, such as 0000:00:1f.2 */
-	int numa_node;              /* of the controller; absent when the machine has one only */
+	int numa_node;              /* of the controller; absent when the kernel knows of none */
 	const char
 		*state; /* as the kernel tells it: "running", "offline", "live"; dm: "running", "suspended" */
 	const char *dm_name;
