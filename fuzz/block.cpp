@@ -4,6 +4,7 @@
 #include "promises.h"
 #include "targets.h"
 
+#include "udev.h"
 #include "vpd.h"
 
 #include <ctype.h>
@@ -110,4 +111,52 @@ std::string check_vpd(const char *path)
 		{is_field(ata.model, 40) && is_field(ata.serial, 20) && is_field(ata.firmware, 8),
 	         "identity"},
 	});
+}
+
+// A link of the record: a name that stands in one of its lines.
+static bool is_link_of(text_t link, std::string_view content)
+{
+	const std::string line = "S:" + std::string(link);
+	const size_t at = ("\n" + std::string(content) + "\n").find("\n" + line + "\n");
+	return !link.empty() && link.find('\n') == text_t::npos && at != std::string::npos;
+}
+
+// For each key of the input: the value is what stands behind its first sign, and fit to be shown.
+static std::string check_values(const UdevRecord &record, std::string_view content)
+{
+	for (std::string_view rest = content; !rest.empty();) {
+		const size_t end = std::min(rest.find('\n'), rest.size());
+		const std::string_view line = rest.substr(0, end);
+		rest.remove_prefix(std::min(end + 1, rest.size()));
+		const size_t sign = line.find('=');
+		if (line.substr(0, 2) != "E:" || sign == std::string_view::npos)
+			continue;
+		Arena arena;
+		const text_t key = line.substr(2, sign - 2);
+		const text_t value = record.value(key);
+		const std::string whole = "E:" + std::string(key) + "=" + std::string(value) + "\n";
+		const bool stands =
+			("\n" + std::string(content) + "\n").find("\n" + whole) != std::string::npos;
+		if (!stands || !is_shown(record.decoded(&arena, key)))
+			return "value of " + std::string(key);
+	}
+	return "";
+}
+
+std::string check_udev(const char *path)
+{
+	static const Host host("udev");
+	const std::string content = content_of(path);
+	host.file("run/udev/data/b8:1", content);
+	const Visit visit(host);
+	Arena arena;
+	const UdevDatabase database;
+	const UdevRecord record(&arena, database, 8, 1);
+	if (!record.is_there())
+		return content.empty() || content.size() > (size_t{64} << 10) ? "" : "a record is not read";
+	text_t rest = record.links();
+	for (text_t link = UdevRecord::next_link(&rest); !link.empty(); link = UdevRecord::next_link(&rest))
+		if (!is_link_of(link, content))
+			return "a link that the record has not";
+	return check_values(record, content);
 }

@@ -23,6 +23,7 @@ const std::vector<Target> TARGETS = {
 	{"raidtab", 2, check_raidtab},
 	{"chain", 2, check_chain},
 	{"vpd", 1, check_vpd},
+	{"udev", 1, check_udev},
 	{"mounts", 2, check_mounts},
 	{"arrays", 1, check_arrays},
 	{"image", 2, check_image},

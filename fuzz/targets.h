@@ -72,6 +72,8 @@ std::string check_chain(const char *path);
 
 // The file is one page of vital product data.
 std::string check_vpd(const char *path);
+// The file is what udev's database says of a device.
+std::string check_udev(const char *path);
 
 // ---- block_mounts.cpp ----
 
