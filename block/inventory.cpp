@@ -260,6 +260,27 @@ void Inventory::find_wholes()
 	}
 }
 
+static bool is_orphan(const device_t &device)
+{
+	return is_kind(device, "partition") && !device.whole;
+}
+
+// A partition was there when it was read; without the device that it is part of it has gone since.
+void Inventory::drop_orphans()
+{
+	const size_t count = devices_.size();
+	size_t named = 0;
+	size_t numbered = 0;
+	for (size_t i = 0; i < count; i++) {
+		if (!is_orphan(*devices_[i]))
+			devices_[named++] = devices_[i];
+		if (!is_orphan(*by_number_[i]))
+			by_number_[numbered++] = by_number_[i];
+	}
+	while (devices_.size() > named)
+		devices_.drop_last();
+}
+
 bool Inventory::scan(fill_t fill, void *context)
 {
 	Entries entries(class_, ".");
@@ -284,6 +305,7 @@ bool Inventory::scan(fill_t fill, void *context)
 	if (entries.failed())
 		return false;
 	find_wholes();
+	drop_orphans();
 	return true;
 }
 

@@ -59,6 +59,7 @@ private:
 	void drop_partial();
 	bool put_in_order();
 	void find_wholes();
+	void drop_orphans();
 
 	Arena *arena_;
 	Folder class_;

@@ -1,4 +1,5 @@
 // Outside calls that fail, one at a time and from there on; devices that go away while they are read.
+#include "host.h"
 #include "outside.h"
 #include "told.h"
 
@@ -120,11 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Hosts, FailingCalls,
 class GoingAway : public ::testing::Test
 {
 protected:
-	GoingAway()
-	{
-		std::string name = ::testing::TempDir() + "block-XXXXXX";
-		top_ = mkdtemp(name.data());
-	}
+	GoingAway() : top_(quick_directory()) {}
 	~GoingAway() override
 	{
 		replay_use(nullptr);

@@ -1,6 +1,7 @@
 #include "outside.h"
 
 #include <atomic>
+#include <errno.h>
 #include <fcntl.h>
 #include <stdarg.h>
 #include <stdlib.h>
@@ -91,16 +92,23 @@ void __wrap_free(void *block)
 	__real_free(block);
 }
 
-// Nobody here makes files: a mode is not handed on.
 int __wrap_open(const char *path, int flags, ...)
 {
+	va_list rest;
+	va_start(rest, flags);
+	const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+	va_end(rest);
 	look_at(path);
-	return __real_open(path, flags);
+	return __real_open(path, flags, mode);
 }
 
 int __wrap_openat(int folder, const char *path, int flags, ...)
 {
+	va_list rest;
+	va_start(rest, flags);
+	const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+	va_end(rest);
 	look_at(path);
-	return __real_openat(folder, path, flags);
+	return __real_openat(folder, path, flags, mode);
 }
 }

@@ -6,6 +6,9 @@
 #include "queries.h"
 #include "record.h"
 
+#include <gtest/gtest.h>
+
+#include <errno.h>
 #include <map>
 #include <string>
 #include <vector>
