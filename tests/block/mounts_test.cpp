@@ -155,6 +155,8 @@ told_t parts_of(const block_mount &mount)
 static constexpr char OF_ALL_KINDS[] =
 	"device devices/pci0000:00/ata1/block/sda 8:0 4096\n"
 	"device devices/pci0000:00/ata2/block/sdb 8:16 4096\n"
+	// It lacks its state: such a one is looked at once more.
+	"device devices/virtual/block/dm-1 254:1 4096\n"
 	"device devices/virtual/block/dm-0 254:0 4096\n"
 	"  dm/suspended = 1\n"
 	"  slaves/sda/dev = 8:0\n"
