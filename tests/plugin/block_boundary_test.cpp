@@ -37,6 +37,7 @@ protected:
 		device(disk, "8:0", 4096);
 		device(disk + "/sda1", "8:1", 2048, "partition", "PARTN=1\n");
 		device("devices/virtual/block/dm-0", "253:0", 2048);
+		put("sys/devices/virtual/block/dm-0/dm/name", "root\n");
 		link("sys/devices/virtual/block/dm-0/slaves/sda1", "../../../../" + disk + "/sda1");
 		udev("8:0", "S:disk/by-id/ata-ACME_DISK\nS:disk/by-path/pci-0000:00:1f.2-ata-1\n");
 		link("dev/disk/by-id/ata-ACME_DISK", "../../sda");

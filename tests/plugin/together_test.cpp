@@ -127,7 +127,7 @@ TEST_F(Together, LoadingAskingAndUnloadingAThousandTimesLeaksNothing)
 	};
 	const auto measure = [&] {
 		show();
-		const Lent before = come_and_go(2);
+		const Lent before = come_and_go(100);
 		const Lent after = come_and_go(ROUNDS);
 		const bool is_gone = !dlopen(BLOCK_PLUGIN_LIBRARY, RTLD_LAZY | RTLD_NOLOAD);
 		fprintf(stderr, "%zu, then %zu bytes\n", before.heap, after.heap);
