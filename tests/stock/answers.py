@@ -116,7 +116,8 @@ def _lsblk_device(item):
         kind = "partition"
     elif re.fullmatch(r"raid\d+|linear|md", kind):
         kind = "md"
-    whole = kind != "partition" and dm_kind != "partition"  # else the table is that of its disk
+    # that of a partition is its disk's
+    table = None if "partition" in (kind, dm_kind) else item["pttype"]
     return {
         "number": item["maj:min"], "kind": kind, "dm_kind": dm_kind, "size": item["size"],
         "dm_name": item["name"] if dm_kind else None,
@@ -124,7 +125,7 @@ def _lsblk_device(item):
         "removable": item["rm"], "read_only": item["ro"], "transport": item["tran"], "vendor": trimmed(item["vendor"]),
         "model": trimmed(item["model"]), "serial": trimmed(item["serial"]), "firmware": trimmed(item["rev"]),
         "wwn": item["wwn"], "address": item["hctl"], "state": item["state"],
-        "table": item["pttype"] if whole else None, "table_id": table_id(item["pttype"], item["ptuuid"]) if whole else None,
+        "table": table, "table_id": table and table_id(table, item["ptuuid"]),
         "type": item["fstype"], "label": item["label"], "uuid": lower(item["uuid"]), "version": item["fsver"],
         "part_start": item["start"] and item["start"] * SECTOR, "part_type": lower(item["parttype"]),
         "part_uuid": lower(item["partuuid"]), "part_label": item["partlabel"],
@@ -139,8 +140,8 @@ def blkid(machine):
     for file in (machine.seen / "facts").glob("blkid-*.out"):
         told = dict(_unescaped(line).split("=", 1) for line in file.read_bytes().splitlines() if b"=" in line)
         device = {"table": told.get("PTTYPE"), "table_id": table_id(told.get("PTTYPE"), told.get("PTUUID")),
-                  "type": told.get("TYPE"), "label": told.get("LABEL"), "uuid": lower(told.get("UUID")), "version": told.get("VERSION"),
-                  "uuid_sub": lower(told.get("UUID_SUB"))}
+                  "type": told.get("TYPE"), "label": told.get("LABEL"), "uuid": lower(told.get("UUID")),
+                  "version": told.get("VERSION"), "uuid_sub": lower(told.get("UUID_SUB"))}
         if "PART_ENTRY_NUMBER" in told:
             device |= {"part_number": int(told["PART_ENTRY_NUMBER"]),
                        "part_start": int(told["PART_ENTRY_OFFSET"]) * SECTOR,

@@ -17,11 +17,13 @@ import subprocess
 
 from answers import SECTOR
 
-TEXTS = ("transport", "vendor", "model", "serial", "firmware", "wwn", "state", "dm_kind", "backing_file", "controller_pci")
+TEXTS = ("transport", "vendor", "model", "serial", "firmware", "wwn", "state", "dm_kind", "backing_file",
+         "controller_pci")
 CONTENT = ("table", "table_id", "type", "label", "uuid", "version")
 ENTRY = ("part_start", "part_size", "part_type", "part_uuid", "part_label", "part_flags")
 SETS = ("parents", "paths", "mounts", "under")
-OF_THE_DISK = ("transport", "controller_pci", "logical_sector", "physical_sector", "rotational", "removable", "read_only")
+OF_THE_DISK = ("transport", "controller_pci", "logical_sector", "physical_sector", "rotational", "removable",
+               "read_only")
 FIELDS = ("kind", "size", "logical_sector", "physical_sector", "rotational", "removable", "read_only", "part_number",
           *TEXTS, *CONTENT, *ENTRY, *SETS)
 

@@ -1,7 +1,7 @@
 """Where our answer and a peer's differ, and which of these differences we know.
 
-A field that the peer leaves open is no difference: what it should have been is in the scenario's own text.  Each row of
-KNOWN is told in docs/peers.md under its name, and says in which scenarios it must be met: one that is met nowhere has no
+A field that the peer leaves open is no difference: what it should have been is in the scenario's own text.  Each row
+is told in docs/block.md under its name, and says in which scenarios it must be met: one that is met nowhere has no
 place there.
 """
 

@@ -3,8 +3,8 @@
 A scenario is a directory below scenarios/:
   disks.sh    makes the disk images, in the functions of tests/vm/disk-lib.sh
   vm.conf     attaches them and names the kernel's modules: options of tests/vm/run-vm, one per line
-  guest.sh    runs in the machine in the functions of stock-lib.sh: `prepare` makes devices and, where the root is to be
-              on one of them, mounts it on /newroot; `mounts` runs in that root
+  guest.sh    runs in the machine in the functions of stock-lib.sh: `prepare` makes devices and, where the root is to
+              be on one of them, mounts it on /newroot; `mounts` runs in that root
 """
 
 import pathlib
@@ -13,21 +13,20 @@ import shutil
 import machine
 
 HERE = pathlib.Path(__file__).resolve().parent
-PROGRAMS = ("blkid", "btrfs", "cryptsetup", "dmsetup", "findmnt", "losetup", "lsblk", "lvm", "mdadm", "mke2fs", "mkswap",
-            "setpriv", "sfdisk", "udevadm")
+PROGRAMS = ("blkid", "btrfs", "cryptsetup", "dmsetup", "findmnt", "losetup", "lsblk", "lvm", "mdadm", "mke2fs",
+            "mkswap", "setpriv", "sfdisk", "udevadm")
 HOST_PROGRAMS = ("depmod", "fdisk", "mkfs.btrfs", "mkfs.xfs", "modprobe")
 UDEV_HELPERS = ("ata_id", "cdrom_id", "scsi_id")
 # Those of the packages that setup names: what else is installed here must not change an answer.
-UDEV_RULES = ("01-md-raid-creating", "50-udev-default", "55-dm", "56-lvm", "60-block", "60-cdrom_id", "60-persistent-storage",
-              "60-persistent-storage-dm", "63-md-raid-arrays", "64-btrfs", "95-dm-notify")
+UDEV_RULES = ("01-md-raid-creating", "50-udev-default", "55-dm", "56-lvm", "60-block", "60-cdrom_id",
+              "60-persistent-storage", "60-persistent-storage-dm", "63-md-raid-arrays", "64-btrfs", "95-dm-notify")
 UDEV = pathlib.Path("/usr/lib/udev")
 STAGES = ("udev-root", "udev-user", "bare-root", "bare-user")
 OURS = ("block-json", "diskscout", "diskscout-block.so", "diskscout.so")
 # What each stage asks: a name for the answer, and the words as they stand in the machine. Beside a device that never
-# answers only that which opens none.
-QUERIES = (("lsblk", "lsblk -J -b -O"), ("classic", "./diskscout list --json"),
-           ("block", "./block-json ./diskscout-block.so"))
-OPENING_NONE = (("block", "./block-json ./diskscout-block.so devices links mounts arrays"),)
+# answers the peers are not asked.
+OUR_QUERY = ("block", "./block-json ./diskscout-block.so")
+QUERIES = (("lsblk", "lsblk -J -b -O"), ("classic", "./diskscout list --json"), OUR_QUERY)
 
 
 def found(program):
@@ -64,7 +63,7 @@ class Machine(machine.Machine):
         shutil.copy(self.scenario / "guest.sh", self.payload)
         if self.capture:
             shutil.copy(HERE / "capture-host", self.payload)
-        for file, queries in (("queries", QUERIES), ("hung-queries", OPENING_NONE)):
+        for file, queries in (("queries", QUERIES), ("hung-queries", (OUR_QUERY,))):
             (self.payload / file).write_text("".join(f"{name} {words}\n" for name, words in queries))
 
     def _options(self, kernel):

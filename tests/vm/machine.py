@@ -72,7 +72,8 @@ class Machine:
         return ["--memory", str(max(256, 4 * size + 192))]
 
     def _boot(self, kernel, work):
-        command = [HERE / "run-vm", "--config", self.disks / "vm.conf", "--payload", self.payload, *self._options(kernel)]
+        command = [HERE / "run-vm", "--config", self.disks / "vm.conf", "--payload", self.payload]
+        command += self._options(kernel)
         command += ["--timeout", str(TIME_LIMIT), "--console", work / "console", "--", "sh", "collect"]
         environment = {"PATH": SEARCH_PATH, "DISKSCOUT_VM_KERNEL": str(kernel), "TMPDIR": str(work)}
         run = subprocess.run(command, env=environment, capture_output=True, text=True, errors="replace",

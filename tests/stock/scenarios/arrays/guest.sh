@@ -41,8 +41,12 @@ prepare() {
 		array /dev/md70 70 --metadata=1.2 -l5 -n3 -c64 $(members 32 33 34) --write-journal "$(node d35)"
 	}
 	called archive "$(readlink -f /dev/md/archive)"
-	printf 'label: gpt\nlabel-id: d0000000-0000-4000-8000-000000000040\nstart=2048, size=32768, uuid=d0000000-0000-4000-8000-000000000041, name="on md"\nstart=34816, size=20480, uuid=d0000000-0000-4000-8000-000000000042\n' |
-		real sfdisk -q /dev/md40
+	real sfdisk -q /dev/md40 <<-P
+		label: gpt
+		label-id: d0000000-0000-4000-8000-000000000040
+		start=2048, size=32768, uuid=d0000000-0000-4000-8000-000000000041, name="on md"
+		start=34816, size=20480, uuid=d0000000-0000-4000-8000-000000000042
+	P
 	settle
 	must real mke2fs -q -t ext4 -L striped -U d0000000-0000-4000-8000-000000000000 /dev/md0
 	must real mke2fs -q -t ext4 -L archive -U d0000000-0000-4000-8000-000000000127 /dev/md127

@@ -57,8 +57,11 @@ mounts() {
 	at tmpfs /mnt/hidden -t tmpfs -o size=1m
 
 	truncate -s 16M '/data/image file'
-	printf 'label: gpt\nlabel-id: a0000000-0000-4000-8000-000000000001\nstart=2048, uuid=a0000000-0000-4000-8000-000000000011\n' |
-		real sfdisk -q '/data/image file'
+	real sfdisk -q '/data/image file' <<-P
+		label: gpt
+		label-id: a0000000-0000-4000-8000-000000000001
+		start=2048, uuid=a0000000-0000-4000-8000-000000000011
+	P
 	must real losetup -P /dev/loop0 '/data/image file'
 	settle
 	must real mke2fs -q -t ext4 -L image -U a0000000-0000-4000-8000-000000000021 /dev/loop0p1

@@ -7,8 +7,8 @@ DISKS=8
 # secret NAME DEVICE UUID WORD...: a LUKS device with a key that is quick to make, open as NAME
 secret() {
 	name=$1 device=$2
-	must real cryptsetup luksFormat -q --uuid "$3" --pbkdf pbkdf2 --pbkdf-force-iterations 1000 --key-file /run/key "$device" \
-		--label "$name" --type "$4"
+	must real cryptsetup luksFormat -q --uuid "$3" --pbkdf pbkdf2 --pbkdf-force-iterations 1000 \
+		--key-file /run/key "$device" --label "$name" --type "$4"
 	must real cryptsetup open --key-file /run/key "$device" "$name"
 }
 
@@ -35,8 +35,10 @@ prepare() {
 	now='--create --run --assume-clean -l1 -n2'
 	# shellcheck disable=SC2086 # words
 	{
-		must real mdadm $now --metadata=1.0 --uuid=c0000000:00004000:80000000:00000000 /dev/md0 "$(part sys1 1)" "$(part sys2 1)"
-		must real mdadm $now --metadata=1.2 --uuid=c0000000:00004000:80000000:00000001 /dev/md1 "$(part sys1 2)" "$(part sys2 2)"
+		must real mdadm $now --metadata=1.0 --uuid=c0000000:00004000:80000000:00000000 /dev/md0 \
+			"$(part sys1 1)" "$(part sys2 1)"
+		must real mdadm $now --metadata=1.2 --uuid=c0000000:00004000:80000000:00000001 /dev/md1 \
+			"$(part sys1 2)" "$(part sys2 2)"
 	}
 	must real mke2fs -q -t ext4 -L boot -U e0000000-0000-4000-8000-000000000061 /dev/md0
 	secret system /dev/md1 e0000000-0000-4000-8000-000000000062 luks2
@@ -59,7 +61,8 @@ prepare() {
 	step lvm
 
 	secret 'old secret' "$(node old)" e0000000-0000-4000-8000-000000000066 luks1
-	mapped mpatha mpath-36000c500e0000007 "0 131072 multipath 0 0 1 1 round-robin 0 2 1 $(number path1) 1 $(number path2) 1"
+	paths="2 1 $(number path1) 1 $(number path2) 1"
+	mapped mpatha mpath-36000c500e0000007 "0 131072 multipath 0 0 1 1 round-robin 0 $paths"
 	mapped mpatha-part1 part1-mpath-36000c500e0000007 '0 65536 linear /dev/mapper/mpatha 2048'
 	mapped nameless '' "0 8192 linear $(number pieces) 0"
 	mapped ours ACME-0001 "0 8192 linear $(number pieces) 8192"
