@@ -90,6 +90,18 @@ def _mapped(devices, disk, number):
     return None
 
 
+def our_targets(machine, stage):
+    """{device: the kinds of its mappings} of the device mapper's devices; None for those that are not told"""
+    document = json.loads((machine.seen / stage / "block.out").read_bytes())
+    return {device["name"]: device["dm_target"] and set(device["dm_target"].split(","))
+            for device in document["devices"] if device["kind"] == "dm"}
+
+
+def targets_of_the_mapper(machine):
+    return {file.stem.removeprefix("table-"): {line.split()[2] for line in decoded(file.read_bytes()).splitlines()}
+            for file in (machine.seen / "facts").glob("table-*.out")}
+
+
 # --- lsblk
 
 def lsblk(machine, stage):
@@ -207,8 +219,8 @@ def our_mounts(machine, stage):
     return {mount["id"]: {
         "parent": mount["parent_id"], "target": plain(mount["mount_point"]), "source": plain(mount["source"]),
         "type": mount["type"], "number": "{}:{}".format(mount["major"], mount["minor"]), "root": plain(mount["root"]),
-        "options": _words(plain(mount["options"]), plain(mount["super_options"])), "total": mount["total"],
-        "shadowed": mount["shadowed"]} for mount in document.get("mounts") or () if mount["kind"] == "mount"}
+        "options": _words(plain(mount["options"]), plain(mount["super_options"])),
+        "total": mount["total"], "used": mount["used"], "available": mount["available"], "shadowed": mount["shadowed"]} for mount in document.get("mounts") or () if mount["kind"] == "mount"}
 
 
 def our_swaps(machine, stage):
@@ -234,7 +246,8 @@ def findmnt(machine):
                 "parent": item["parent"], "target": item["target"],
                 # it writes what of the file system is mounted behind its device
                 "source": item["source"].removesuffix(f"[{root}]"), "type": item["fstype"], "number": item["maj:min"],
-                "root": root, "options": _words(item["options"]), "total": item["size"]}
+                "root": root, "options": _words(item["options"]), "total": item["size"], "used": item["used"],
+                "available": item["avail"]}
             walk(item.get("children", ()))
 
     walk(document["filesystems"])
