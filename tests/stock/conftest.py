@@ -1,0 +1,2 @@
+def pytest_addoption(parser):
+    parser.addoption("--build-dir", required=True, help="where the plug-in, block-json and the replay library stand")
