@@ -29,8 +29,8 @@ text_t UdevRecord::value(text_t key) const
 		if (!begins_with(line, "E:"))
 			continue;
 		line.remove_prefix(2);
-		if (take_until(&line, '=') == key)
-			return line;
+		if (begins_with(line, key) && line.substr(key.size(), 1) == "=")
+			return line.substr(key.size() + 1);
 	}
 	return {};
 }

@@ -264,20 +264,23 @@ TEST_F(Devices, AreTheSameToManyThreads)
 class Coming
 {
 public:
-	Coming(const std::filesystem::path &host, const std::string &name)
-	    : folder_((host / "sys/devices/virtual/block" / name).string()),
-	      link_((host / "sys/class/block" / name).string()),
-	      target_("../../devices/virtual/block/" + name)
+	Coming(const std::filesystem::path &host, std::string name)
+	    : host_(host.string()), name_(std::move(name)), link_(host_ + "/sys/class/block/" + name_)
 	{
 	}
 
-	void come(bool odd) const
+	// Each time in a folder of its own: the stand-in for the kernel finds by path what is open, and must
+	// not find the next one there.
+	void come(int turn)
 	{
-		for (const char *folder : {"", "/queue", "/loop"})
+		const std::string place = "devices/virtual/block/" + std::to_string(turn);
+		folder_ = host_ + "/sys/" + place;
+		for (const char *folder : {"", "/device", "/device/queue", "/device/loop"})
 			EXPECT_EQ(mkdir((folder_ + folder).c_str(), 0700), 0);
+		folder_ += "/device";
 		for (const file_t &file : FILES)
-			write(file.name, odd ? file.odd : file.even);
-		EXPECT_EQ(symlink(target_.c_str(), link_.c_str()), 0);
+			write(file.name, turn % 2 != 0 ? file.odd : file.even);
+		EXPECT_EQ(symlink(("../../" + place + "/device").c_str(), link_.c_str()), 0);
 	}
 
 	void go() const
@@ -287,6 +290,7 @@ public:
 			EXPECT_EQ(unlink((folder_ + "/" + file.name).c_str()), 0);
 		for (const char *folder : {"/loop", "/queue", ""})
 			EXPECT_EQ(rmdir((folder_ + folder).c_str()), 0);
+		EXPECT_EQ(rmdir(folder_.substr(0, folder_.rfind('/')).c_str()), 0);
 	}
 
 private:
@@ -314,7 +318,8 @@ private:
 		close(fd);
 	}
 
-	const std::string folder_, link_, target_;
+	const std::string host_, name_, link_;
+	std::string folder_;
 };
 
 // Plugged and unplugged 10,000 times while the list is read: each answer has one of the two whole, or none.
@@ -326,11 +331,11 @@ TEST_F(Devices, ComeAndGoWhileTheyAreRead)
 	put("host.txt", "");
 	loop(0);
 	show();
-	const Coming device(host(), "loop5");
-	device.come(false);
+	Coming device(host(), "loop5");
+	device.come(0);
 	const answer_t even = devices_told();
 	device.go();
-	device.come(true);
+	device.come(1);
 	const answer_t odd = devices_told();
 	device.go();
 	const answer_t none = devices_told();
@@ -341,7 +346,7 @@ TEST_F(Devices, ComeAndGoWhileTheyAreRead)
 	std::atomic<int> turn{0};
 	std::thread changes([&] {
 		for (; turn < TURNS; turn++) {
-			device.come(turn % 2 != 0);
+			device.come(turn);
 			device.go();
 		}
 	});

@@ -66,6 +66,11 @@ TEST_F(UdevRecords, TheFirstOfTwoCounts)
 	EXPECT_EQ(value("E:KEY=one\nE:KEY=two\n", "KEY"), "one");
 }
 
+TEST_F(UdevRecords, AKeyAloneIsNoValue)
+{
+	EXPECT_EQ(value("E:KEY\nE:KEY=1\n", "KEY"), "1");
+}
+
 TEST_F(UdevRecords, TheLastLineNeedsNoNewline)
 {
 	EXPECT_EQ(value("E:A=1\nE:KEY=last", "KEY"), "last");
