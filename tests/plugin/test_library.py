@@ -45,8 +45,8 @@ CHANGES = {
 Library = collections.namedtuple("Library", "file exports named others forbidden")
 LIBRARIES = [
     Library("diskscout.so", CLASSIC_EXPORTS, {"libuuid.so.1"}, RUNTIME, FORBIDDEN | MEMORY),
-    Library("diskscout-block.so", {"GetItemInfo", "SetItemInfo", "memory_counter_block"}, set(),
-            {"libc.so.6", "libblkid.so.1"}, FORBIDDEN | CHANGES),
+    Library("diskscout-block.so", {"GetItemInfo", "SetItemInfo", "memory_counter_block"},
+            {"libblkid.so.1", "libc.so.6"}, set(), FORBIDDEN | CHANGES),
 ]
 
 
