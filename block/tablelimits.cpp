@@ -75,8 +75,9 @@ static bool are_chains_short(const disk_t &disk, const unsigned char *table)
 static bool is_gpt_short(const disk_t &disk, uint64_t at)
 {
 	unsigned char header[92];
-	return !read_at(disk, at, header, sizeof header) || memcmp(header, "EFI PART", 8) != 0 ||
-	       uint64_t{little_endian(header + 80)} * little_endian(header + 84) <= GPT_MOST;
+	if (!read_at(disk, at, header, sizeof header) || memcmp(header, "EFI PART", 8) != 0)
+		return true;
+	return uint64_t{little_endian(header + 80)} * little_endian(header + 84) <= GPT_MOST;
 }
 
 bool is_table_short(const disk_t &disk)
