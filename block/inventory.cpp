@@ -1,119 +1,12 @@
 #include "inventory.h"
 
+#include "uevent.h"
+
 #include <errno.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-
-void clear_device(block_device *record)
-{
-	*record = block_device{};
-	record->record_size = sizeof *record;
-	for (int *number :
-	     {&record->major, &record->minor, &record->partition_number, &record->logical_sector,
-	      &record->physical_sector, &record->rotational, &record->removable, &record->hidden,
-	      &record->read_only, &record->scsi_host, &record->scsi_channel, &record->scsi_target,
-	      &record->numa_node, &record->under_root, &record->under_boot, &record->under_swap})
-		*number = BLOCK_ABSENT;
-	record->size = BLOCK_ABSENT;
-	record->scsi_lun = BLOCK_ABSENT;
-}
-
-bool is_kind(const device_t &device, text_t kind)
-{
-	return device.record.kind && kind == device.record.kind; // none without memory
-}
-
-static bool is_digit(char c)
-{
-	return c >= '0' && c <= '9';
-}
-
-// The driver's own word for its devices: the name up to its number.
-static text_t driver_word(text_t name)
-{
-	size_t end = 0;
-	while (end < name.size() && !is_digit(name[end]) && name[end] != '!')
-		end++;
-	return name.substr(0, end);
-}
-
-// Kinds of whole devices by how the kernel names them; "md" has names of the administrator's, too: md_home.
-static constexpr struct {
-	text_t word;
-	const char *kind;
-} KINDS[] = {
-	{"sr", "rom"},    {"dm-", "dm"},      {"md", "md"},     {"md_d", "md"},  {"loop", "loop"},
-	{"zram", "zram"}, {"ram", "ram"},     {"fd", "floppy"}, {"sd", "disk"},  {"vd", "disk"},
-	{"nvme", "disk"}, {"mmcblk", "disk"}, {"hd", "disk"},   {"xvd", "disk"},
-};
-
-static const char *kind_of(Arena *arena, text_t sysname, text_t path)
-{
-	const text_t word = driver_word(sysname);
-	if (begins_with(word, "md_"))
-		return "md";
-	for (const auto &row : KINDS) {
-		// Letters are numbers to some: sda, vdb.
-		if (begins_with(word, row.word) && (word == row.word || strcmp(row.kind, "disk") == 0))
-			return row.kind;
-	}
-	const bool hardware = !begins_with(path, "devices/virtual/") && !begins_with(path, "devices/rbd/");
-	return hardware || word.empty() ? "disk" : shown_text(arena, word);
-}
-
-// The lines of `uevent`. False when they are not the kernel's: nothing has no number but what is hidden.
-static bool read_uevent(Arena *arena, text_t text, const Folder &folder, device_t *device)
-{
-	block_device *record = &device->record;
-	int64_t numbers[3] = {BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
-	static constexpr text_t KEYS[] = {"MAJOR", "MINOR", "PARTN"};
-	text_t node;
-	text_t type;
-
-	while (!text.empty()) {
-		text_t line = take_until(&text, '\n');
-		const text_t key = take_until(&line, '=');
-		int64_t value;
-		for (size_t i = 0; i < 3; i++)
-			if (key == KEYS[i] && read_number(line, &value) && value <= INT32_MAX)
-				numbers[i] = value;
-		if (key == "DEVNAME")
-			node = line;
-		else if (key == "DEVTYPE")
-			type = line;
-	}
-	const bool numbered = numbers[0] > 0 && numbers[1] >= 0;
-	attribute_t hidden;
-	if (!numbered && !read_attribute(folder, "hidden", &hidden)) {
-		device->error = is_absence(errno) ? 0 : errno;
-		return false;
-	}
-	if (!numbered && hidden.text() != "1")
-		return false;
-	record->hidden = !numbered;
-	record->major = numbered ? static_cast<int>(numbers[0]) : BLOCK_ABSENT;
-	record->minor = numbered ? static_cast<int>(numbers[1]) : BLOCK_ABSENT;
-	if (type == "partition") {
-		record->kind = "partition";
-		record->partition_number = static_cast<int>(numbers[2]);
-	} else {
-		// Only a path of another device has no number.
-		record->kind = numbered ? kind_of(arena, device->sysname, device->path) : "path";
-	}
-	if (numbered && !node.empty()) {
-		const char *shown = shown_text(arena, node);
-		const size_t room = (shown ? strlen(shown) : 0) + sizeof "/dev/";
-		auto *path = static_cast<char *>(arena->take(room));
-		if (path && shown) {
-			snprintf(path, room, "/dev/%s", shown);
-			record->node = path;
-		}
-	}
-	return true;
-}
 
 static const char *name_of(Arena *arena, text_t sysname)
 {
