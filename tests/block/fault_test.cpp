@@ -51,7 +51,7 @@ std::string untrue(const told_t &told, const told_t &whole)
 	return all;
 }
 
-void compare(const answer_t &told, const answer_t &whole, const std::string &when)
+void compare(const query_answer_t &told, const query_answer_t &whole, const std::string &when)
 {
 	if (told.result != 0) {
 		EXPECT_NE(told.error, 0) << when;
@@ -75,9 +75,9 @@ protected:
 		replay_use(nullptr);
 	}
 
-	static void walk(answer_t (*ask)())
+	static void walk(query_answer_t (*ask)())
 	{
-		const answer_t whole = ask();
+		const query_answer_t whole = ask();
 		ASSERT_EQ(whole.result, 0);
 		ASSERT_FALSE(whole.records.empty());
 		for (const int from_there_on : {0, 1}) {
@@ -85,7 +85,7 @@ protected:
 				const long blocks = blocks_held();
 				const int descriptors = descriptors_open();
 				replay_fail_call(nth, from_there_on);
-				const answer_t told = ask();
+				const query_answer_t told = ask();
 				replay_fail_call(0, 0);
 				compare(told, whole,
 				        "call " + std::to_string(nth) + (from_there_on ? " and on" : ""));
@@ -220,7 +220,8 @@ bool goes_with(const std::string &name, const std::string &device)
 	return name.find(device) != std::string::npos;
 }
 
-void compare_without(const going_t &row, const answer_t &told, const answer_t &whole, const std::string &when)
+void compare_without(const going_t &row, const query_answer_t &told, const query_answer_t &whole,
+                     const std::string &when)
 {
 	ASSERT_EQ(told.result, 0) << when;
 	size_t at = 0;
@@ -238,9 +239,9 @@ void compare_without(const going_t &row, const answer_t &told, const answer_t &w
 TEST_F(GoingAway, WithItsLinkADeviceIsLeftOut)
 {
 	make("virtual", "bcache0");
-	const answer_t whole = devices_told();
+	const query_answer_t whole = devices_told();
 	bool met = false;
-	answer_t told;
+	query_answer_t told;
 	{
 		const Watch watch([&](const std::string &path) {
 			if (met && path == "uevent") {
@@ -263,8 +264,8 @@ TEST_F(GoingAway, WhileItIsReadLeavesADeviceOut)
 
 	for (const going_t &row : ROWS) {
 		make(row.host, row.device);
-		for (answer_t (*ask)() : {devices_told, links_told}) {
-			const answer_t whole = ask();
+		for (query_answer_t (*ask)() : {devices_told, links_told}) {
+			const query_answer_t whole = ask();
 			// From when the device is looked at until it has been left for the next ones.
 			constexpr long FILES = 60;
 			long first = 0;
@@ -272,7 +273,7 @@ TEST_F(GoingAway, WhileItIsReadLeavesADeviceOut)
 			for (long nth = 1; nth < first + FILES && (first == 0 || opened >= nth); nth++) {
 				bool gone = false;
 				opened = 0;
-				answer_t told;
+				query_answer_t told;
 				{
 					const Watch watch([&](const std::string &path) {
 						++opened;

@@ -74,7 +74,7 @@ protected:
 	static long calls_for(size_t devices)
 	{
 		replay_count_calls();
-		const answer_t told = devices_told();
+		const query_answer_t told = devices_told();
 		const long calls = replay_calls();
 		EXPECT_EQ(told.result, 0);
 		EXPECT_EQ(told.records.size(), devices);
@@ -223,8 +223,8 @@ TEST_F(Devices, ThatCannotBeAskedAreNoEmptyList)
 	for (int more = 0; more < 20; more++) {
 		const rlimit narrow = {static_cast<rlim_t>(free + more), limit.rlim_max};
 		ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &narrow), 0);
-		const answer_t devices = devices_told();
-		const answer_t links = links_told();
+		const query_answer_t devices = devices_told();
+		const query_answer_t links = links_told();
 		ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
 		if (devices.result != 0) {
 			EXPECT_EQ(devices.error, EMFILE);
@@ -241,8 +241,8 @@ TEST_F(Devices, ThatCannotBeAskedAreNoEmptyList)
 TEST_F(Devices, AreTheSameToManyThreads)
 {
 	ASSERT_EQ(replay_use(BLOCK_HOSTS "/scsi"), 0);
-	const answer_t devices = devices_told();
-	const answer_t links = links_told();
+	const query_answer_t devices = devices_told();
+	const query_answer_t links = links_told();
 	const int counted = memory_counter_block;
 	std::atomic<int> differences{0};
 	std::vector<std::thread> threads;
@@ -333,12 +333,12 @@ TEST_F(Devices, ComeAndGoWhileTheyAreRead)
 	show();
 	Coming device(host(), "loop5");
 	device.come(0);
-	const answer_t even = devices_told();
+	const query_answer_t even = devices_told();
 	device.go();
 	device.come(1);
-	const answer_t odd = devices_told();
+	const query_answer_t odd = devices_told();
 	device.go();
-	const answer_t none = devices_told();
+	const query_answer_t none = devices_told();
 	ASSERT_EQ(even.records.size(), 2U);
 	ASSERT_EQ(none.records.size(), 1U);
 	ASSERT_NE(even.records, odd.records);
@@ -353,7 +353,7 @@ TEST_F(Devices, ComeAndGoWhileTheyAreRead)
 	int seen = 0;
 	int wrong = 0;
 	while (turn < TURNS) {
-		const answer_t told = devices_told();
+		const query_answer_t told = devices_told();
 		seen += told.records.size() == 2;
 		wrong += told.result != 0 || (told.records != even.records && told.records != odd.records &&
 		                              told.records != none.records);

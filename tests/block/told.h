@@ -60,18 +60,18 @@ inline told_t told_of(const block_link &record)
 #undef TELL
 
 // All records of a query, in their order; a failed one has none.
-struct answer_t {
+struct query_answer_t {
 	int result;
 	int error;
 	std::vector<told_t> records;
 };
 
-template <class Record> answer_t answer_of(int (*list)(void **, int *))
+template <class Record> query_answer_t answer_of(int (*list)(void **, int *))
 {
 	void *head = nullptr;
 	int count = 0;
 	errno = 0;
-	answer_t answer = {list(&head, &count), 0, {}};
+	query_answer_t answer = {list(&head, &count), 0, {}};
 	answer.error = errno;
 	for (const auto *record = static_cast<const Record *>(head); record; record = record->next)
 		answer.records.push_back(told_of(*record));
@@ -81,12 +81,12 @@ template <class Record> answer_t answer_of(int (*list)(void **, int *))
 	return answer;
 }
 
-inline answer_t devices_told()
+inline query_answer_t devices_told()
 {
 	return answer_of<block_device>(list_devices);
 }
 
-inline answer_t links_told()
+inline query_answer_t links_told()
 {
 	return answer_of<block_link>(list_links);
 }
