@@ -85,17 +85,17 @@ static long long bytes_of(unsigned long unit, unsigned long blocks)
 	return __builtin_mul_overflow(unit, blocks, &bytes) ? static_cast<long long>(BLOCK_ABSENT) : bytes;
 }
 
-struct answer_t {
+struct space_answer_t {
 	bool is_there;
-	space_t space;
+	mount_space_t space;
 };
 
-static answer_t ask(const mount_entry_t &mount)
+static space_answer_t ask(const mount_entry_t &mount)
 {
 	struct statvfs status;
 	if (statvfs(mount.mount_point.data(), &status) != 0)
 		return {};
-	space_t space = {};
+	mount_space_t space = {};
 	space.total = bytes_of(status.f_frsize, status.f_blocks);
 	space.available = bytes_of(status.f_frsize, status.f_bavail);
 	space.used = status.f_bfree > status.f_blocks
@@ -142,14 +142,14 @@ private:
 	bool *passable_ = nullptr;
 };
 
-space_t *mount_space(const Inventory &inventory, const Growing<mount_entry_t> &mounts, const MountTree &tree,
-                     const device_set_t *of_mounts)
+mount_space_t *mount_space(const Inventory &inventory, const Growing<mount_entry_t> &mounts,
+                           const MountTree &tree, const device_set_t *of_mounts)
 {
 	Arena *arena = inventory.arena();
 	Asker asker(mounts, tree);
 	const size_t *firsts = first_mounts(arena, mounts);
-	auto *answers = arena->make_array<answer_t>(mounts.size() + 1);
-	auto *spaces = arena->make_array<space_t>(mounts.size() + 1);
+	auto *answers = arena->make_array<space_answer_t>(mounts.size() + 1);
+	auto *spaces = arena->make_array<mount_space_t>(mounts.size() + 1);
 
 	spread_suspension(inventory);
 	if (!firsts || !answers || !spaces || !asker.prepare(arena, of_mounts))
@@ -159,9 +159,9 @@ space_t *mount_space(const Inventory &inventory, const Growing<mount_entry_t> &m
 		if (!answers[firsts[i]].is_there && asker.may_ask(i))
 			answers[firsts[i]] = ask(mounts[i]);
 	for (size_t i = 0; i < mounts.size(); i++) {
-		const answer_t &answer = answers[firsts[i]];
+		const space_answer_t &answer = answers[firsts[i]];
 		const bool is_told = answer.is_there && asker.is_local(i);
-		spaces[i] = is_told ? answer.space : space_t{BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
+		spaces[i] = is_told ? answer.space : mount_space_t{BLOCK_ABSENT, BLOCK_ABSENT, BLOCK_ABSENT};
 	}
 	return arena->is_exhausted() ? nullptr : spaces;
 }

@@ -17,7 +17,7 @@
 #include "mount_devices.h"
 
 // In bytes; BLOCK_ABSENT for what is not asked, does not answer or is too large.
-struct space_t {
+struct mount_space_t {
 	long long total;
 	long long used;
 	long long available; // for an ordinary user
@@ -28,7 +28,7 @@ void note_suspended(void *context, const Folder &folder, device_t *device);
 
 // For each mount, by its number in the table: each file system is asked once, all its mounts have its
 // figures. The inventory has been scanned with note_suspended. Null without memory.
-space_t *mount_space(const Inventory &inventory, const Growing<mount_entry_t> &mounts, const MountTree &tree,
-                     const device_set_t *of_mounts);
+mount_space_t *mount_space(const Inventory &inventory, const Growing<mount_entry_t> &mounts,
+                           const MountTree &tree, const device_set_t *of_mounts);
 
 #endif

@@ -68,7 +68,7 @@ static void fill_swap(Arena *arena, const swap_entry_t &swap, block_mount *recor
 static bool add_mounts(Arena *arena, const tables_t &tables, const device_set_t *sets,
                        Chain<block_mount> *list)
 {
-	const space_t *spaces = mount_space(tables.inventory, tables.mounts, tables.tree, sets);
+	const mount_space_t *spaces = mount_space(tables.inventory, tables.mounts, tables.tree, sets);
 	for (size_t i = 0; spaces && i < tables.mounts.size(); i++) {
 		block_mount *record = list->add();
 		if (!record)
