@@ -7,35 +7,35 @@
 #include <stdlib.h>
 #include <string>
 
-template <class Symbol> static void find(void *library, const char *name, Symbol *symbol)
+template <class Symbol> static void find(void *handle, const char *name, Symbol *symbol)
 {
-	*symbol = reinterpret_cast<Symbol>(dlsym(library, name));
+	*symbol = reinterpret_cast<Symbol>(dlsym(handle, name));
 	if (!*symbol) {
 		fprintf(stderr, "%s is not exported\n", name);
 		abort();
 	}
 }
 
-Exchange::Exchange(const char *path, int mode) : library(dlopen(path, RTLD_NOW | mode))
+Exchange::Exchange(const char *path, int mode) : handle(dlopen(path, RTLD_NOW | mode))
 {
-	if (!library) {
+	if (!handle) {
 		fprintf(stderr, "%s\n", dlerror());
 		abort();
 	}
-	find(library, "GetItemInfo", &get);
-	find(library, "SetItemInfo", &release);
+	find(handle, "GetItemInfo", &get);
+	find(handle, "SetItemInfo", &release);
 }
 
 Plugin::Plugin(int mode) : Exchange(PLUGIN_LIBRARY, mode)
 {
-	find(library, "stcli", &cli);
-	find(library, "memory_counter_hdd", &live_local);
-	find(library, "memory_counter_hwraid", &live_hardware);
+	find(handle, "stcli", &cli);
+	find(handle, "memory_counter_hdd", &live_local);
+	find(handle, "memory_counter_hwraid", &live_hardware);
 }
 
 BlockPlugin::BlockPlugin(int mode) : Exchange(BLOCK_PLUGIN_LIBRARY, mode)
 {
-	find(library, "memory_counter_block", &live);
+	find(handle, "memory_counter_block", &live);
 }
 
 int Exchange::query(UINT code, void **head, int *count) const

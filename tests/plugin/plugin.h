@@ -8,7 +8,7 @@
 struct Exchange {
 	explicit Exchange(const char *path, int mode);
 
-	void *library;
+	void *handle;
 	int (*get)(const IPMICOMMAND *cmd, void **result, int *length);
 	int (*release)(const IPMICOMMAND *cmd, void **result);
 

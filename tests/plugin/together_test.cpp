@@ -120,7 +120,7 @@ TEST_F(Together, LoadingAskingAndUnloadingAThousandTimesLeaksNothing)
 	const auto come_and_go = [&](int times) {
 		for (int i = 0; i < times; i++) {
 			const BlockPlugin block(RTLD_LOCAL);
-			if (!has(block, 222100, 2) || *block.live != 0 || dlclose(block.library) != 0)
+			if (!has(block, 222100, 2) || *block.live != 0 || dlclose(block.handle) != 0)
 				_exit(1);
 		}
 		return Lent{heap_in_use(), count_descriptors()};
