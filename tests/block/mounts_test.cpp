@@ -3,7 +3,7 @@
 #include "failing_calls.h"
 #include "queries.h"
 
-#include <chrono>
+#include <time.h>
 
 namespace
 {
@@ -269,12 +269,13 @@ protected:
 		         "host mount / 4096 100 40 30\n");
 		put("proc/self/mountinfo", text);
 		show();
-		const auto begin = std::chrono::steady_clock::now();
+		const clock_t begin = clock();
 		const Answer<block_mount> answer(list_mounts);
-		const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+		const clock_t spent = clock() - begin;
 		EXPECT_EQ(answer.count, COUNT);
-		// Many times what it takes, and still nothing that anybody would wait for.
-		EXPECT_LT(took.count(), 2.0);
+		// Processor time: many times what it takes, counted for coverage too. Who compares each with
+		// each takes minutes.
+		EXPECT_LT(spent, 15 * CLOCKS_PER_SEC);
 		int count = 0;
 		for (const block_mount *at = answer.first(); at; at = at->next)
 			count += at->shadowed;
