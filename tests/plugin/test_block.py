@@ -163,8 +163,12 @@ def agent(build_dir, source_dir, tmp_path_factory):
                 replay.symlink_to(build_dir / "diskscout-replay.so")
             environment.update(LD_PRELOAD=str(replay), ASAN_OPTIONS="verify_asan_link_order=0",
                                REPLAY_SYSROOT=str(host))
-        return subprocess.run([str(folder / "disks"), str(build_dir / "diskscout-block.so")], env=environment,
-                              check=False, capture_output=True, text=True, timeout=60)
+        first, second = (subprocess.run([str(program), str(build_dir / "diskscout-block.so")], env=environment,
+                                        check=False, capture_output=True, text=True, timeout=60)
+                         for program in (folder / "disks", build_dir / "diskscout-disks"))
+        # What the build makes of it is no other program.
+        assert (first.returncode, first.stdout, first.stderr) == (second.returncode, second.stdout, second.stderr)
+        return second
 
     return run
 
@@ -186,6 +190,14 @@ def test_the_agent_prints_what_the_page_says(page, agent, source_dir, tmp_path):
     assert done.stderr == ""
     assert done.returncode == 0
     assert done.stdout == shown
+
+
+def test_without_the_library_the_agent_says_why(build_dir, tmp_path):
+    done = subprocess.run([str(build_dir / "diskscout-disks"), str(tmp_path / "nothing.so")], check=False,
+                          capture_output=True, text=True, timeout=60)
+    assert done.returncode == 1
+    assert "nothing.so" in done.stderr
+    assert done.stdout == ""
 
 
 def test_on_a_host_without_sysfs_the_agent_says_why(agent, source_dir):
