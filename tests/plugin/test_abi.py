@@ -5,6 +5,7 @@ import re
 import subprocess
 
 import pytest
+from pages import names, table
 
 # Values, not records: no table tells them.
 BASIC_TYPES = {"UINT", "ULONGLONG", "BOOLEAN", "STORAGE_STRING"}
@@ -28,21 +29,6 @@ def layout(source_dir):
 def header(source_dir, name):
     text = (source_dir / "src" / name).read_text(encoding="utf-8")
     return re.sub(r"/\*.*?\*/", "", text, flags=re.DOTALL)
-
-
-def names(cell):
-    return re.findall(r"`([^`]+)`", cell)
-
-
-def table(page, heading):
-    """The rows of the table with that heading, cell by cell."""
-    lines = iter(page[page.index(heading):].splitlines()[2:])
-    rows = []
-    for line in lines:
-        if not line.startswith("|"):
-            break
-        rows.append([cell.strip() for cell in line.strip("|").split("|")])
-    return rows
 
 
 def test_every_record_is_told_with_its_offsets(page, layout):

@@ -7,6 +7,7 @@ import subprocess
 import sys
 
 import pytest
+from pages import names, table
 
 RECORDS = 8
 
@@ -31,23 +32,8 @@ def layout(source_dir):
             for record, size in re.findall(r"^SIZE\((\w+), (\d+)\);", rows, re.MULTILINE)}
 
 
-def names(cell):
-    return re.findall(r"`([^`]+)`", cell)
-
-
 def words(cell):
     return re.findall(r'"([^"]+)"', cell)
-
-
-def table(page, heading):
-    """The rows of the table with that heading, cell by cell."""
-    lines = iter(page[page.index(heading):].splitlines()[2:])
-    rows = []
-    for line in lines:
-        if not line.startswith("|"):
-            break
-        rows.append([cell.strip() for cell in line.strip("|").split("|")])
-    return rows
 
 
 def first_words(page, heading):
