@@ -15,7 +15,7 @@
 namespace
 {
 
-// Whoever asks /fuse breaks a promise: it answers.
+// Whoever asks /fuse breaks a promise while a program is mounted there, or on the way: it answers.
 constexpr char TABLE[] = "mount / 4096 1000 900 800\n"
 			 "mount /mnt 512 100 25\n"
 			 "mount /fuse 4096 7 7\n";
@@ -103,17 +103,32 @@ bool are_devices(const block_text *names)
 	return true;
 }
 
+bool is_answered_by_a_program(const block_mount &mount)
+{
+	return mount.type && std::string_view(mount.type).substr(0, 4) == "fuse";
+}
+
+bool is_fuse_a_program(const block_mount *first)
+{
+	for (; first; first = first->next)
+		if (is_answered_by_a_program(*first) && first->shadowed == 0 &&
+		    is_below("/fuse", first->mount_point))
+			return true;
+	return false;
+}
+
 // Absent together, or those of a mount point that may be asked.
-bool is_space(const block_mount &mount)
+bool is_space(const block_mount &mount, bool may_ask_fuse)
 {
 	const bool of_root = mount.total == 4096000 && mount.used == 409600 && mount.available == 3276800;
 	const bool of_disk = mount.total == 51200 && mount.used == 38400 && mount.available == 12800;
-	const bool answered_by_a_program = std::string_view(mount.type).substr(0, 4) == "fuse";
-	return (mount.devices && !answered_by_a_program && (of_root || of_disk)) ||
+	const bool of_fuse = mount.total == 28672 && mount.used == 0 && mount.available == 28672;
+	return (mount.devices && !is_answered_by_a_program(mount) &&
+	        (of_root || of_disk || (of_fuse && may_ask_fuse))) ||
 	       (mount.total == BLOCK_ABSENT && mount.used == BLOCK_ABSENT && mount.available == BLOCK_ABSENT);
 }
 
-std::string wrong_mount(const block_mount &mount)
+std::string wrong_mount(const block_mount &mount, bool may_ask_fuse)
 {
 	return broken({
 		{is_shown(mount.source) && is_shown(mount.type) && is_shown(mount.root) &&
@@ -124,7 +139,7 @@ std::string wrong_mount(const block_mount &mount)
 		{mount.mount_point && mount.mount_point[0] == '/', "mount point"},
 		{mount.id >= 0 && mount.parent_id >= 0, "id"},
 		{mount.major >= 0 && mount.minor >= 0, "device number"},
-		{!mount.type || is_space(mount), "space"},
+		{!mount.type || is_space(mount, may_ask_fuse), "space"},
 	});
 }
 
@@ -145,10 +160,11 @@ std::string wrong_swap(const block_mount &swap)
 
 std::string wrong_list(const block_mount *first, int count)
 {
+	const bool may_ask_fuse = !is_fuse_a_program(first);
 	bool swaps = false;
 	for (const block_mount *at = first; at; at = at->next, count--) {
 		const bool is_swap = std::string_view(at->kind) == "swap";
-		std::string wrong = is_swap ? wrong_swap(*at) : wrong_mount(*at);
+		std::string wrong = is_swap ? wrong_swap(*at) : wrong_mount(*at, may_ask_fuse);
 		if (!wrong.empty())
 			return wrong;
 		if (swaps && !is_swap)
