@@ -226,6 +226,7 @@ public:
 	~Alarms()
 	{
 		set(0);
+		signal(SIGALRM, SIG_IGN); // the last one may still be on its way, and would end the process
 		sigaction(SIGALRM, &before_, nullptr);
 	}
 
