@@ -5,7 +5,7 @@ import re
 import subprocess
 
 import pytest
-from pages import names, table
+from pages import asserted_layout, declarations, names, pages_that_lack, table, told_layout
 
 # Values, not records: no table tells them.
 BASIC_TYPES = {"UINT", "ULONGLONG", "BOOLEAN", "STORAGE_STRING"}
@@ -18,29 +18,16 @@ def page(source_dir):
 
 @pytest.fixture(scope="module")
 def layout(source_dir):
-    """The asserted layout: {record: (size, {field: offset})}."""
-    rows = (source_dir / "src/layout.h").read_text(encoding="utf-8")
-    sizes = re.findall(r"^SIZE\((\w+), (\d+)\);", rows, re.MULTILINE)
-    return {record: (int(size), {field: int(offset) for field, offset in
-                                 re.findall(rf"^AT\({record}, (\w+), (\d+)\);", rows, re.MULTILINE)})
-            for record, size in sizes if record not in BASIC_TYPES}
+    rows = asserted_layout(source_dir / "src/layout.h")
+    return {record: layout for record, layout in rows.items() if record not in BASIC_TYPES}
 
 
 def header(source_dir, name):
-    text = (source_dir / "src" / name).read_text(encoding="utf-8")
-    return re.sub(r"/\*.*?\*/", "", text, flags=re.DOTALL)
+    return declarations(source_dir / "src" / name)
 
 
 def test_every_record_is_told_with_its_offsets(page, layout):
-    told = {}
-    for record, size, rows in re.findall(r"^\| `(\w+)`: [^|]*?, (\d+) bytes \| Offset \| Content \|\n\|[-|]+\|\n"
-                                         r"((?:\|.*\n)+)", page, re.MULTILINE):
-        fields = {}
-        for row in rows.splitlines():
-            fields_cell, offsets_cell = row.strip("|").split("|")[:2]
-            offsets = [int(offset) for offset in offsets_cell.split(",")]
-            fields.update(zip(names(fields_cell), offsets, strict=True))
-        told[record] = (int(size), fields)
+    told = told_layout(page)
     assert len(told) == 14
     assert told == layout
 
@@ -105,6 +92,4 @@ def test_the_program_compiles_and_prints_what_the_page_says(page, build_dir, sou
 
 
 def test_the_pages_that_are_linked_exist(page, source_dir):
-    links = re.findall(r"\]\(([^)#]+)", page)
-    assert links
-    assert [link for link in links if not (source_dir / "docs" / link).exists()] == []
+    assert pages_that_lack(page, source_dir / "docs") == []

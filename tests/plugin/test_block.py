@@ -7,7 +7,8 @@ import subprocess
 import sys
 
 import pytest
-from pages import names, table
+from pages import (
+    anchors_that_lack, asserted_layout, declarations, names, pages_that_lack, record_tables, table, told_layout)
 
 RECORDS = 8
 
@@ -19,17 +20,12 @@ def page(source_dir):
 
 @pytest.fixture(scope="module")
 def header(source_dir):
-    text = (source_dir / "block/diskscout_block.h").read_text(encoding="utf-8")
-    return re.sub(r"/\*.*?\*/", "", text, flags=re.DOTALL)
+    return declarations(source_dir / "block/diskscout_block.h")
 
 
 @pytest.fixture(scope="module")
 def layout(source_dir):
-    """The asserted layout: {record: (size, {field: offset})}."""
-    rows = (source_dir / "block/layout.h").read_text(encoding="utf-8")
-    return {record: (int(size), {field: int(offset) for field, offset in
-                                 re.findall(rf"^AT\({record}, (\w+), (\d+)\);", rows, re.MULTILINE)})
-            for record, size in re.findall(r"^SIZE\((\w+), (\d+)\);", rows, re.MULTILINE)}
+    return asserted_layout(source_dir / "block/layout.h")
 
 
 def words(cell):
@@ -52,19 +48,14 @@ def test_every_field_of_the_header_has_its_offset_asserted(header, layout):
 
 
 def test_every_record_is_told_with_its_offsets(page, layout):
-    told = {}
-    for record, size, rows in re.findall(r"^\| `(\w+)`: [^|]*?, (\d+) bytes \| Offset \| Content \|\n\|[-|]+\|\n"
-                                         r"((?:\|.*\n)+)", page, re.MULTILINE):
-        fields = {}
-        for row in rows.splitlines():
-            fields_cell, offsets_cell, content = row.strip("|").split("|")
-            offsets = [int(offset) for offset in offsets_cell.split(",")]
-            fields.update(zip(names(fields_cell), offsets, strict=True))
-            if "`record_size`" in fields_cell:
-                assert content.split(";")[0].strip() == size
-        told[record] = (int(size), fields)
+    told = told_layout(page)
     assert len(told) == RECORDS
     assert told == layout
+
+
+def test_every_record_tells_its_size(page):
+    told = {record: rows[0][2].split(";")[0] for record, _, rows in record_tables(page)}
+    assert told == {record: str(size) for record, (size, _) in told_layout(page).items()}
 
 
 def test_every_query_is_told(page, header):
@@ -115,15 +106,11 @@ def test_every_source_of_an_identity_is_told(page, source_dir):
 
 
 def test_the_pages_that_are_linked_exist(page, source_dir):
-    links = re.findall(r"\]\(([^)#]+)", page)
-    assert links
-    assert [link for link in links if not (source_dir / "docs" / link).exists()] == []
+    assert pages_that_lack(page, source_dir / "docs") == []
 
 
 def test_anchors_that_are_linked_are_headings(page):
-    headings = re.findall(r"^##+ (.*)$", page, re.MULTILINE)
-    anchors = {re.sub(r"[^\w -]", "", heading).lower().replace(" ", "-") for heading in headings}
-    assert set(re.findall(r"\]\(#([^)]+)\)", page)) <= anchors
+    assert anchors_that_lack(page) == set()
 
 
 # ---- the agent ----

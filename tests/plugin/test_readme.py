@@ -5,6 +5,7 @@ import re
 import subprocess
 
 import pytest
+from pages import pages_that_lack
 
 
 @pytest.fixture(scope="module")
@@ -50,6 +51,4 @@ def test_the_tool_prints_what_the_page_says(readme, build_dir, source_dir):
 
 
 def test_the_pages_that_are_linked_exist(readme, source_dir):
-    links = re.findall(r"\]\(([^)#]+)\)", readme)
-    assert links
-    assert [link for link in links if not (source_dir / link).exists()] == []
+    assert pages_that_lack(readme, source_dir) == []
