@@ -1,32 +1,39 @@
-// What one run asks the plug-in. Lists that several kinds need are asked for once.
+// What one run asks the plug-ins. Lists that several kinds need are asked for once.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 
 #include "plugin.h"
 
+#include <map>
 #include <optional>
 #include <string>
 
 class enquiry_t
 {
 public:
-	// The controller is named by the caller of the program; empty: the first one of the list.
-	enquiry_t(const plugin_t &from, std::string controller);
+	// Plug-ins that nothing is asked of may be null. The controller is named by the caller of the program; empty:
+	// the first one of the list.
+	enquiry_t(const plugin_t *classic, const plugin_t *block, std::string controller);
 
-	item_list_t ask(UINT query, const std::string &argument = {}) const;
-	// One run of the controller tool each, at the first call.
-	const item_list_t &controllers();
-	const item_list_t &raid_disks();
+	// The plug-in is asked at the first call for this list; the records are there as long as the enquiry.
+	const item_list_t &list(UINT query);                       // of the classic plug-in, without an argument
+	const item_list_t &block_list(UINT query);                 // of the block plug-in
+	const item_list_t &list_of_controller(UINT query);         // with the controller as its argument
+	item_list_t ask(UINT query, const std::string &argument) const; // of the classic plug-in, anew
+
+	const item_list_t &controllers() { return list(CMD_GET_CONTROLLERS); }
 	// The controller that the queries are about; none when none was named and none is listed.
 	std::optional<std::string> controller();
 
-	std::string configuration() const { return plugin_.configuration(); }
+	std::string configuration() const { return classic_->configuration(); }
 
 private:
-	const plugin_t &plugin_;
+	const item_list_t &remembered(const plugin_t &of, UINT query, const std::string &argument);
+
+	const plugin_t *classic_;
+	const plugin_t *block_;
 	std::string named_;
-	std::optional<item_list_t> controllers_;
-	std::optional<item_list_t> raid_disks_;
+	std::map<UINT, item_list_t> lists_;
 };
 
 #endif

@@ -1,47 +1,58 @@
-// The kinds of things that the plug-in lists. One row of a table a kind: the words for it, what it is about,
-// and how it is asked for. A new kind is a file kind_<word>.cpp and its line in kinds.cpp; nothing else knows
-// kinds.
+// The kinds of things that are listed. One row of a table a kind: the words for it, whose things they are, what is
+// told of each, and how they are asked for. A new kind is a file kind_<word>.cpp and its line in kinds.cpp; nothing
+// else knows kinds.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 
 #include "enquiry.h"
-#include "table.h"
-#include "text.h"
+#include "field.h"
 
-#include <nlohmann/json.hpp>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// Keys stay in the order that they are written in.
-using ordered_json_t = nlohmann::ordered_json;
-
-// What the plug-in answered, made fit for both ways to show it.
+// What a plug-in answered.
 struct answer_t {
 	bool failed = false;
-	std::string table; // empty: there is no record
-	ordered_json_t json = ordered_json_t::array();
-	std::string where = {}; // of a failure, as words behind "the query failed"; may be empty
+	int error = 0;                             // errno of the failure; 0: the plug-in does not tell
+	std::string where = {};                    // of a failure, as words behind "the query failed"; may be empty
+	std::vector<row_t> rows = {};              // what it found, also before it failed
+	std::shared_ptr<const void> records = {};  // that the rows are about, unless a list of the enquiry holds them
 };
 
-// Whose things they are. Those of the host are shown when no kind is named.
-enum class scope_t {
-	HOST,
+// Who tells of them, and how many of them there are.
+enum class side_t {
+	BLOCK,     // the block plug-in
+	HOST,      // the classic plug-in, from the kernel's tables
 	RAID,      // all RAID controllers: the plug-in needs the controller tool's configuration
 	CONTROLLER // one RAID controller, which must be named in the query, too
 };
 
+// What is listed when no kind is named.
+enum : unsigned { IN_TABLES = 1, IN_DOCUMENT = 2, WHEN_ANY = 4 /* its table only when it has rows or failed */ };
+
 struct kind_t {
-	std::string_view word;    // on the command line and in JSON: "disks"
-	std::string_view heading; // over its table: "DISKS"
-	std::string_view name;    // in messages, "the ... query"
-	std::string_view none;    // what is said in place of an empty table
-	scope_t of;
+	std::string_view word;     // on the command line and in the document: "raid_disks"
+	std::string_view old_word; // the same, as format 1 writes it; empty: format 1 does not know it
+	std::string_view heading;  // over its table: "DISKS"
+	std::string_view name;     // in messages, "the ... query"
+	std::string_view none;     // what is said in place of an empty table
+	side_t side;
+	unsigned unasked; // of IN_TABLES ...
+	fields_t fields;
+	const char *columns;     // shown without being asked for: keys, with commas between
+	const char *old_columns; // those of format 1; null: the same
 	// A kind of one controller is asked for only when the enquiry has one.
 	answer_t (*ask)(enquiry_t &from);
 	std::string_view note = {}; // under its table, for what its headings cannot say
 };
 
+extern const kind_t DEVICES_KIND;
+extern const kind_t LINKS_KIND;
+extern const kind_t FILESYSTEMS_KIND;
+extern const kind_t ARRAYS_KIND;
+extern const kind_t MOUNTS_KIND;
 extern const kind_t DISKS_KIND;
 extern const kind_t PARTITIONS_KIND;
 extern const kind_t CDROMS_KIND;
@@ -51,57 +62,18 @@ extern const kind_t RAID_DISKS_KIND;
 extern const kind_t RAID_SPACE_KIND;
 extern const kind_t RAID_PARTITIONS_KIND;
 
+using kinds_t = std::vector<const kind_t *>;
+
 // All kinds, in the order that they are shown in.
-const std::vector<const kind_t *> &all_kinds();
+const kinds_t &all_kinds();
 
-// A table column over records of one kind.
-template <typename Record> struct column_t {
-	const char *heading;
-	align_t alignment;
-	std::string (*cell)(const Record &record);
-};
-
-template <typename Record, std::size_t Size>
-std::string table_of(const std::vector<Record> &records, const column_t<Record> (&columns)[Size])
+// The rows of a list that the enquiry holds.
+template <typename Record> answer_t answer_of(const item_list_t &list, enquiry_t &from)
 {
-	if (records.empty())
-		return "";
-	cells_t headings;
-	std::vector<align_t> alignment;
-	for (const column_t<Record> &column : columns) {
-		headings.emplace_back(column.heading);
-		alignment.push_back(column.alignment);
-	}
-	std::vector<cells_t> rows;
-	for (const Record &record : records) {
-		cells_t &row = rows.emplace_back();
-		for (const column_t<Record> &column : columns)
-			row.push_back(column.cell(record));
-	}
-	return format_table(headings, alignment, rows);
-}
-
-template <typename Record>
-ordered_json_t array_of(const std::vector<Record> &records, ordered_json_t (*object)(const Record &record))
-{
-	ordered_json_t array = ordered_json_t::array();
-	for (const Record &record : records)
-		array.push_back(object(record));
-	return array;
-}
-
-template <typename Record, std::size_t Size>
-answer_t answer_of(const item_list_t &list, const column_t<Record> (&columns)[Size],
-                   ordered_json_t (*object)(const Record &record))
-{
-	const std::vector<Record> records = list.records<Record>();
-	return {list.failed(), table_of(records, columns), array_of(records, object)};
-}
-
-// A field as JSON: null when it is empty.
-template <std::size_t Size> ordered_json_t json_text(const char (&field)[Size])
-{
-	return field[0] ? ordered_json_t(text_of(field)) : ordered_json_t(nullptr);
+	answer_t answer = {list.failed(), list.error()};
+	for (const Record *record : list.records<Record>())
+		answer.rows.push_back({record, &from});
+	return answer;
 }
 
 #endif

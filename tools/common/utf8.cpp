@@ -1,0 +1,36 @@
+// UTF-8, byte by byte.
+#include "utf8.h"
+
+// First bytes of characters, how many bytes follow them, and the bounds of the second byte, by which over-long forms,
+// surrogates and what is beyond U+10FFFF are told.
+struct opening_t {
+	unsigned char first, last;
+	unsigned char following;
+	unsigned char least, most;
+};
+
+static constexpr opening_t OPENINGS[] = {
+	{0x00, 0x7f, 0, 0x00, 0x00}, {0xc2, 0xdf, 1, 0x80, 0xbf}, {0xe0, 0xe0, 2, 0xa0, 0xbf},
+	{0xe1, 0xec, 2, 0x80, 0xbf}, {0xed, 0xed, 2, 0x80, 0x9f}, {0xee, 0xef, 2, 0x80, 0xbf},
+	{0xf0, 0xf0, 3, 0x90, 0xbf}, {0xf1, 0xf3, 3, 0x80, 0xbf}, {0xf4, 0xf4, 3, 0x80, 0x8f},
+};
+
+static bool is_between(unsigned char byte, unsigned char least, unsigned char most)
+{
+	return byte >= least && byte <= most;
+}
+
+utf8_front_t utf8_front(std::string_view text)
+{
+	const auto byte_at = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+	for (const opening_t &o : OPENINGS) {
+		if (!is_between(byte_at(0), o.first, o.last))
+			continue;
+		std::size_t length = 1;
+		while (length <= o.following && length < text.size() &&
+		       is_between(byte_at(length), length == 1 ? o.least : 0x80, length == 1 ? o.most : 0xbf))
+			length++;
+		return {length, length > o.following};
+	}
+	return {1, false};
+}

@@ -1,0 +1,17 @@
+// UTF-8, byte by byte.
+#ifndef DISKSCOUT_TOOLS_COMMON_UTF8_H
+#define DISKSCOUT_TOOLS_COMMON_UTF8_H
+
+#include <cstddef>
+#include <string_view>
+
+// What stands at the front of a text.
+struct utf8_front_t {
+	std::size_t length;  // bytes of the character, or of the longest beginning of one; at least 1
+	bool is_character;   // it is whole
+};
+
+// The text is not empty. Over-long forms, surrogates and what is beyond U+10FFFF are no characters.
+utf8_front_t utf8_front(std::string_view text);
+
+#endif

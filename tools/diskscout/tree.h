@@ -1,0 +1,33 @@
+// Devices in the order of a tree: what stands on what.
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_TREE_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+// Who is drawn below whom, by their numbers.
+using branches_t = std::vector<std::vector<std::size_t>>;
+
+// Lines for a terminal that knows them, or what comes near.
+struct tree_style_t {
+	const char *branch; // before one that is not the last
+	const char *last;
+	const char *pass; // beside what is below one that is not the last
+	const char *gap;
+};
+extern const tree_style_t TREE_OF_LINES;
+extern const tree_style_t TREE_OF_ASCII;
+
+struct tree_row_t {
+	std::size_t node;
+	std::string before; // drawn before its name
+	std::string beside; // before further lines of the same row
+	bool is_repeated;   // what is below it stands where it was met first
+};
+
+// Every node that a root leads to, each with all below it where it is met first, so that the tree has no more rows than
+// there are nodes and branches. What no root leads to, for it is part of a ring, is a root, too. Depth is drawn up to 32.
+std::vector<tree_row_t> tree_rows(const std::vector<std::size_t> &roots, const branches_t &below, const tree_style_t &style);
+
+#endif
