@@ -13,18 +13,18 @@ static bool can_be_read(const std::string &file)
 	return access(file.c_str(), R_OK) == 0;
 }
 
-static std::string names_of(const std::vector<aac_controller> &controllers)
+static std::string names_of(const std::vector<const aac_controller *> &controllers)
 {
 	std::string names;
-	for (const aac_controller &c : controllers)
-		names += (names.empty() ? "" : ", ") + text_of(c.Adapter_Name);
+	for (const aac_controller *c : controllers)
+		names += (names.empty() ? "" : ", ") + text_of(c->Adapter_Name);
 	return names;
 }
 
-static bool is_among(const std::vector<aac_controller> &controllers, const std::string &name)
+static bool is_among(const std::vector<const aac_controller *> &controllers, const std::string &name)
 {
-	for (const aac_controller &c : controllers) {
-		if (text_of(c.Adapter_Name) == name)
+	for (const aac_controller *c : controllers) {
+		if (text_of(c->Adapter_Name) == name)
 			return true;
 	}
 	return false;

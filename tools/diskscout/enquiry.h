@@ -7,6 +7,8 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 class enquiry_t
 {
@@ -22,6 +24,9 @@ public:
 	item_list_t ask(UINT query, const std::string &argument) const; // of the classic plug-in, anew
 
 	const item_list_t &controllers() { return list(CMD_GET_CONTROLLERS); }
+	// Where the device of this name is mounted, "[SWAP]" for a swap area; nowhere when that cannot be told.
+	const std::vector<std::string_view> &mounted(std::string_view device);
+
 	// The controller that the queries are about; none when none was named and none is listed.
 	std::optional<std::string> controller();
 
@@ -34,6 +39,8 @@ private:
 	const plugin_t *block_;
 	std::string named_;
 	std::map<UINT, item_list_t> lists_;
+	using places_t = std::map<std::string_view, std::vector<std::string_view>>;
+	std::optional<places_t> places_;
 };
 
 #endif

@@ -1,43 +1,53 @@
 // CD-ROM drives.
+#include "classic_fields.h"
 #include "kinds.h"
-#include "text.h"
 
 using cdrom_t = STORAGE_CDROM_LIST;
 
-static const column_t<cdrom_t> COLUMNS[] = {
-	{"DEVICE", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szDeviceName); }},
-	{"BUS", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szInterface); }},
-	{"MODEL", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szModel); }},
-	{"SERIAL", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szSerialNumber); }},
-	{"FIRMWARE", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szFirmwareVersion); }},
-	{"MOUNT POINT", align_t::LEFT, [](const cdrom_t &c) { return shown(c.szMountPoint); }},
-	{"SIZE", align_t::RIGHT, [](const cdrom_t &c) { return human_size_if_known(c.nTotalSpace); }},
-};
-
-static ordered_json_t object(const cdrom_t &c)
+static void put_position(const row_t &row, sink_t &to)
 {
-	return {
-		{"cdrom_id", c.nCdromID},
-		{"device_name", json_text(c.szDeviceName)},
-		{"description", json_text(c.szDiscription)},
-		{"interface", json_text(c.szInterface)},
-		{"position", c.nPosition},
-		{"media", json_text(c.szMedia)},
-		{"vendor", json_text(c.szVendor)},
-		{"model", json_text(c.szModel)},
-		{"serial_number", json_text(c.szSerialNumber)},
-		{"firmware_version", json_text(c.szFirmwareVersion)},
-		{"mount_point", json_text(c.szMountPoint)},
-		{"label", json_text(c.szLabel)},
-		{"total_space", c.nTotalSpace},
-	};
+	const auto &c = record_of<cdrom_t>(row);
+	if (text_of(c.szInterface) == "IDE")
+		to.absent();
+	else
+		to.large(c.nPosition);
 }
+
+static constexpr field_t FIELDS[] = {
+	number<&cdrom_t::nCdromID>("cdrom_id", "ID", "place in the list, from 0"),
+	text<&cdrom_t::szDeviceName>("device_name", "DEVICE", "device node"),
+	text<&cdrom_t::szDiscription>("description", "DESCRIPTION", "fixed words of the record"),
+	text<&cdrom_t::szInterface>("interface", "BUS", "IDE"),
+	number<&cdrom_t::nPosition>("position", "POSITION", "", OLD),
+	{"position", "POSITION", shape_t::NUMBER, NEW | MAY_LACK,
+         "SCSI address: host, channel, ID and LUN, 8 bits each; null for an IDE drive", put_position},
+	text<&cdrom_t::szMedia>("media", "MEDIA", "fixed word of the record"),
+	text<&cdrom_t::szVendor>("vendor", "VENDOR", "null for an IDE drive"),
+	text<&cdrom_t::szModel>("model", "MODEL", "as /proc/ide tells it"),
+	text<&cdrom_t::szSerialNumber>("serial_number", "SERIAL", "as /proc/ide tells it"),
+	text<&cdrom_t::szFirmwareVersion>("firmware_version", "FIRMWARE", "revision"),
+	text<&cdrom_t::szMountPoint>("mount_point", "MOUNT POINT", "where its disc is mounted"),
+	text<&cdrom_t::szLabel>("label", "LABEL", "always null: no label is read"),
+	bytes<&cdrom_t::nTotalSpace>("total_space", "SIZE", "", OLD),
+	{"total_space", "SIZE", shape_t::BYTES, NEW | MAY_LACK, "bytes of the mounted file system",
+         known_member<&cdrom_t::nTotalSpace>},
+};
 
 static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_CDROMS), COLUMNS, object);
+	return answer_of<cdrom_t>(from.list(CMD_GET_CDROMS), from);
 }
 
 const kind_t CDROMS_KIND = {
-	"cdroms", "CD-ROMS", "CD-ROM", "No CD-ROM drive was found.", scope_t::HOST, ask,
+	"cdroms",
+	"cdroms",
+	"CD-ROMS",
+	"CD-ROM",
+	"No CD-ROM drive was found.",
+	side_t::HOST,
+	IN_TABLES | IN_DOCUMENT | WHEN_ANY,
+	FIELDS,
+	"device_name,interface,model,serial_number,firmware_version,mount_point,total_space",
+	nullptr,
+	ask,
 };

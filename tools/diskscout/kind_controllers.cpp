@@ -9,35 +9,33 @@ static constexpr coded_word_t AVAILABILITIES[] = {
 
 static constexpr coded_word_t CLUSTERINGS[] = {{-1, "other"}, {0, "no"}, {1, "yes"}};
 
-static const column_t<controller_t> COLUMNS[] = {
-	{"ID", align_t::RIGHT, [](const controller_t &c) { return std::to_string(c.ControllerID); }},
-	{"NAME", align_t::LEFT, [](const controller_t &c) { return shown(c.Adapter_Name); }},
-	{"TYPE", align_t::LEFT, [](const controller_t &c) { return shown(c.Adapter_Type); }},
-	{"AVAILABILITY", align_t::LEFT,
-         [](const controller_t &c) { return word_of(c.Availability, AVAILABILITIES); }},
-	{"CLUSTERING", align_t::LEFT,
-         [](const controller_t &c) { return word_of(c.Clustering, CLUSTERINGS); }},
+static constexpr field_t FIELDS[] = {
+	number<&controller_t::ControllerID>("controller_id", "ID", "the controller's number"),
+	text<&controller_t::Adapter_Name>("adapter_name", "NAME", "by which it is opened"),
+	text<&controller_t::Adapter_Type>("adapter_type", "TYPE", "as the controller tool tells it"),
+	number<&controller_t::Availability>("availability", "AVAILABILITY CODE", "code of availability_word"),
+	word<&controller_t::Availability, AVAILABILITIES>("availability_word", "AVAILABILITY",
+                                                          "null for a code without a word"),
+	number<&controller_t::Clustering>("clustering", "CLUSTERING CODE", "code of clustering_word"),
+	word<&controller_t::Clustering, CLUSTERINGS>("clustering_word", "CLUSTERING",
+                                                     "null for a code without a word"),
 };
-
-static ordered_json_t object(const controller_t &c)
-{
-	return {
-		{"controller_id", c.ControllerID},
-		{"adapter_name", json_text(c.Adapter_Name)},
-		{"adapter_type", json_text(c.Adapter_Type)},
-		{"availability", c.Availability},
-		{"availability_word", json_word(c.Availability, AVAILABILITIES)},
-		{"clustering", c.Clustering},
-		{"clustering_word", json_word(c.Clustering, CLUSTERINGS)},
-	};
-}
 
 static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.controllers(), COLUMNS, object);
+	return answer_of<controller_t>(from.controllers(), from);
 }
 
 const kind_t CONTROLLERS_KIND = {
-	"controllers", "RAID CONTROLLERS", "RAID controller", "No RAID controller was found.", scope_t::RAID,
+	"controllers",
+	"controllers",
+	"RAID CONTROLLERS",
+	"RAID controller",
+	"No RAID controller was found.",
+	side_t::RAID,
+	0,
+	FIELDS,
+	"controller_id,adapter_name,adapter_type,availability_word,clustering_word",
+	nullptr,
 	ask,
 };

@@ -37,49 +37,81 @@ static constexpr coded_word_t SHARES[] = {
 };
 
 // Larger block counts arrive as the largest that the plug-in knows.
-static std::string size_of(const raid_disk_t &d)
+static bool is_cut(const raid_disk_t &d)
 {
-	if (d.nBlocks < 0 || d.nBytesPerBlock < 0 || d.nBlocks > INT_MAX)
+	return d.nBlocks >= INT_MAX;
+}
+
+static void put_blocks(const row_t &row, sink_t &to)
+{
+	const auto &d = record_of<raid_disk_t>(row);
+	if (is_cut(d) || d.nBlocks < 0)
+		to.absent();
+	else
+		to.number(d.nBlocks);
+}
+
+static bool is_sized(const raid_disk_t &d)
+{
+	return d.nBlocks > 0 && d.nBytesPerBlock > 0 && d.nBlocks <= INT_MAX;
+}
+
+static std::uint64_t bytes_of(const raid_disk_t &d)
+{
+	return static_cast<std::uint64_t>(d.nBlocks) * static_cast<std::uint64_t>(d.nBytesPerBlock);
+}
+
+static void put_size(const row_t &row, sink_t &to)
+{
+	const auto &d = record_of<raid_disk_t>(row);
+	if (is_sized(d))
+		to.large(bytes_of(d));
+	else
+		to.absent();
+}
+
+static std::string size_cell(const row_t &row)
+{
+	const auto &d = record_of<raid_disk_t>(row);
+	if (!is_sized(d))
 		return "-";
-	const std::string size = human_size_if_known(static_cast<std::uint64_t>(d.nBlocks) *
-	                                             static_cast<std::uint64_t>(d.nBytesPerBlock));
-	return d.nBlocks == INT_MAX ? "at least " + size : size;
+	return (is_cut(d) ? "at least " : "") + human_size(bytes_of(d));
 }
 
-static const column_t<raid_disk_t> COLUMNS[] = {
-	{"ADDRESS", align_t::LEFT, [](const raid_disk_t &d) { return address(d.nPosition); }},
-	{"TYPE", align_t::LEFT, [](const raid_disk_t &d) { return word_of(d.DeviceType, DEVICE_TYPES); }},
-	{"SIZE", align_t::RIGHT, size_of},
-	{"VENDOR", align_t::LEFT, [](const raid_disk_t &d) { return shown(d.szVendor); }},
-	{"MODEL", align_t::LEFT, [](const raid_disk_t &d) { return shown(d.szModel); }},
-	{"USAGE", align_t::LEFT, [](const raid_disk_t &d) { return word_of(d.Usage, USAGES); }},
-	{"SHARED", align_t::LEFT, [](const raid_disk_t &d) { return word_of(d.Shared, SHARES); }},
-	{"RATE", align_t::RIGHT, [](const raid_disk_t &d) { return std::to_string(d.nRate); }},
+static constexpr field_t FIELDS[] = {
+	address_field<&raid_disk_t::nPosition>("address", "ADDRESS", "channel, SCSI ID and LUN at the controller"),
+	text<&raid_disk_t::szVendor>("vendor", "VENDOR", "with underscores for blanks"),
+	text<&raid_disk_t::szModel>("model", "MODEL", "with underscores for blanks"),
+	number<&raid_disk_t::DeviceType>("device_type", "TYPE CODE", "code of device_type_word"),
+	word<&raid_disk_t::DeviceType, DEVICE_TYPES>("device_type_word", "TYPE", "null for a code without a word"),
+	number<&raid_disk_t::nBlocks>("blocks", "BLOCKS", "", OLD),
+	{"blocks", "BLOCKS", shape_t::NUMBER, NEW | MAY_LACK, "blocks; null beyond what the record holds", put_blocks},
+	number<&raid_disk_t::nBlocks>("blocks_least", "BLOCKS AT LEAST",
+                                      "blocks as the record holds them: 2147483647 for all larger numbers", NEW),
+	number<&raid_disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block"),
+	{"size", "SIZE", shape_t::BYTES, 0, "bytes of blocks_least", put_size, {}, size_cell},
+	number<&raid_disk_t::Usage>("usage", "USAGE CODE", "code of usage_word"),
+	word<&raid_disk_t::Usage, USAGES>("usage_word", "USAGE", "null for a code without a word"),
+	number<&raid_disk_t::Shared>("shared", "SHARED CODE", "code of shared_word"),
+	word<&raid_disk_t::Shared, SHARES>("shared_word", "SHARED", "null for a code without a word"),
+	number<&raid_disk_t::nRate>("rate", "RATE", "MB a second that the bus is run at"),
 };
-
-static ordered_json_t object(const raid_disk_t &d)
-{
-	return {
-		{"address", json_address(d.nPosition)},
-		{"vendor", json_text(d.szVendor)},
-		{"model", json_text(d.szModel)},
-		{"device_type", d.DeviceType},
-		{"device_type_word", json_word(d.DeviceType, DEVICE_TYPES)},
-		{"blocks", d.nBlocks},
-		{"bytes_per_block", d.nBytesPerBlock},
-		{"usage", d.Usage},
-		{"usage_word", json_word(d.Usage, USAGES)},
-		{"shared", d.Shared},
-		{"shared_word", json_word(d.Shared, SHARES)},
-		{"rate", d.nRate},
-	};
-}
 
 static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.raid_disks(), COLUMNS, object);
+	return answer_of<raid_disk_t>(from.list_of_controller(CMD_GET_RAID_DISKS), from);
 }
 
 const kind_t RAID_DISKS_KIND = {
-	"raid-disks", "RAID DISKS", "RAID disk", "The controller has no disk.", scope_t::CONTROLLER, ask,
+	"raid_disks",
+	"raid-disks",
+	"RAID DISKS",
+	"RAID disk",
+	"The controller has no disk.",
+	side_t::CONTROLLER,
+	0,
+	FIELDS,
+	"address,device_type_word,size,vendor,model,usage_word,shared_word,rate",
+	nullptr,
+	ask,
 };

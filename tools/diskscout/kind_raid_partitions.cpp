@@ -20,49 +20,61 @@ static constexpr coded_word_t ACCESSES[] = {
 };
 
 // Without a container above, its number is 0, which is a container's number as well.
-static std::string part_of(const raid_partition_t &p)
+static bool is_in_another(const raid_partition_t &p)
 {
-	if (p.MultilevelType == KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE)
-		return "-";
-	return fmt::format("{} {}", word_of(p.MultilevelType, MULTILEVEL_TYPES), p.nMultilevelRaidID);
+	return p.MultilevelType != KESTREL_HWRAID_PART_MULTILEVEL_TYPE_NONE;
 }
 
-static const column_t<raid_partition_t> COLUMNS[] = {
-	{"DISK", align_t::LEFT, [](const raid_partition_t &p) { return address(p.nPosition); }},
-	{"OFFSET", align_t::RIGHT, [](const raid_partition_t &p) { return signed_size(p.nOffset); }},
-	{"SIZE", align_t::RIGHT, [](const raid_partition_t &p) { return signed_size(p.nSize); }},
-	{"CONTAINER", align_t::RIGHT, [](const raid_partition_t &p) { return std::to_string(p.bRaidID); }},
-	{"TYPE", align_t::LEFT,
-         [](const raid_partition_t &p) { return word_of(p.RaidType, CONTAINER_TYPES); }},
-	{"PART OF", align_t::LEFT, part_of},
-	{"ACCESS", align_t::LEFT,
-         [](const raid_partition_t &p) { return word_of(p.ReadWriteAttribute, ACCESSES); }},
+static void put_part_of(const row_t &row, sink_t &to)
+{
+	const auto &p = record_of<raid_partition_t>(row);
+	if (is_in_another(p))
+		to.text(fmt::format("{} {}", word_or_number(p.MultilevelType, MULTILEVEL_TYPES),
+		                    p.nMultilevelRaidID));
+	else
+		to.absent();
+}
+
+template <auto Member> static constexpr field_t size(const char *key, const char *heading, const char *what)
+{
+	return {key, heading, shape_t::BYTES, OLD | NEW, what, number_member<Member>, {}, signed_size_cell<Member>};
+}
+
+static constexpr field_t FIELDS[] = {
+	address_field<&raid_partition_t::nPosition>("address", "DISK",
+                                                    "the disk: channel, SCSI ID and LUN at the controller"),
+	size<&raid_partition_t::nOffset>("offset", "OFFSET", "bytes from the disk's beginning"),
+	size<&raid_partition_t::nSize>("size", "SIZE", "bytes"),
+	number<&raid_partition_t::bRaidID>("raid_id", "CONTAINER", "number of the container that uses it"),
+	number<&raid_partition_t::RaidType>("type", "TYPE CODE", "code of type_word"),
+	word<&raid_partition_t::RaidType, CONTAINER_TYPES>("type_word", "TYPE", "null for a code without a word"),
+	number<&raid_partition_t::nMultilevelRaidID>("multilevel_raid_id", "OUTER CONTAINER",
+                                                     "number of the container that raid_id is part of"),
+	number<&raid_partition_t::MultilevelType>("multilevel_type", "OUTER CODE", "code of multilevel_type_word"),
+	word<&raid_partition_t::MultilevelType, MULTILEVEL_TYPES>("multilevel_type_word", "OUTER TYPE",
+                                                                  "null for a code without a word"),
+	{"part_of", "PART OF", shape_t::TEXT, MAY_LACK, "container that raid_id is part of", put_part_of},
+	number<&raid_partition_t::ReadWriteAttribute>("read_write_attribute", "ACCESS CODE",
+                                                      "code of read_write_attribute_word"),
+	word<&raid_partition_t::ReadWriteAttribute, ACCESSES>("read_write_attribute_word", "ACCESS",
+                                                              "null for a code without a word"),
 };
-
-static ordered_json_t object(const raid_partition_t &p)
-{
-	return {
-		{"address", json_address(p.nPosition)},
-		{"offset", p.nOffset},
-		{"size", p.nSize},
-		{"raid_id", p.bRaidID},
-		{"type", p.RaidType},
-		{"type_word", json_word(p.RaidType, CONTAINER_TYPES)},
-		{"multilevel_raid_id", p.nMultilevelRaidID},
-		{"multilevel_type", p.MultilevelType},
-		{"multilevel_type_word", json_word(p.MultilevelType, MULTILEVEL_TYPES)},
-		{"read_write_attribute", p.ReadWriteAttribute},
-		{"read_write_attribute_word", json_word(p.ReadWriteAttribute, ACCESSES)},
-	};
-}
 
 static answer_t ask(enquiry_t &from)
 {
-	return answer_of(from.ask(CMD_GET_RAID_PARTITIONS, from.controller().value_or("")), COLUMNS, object);
+	return answer_of<raid_partition_t>(from.list_of_controller(CMD_GET_RAID_PARTITIONS), from);
 }
 
 const kind_t RAID_PARTITIONS_KIND = {
-	"raid-partitions",   "RAID PARTITIONS",
-	"RAID partition",    "No container uses the disks of the controller.",
-	scope_t::CONTROLLER, ask,
+	"raid_partitions",
+	"raid-partitions",
+	"RAID PARTITIONS",
+	"RAID partition",
+	"No container uses the disks of the controller.",
+	side_t::CONTROLLER,
+	0,
+	FIELDS,
+	"address,offset,size,raid_id,type_word,part_of,read_write_attribute_word",
+	nullptr,
+	ask,
 };

@@ -1,11 +1,12 @@
-// The kinds of things that the plug-in lists.
+// The kinds of things that are listed.
 #include "kinds.h"
 
-const std::vector<const kind_t *> &all_kinds()
+const kinds_t &all_kinds()
 {
-	static const std::vector<const kind_t *> KINDS = {
-		&DISKS_KIND,      &PARTITIONS_KIND, &CDROMS_KIND,     &CONTROLLERS_KIND,
-		&CONTAINERS_KIND, &RAID_DISKS_KIND, &RAID_SPACE_KIND, &RAID_PARTITIONS_KIND,
+	static const kinds_t KINDS = {
+		&DEVICES_KIND,    &LINKS_KIND,  &FILESYSTEMS_KIND, &ARRAYS_KIND,     &MOUNTS_KIND,
+		&DISKS_KIND,      &PARTITIONS_KIND, &CDROMS_KIND,  &CONTROLLERS_KIND, &CONTAINERS_KIND,
+		&RAID_DISKS_KIND, &RAID_SPACE_KIND, &RAID_PARTITIONS_KIND,
 	};
 	return KINDS;
 }

@@ -6,6 +6,7 @@
 
 #include "enquiry.h"
 #include "field.h"
+#include "selection.h"
 
 #include <memory>
 #include <string>
@@ -46,6 +47,8 @@ struct kind_t {
 	// A kind of one controller is asked for only when the enquiry has one.
 	answer_t (*ask)(enquiry_t &from);
 	std::string_view note = {}; // under its table, for what its headings cannot say
+	// Whether it is about one of these devices; null: a device means nothing to it.
+	bool (*concerns)(const row_t &row, const names_t &devices) = nullptr;
 };
 
 extern const kind_t DEVICES_KIND;

@@ -1,97 +1,147 @@
-// The listing of the kinds that were asked for: a section or a key each.
+// The listing of the kinds that were asked for.
 #include "listing.h"
 
-#include "diagnosis.h"
+#include "asking.h"
+#include "columns.h"
+#include "document.h"
+#include "drawing.h"
+#include "heading.h"
 #include "output.h"
+#include "pairs.h"
+#include "program.h"
+#include "terminal.h"
+#include "text.h"
 
-#include <algorithm>
 #include <fmt/format.h>
-#include <functional>
+#include <unistd.h>
 
-static bool lacks_controller(const kind_t &k, enquiry_t &from)
+static void complain_about(const messages_t &messages, severity_t from)
 {
-	return k.of == scope_t::CONTROLLER && !from.controller();
-}
-
-static answer_t ask(const kind_t &k, enquiry_t &from)
-{
-	if (!lacks_controller(k, from))
-		return k.ask(from);
-	answer_t nothing;
-	nothing.failed = from.controllers().failed();
-	nothing.where = " at the list of controllers";
-	return nothing;
-}
-
-static void complain_about_query(const kind_t &k, const answer_t &a)
-{
-	const char *const rest =
-		a.table.empty() ? "it found nothing before" : "what it found so far is shown";
-	complain(fmt::format("the {} query failed{}; {}", k.name, a.where, rest));
-}
-
-using visitor_t = std::function<void(const kind_t &k, const answer_t &a)>;
-
-// Words of the kinds whose query failed.
-static std::vector<std::string_view> ask_all(enquiry_t &from, const std::vector<const kind_t *> &kinds,
-                                             const visitor_t &visit)
-{
-	std::vector<std::string_view> failed;
-	bool hardware_failed = false;
-	for (const kind_t *k : kinds) {
-		const answer_t a = ask(*k, from);
-		visit(*k, a);
-		if (!a.failed)
-			continue;
-		complain_about_query(*k, a);
-		failed.push_back(k->word);
-		hardware_failed |= k->of != scope_t::HOST;
+	for (const message_t &message : messages) {
+		if (message.severity >= from)
+			complain(message.text);
 	}
-	// One cause, most probably: one hint.
-	if (hardware_failed)
-		complain(diagnosis(from));
-	return failed;
 }
 
-static std::string heading_of(const kind_t &k, enquiry_t &from)
+static int status_of(const messages_t &messages)
 {
-	if (k.of != scope_t::CONTROLLER || lacks_controller(k, from))
-		return fmt::format("{}\n", k.heading);
-	return fmt::format("{} ON {}\n", k.heading, printable(*from.controller()));
+	return has_error(messages) ? STATUS_FAILED : STATUS_FINE;
 }
 
-static std::string body_of(const kind_t &k, const answer_t &a, enquiry_t &from)
+listing_t list_as_document(enquiry_t &from, const options_t &opts, const host_names_t &host)
 {
-	if (!a.table.empty())
-		return a.table + (k.note.empty() ? "" : fmt::format("{}\n", k.note));
-	// That nothing was found would be a false answer.
-	if (a.failed)
-		return fmt::format("The {} query failed.\n", k.name);
-	return fmt::format("{}\n", lacks_controller(k, from) ? CONTROLLERS_KIND.none : k.none);
+	messages_t messages;
+	const sections_t sections = ask_all(from, opts, messages);
+	document_t document(host);
+	for (const kind_t *kind : opts.kinds) {
+		if (kind->side == side_t::CONTROLLER) {
+			document.controller(from.controller());
+			break;
+		}
+	}
+	for (const section_t &section : sections)
+		document.list(*section.kind, section.answer);
+	complain_about(messages, severity_t::ERROR);
+	const int status = status_of(messages);
+	return {document.end(messages, status), status};
 }
 
-listing_t list_as_tables(enquiry_t &from, const std::vector<const kind_t *> &kinds)
+// ---- tables ----
+
+static bool is_tree(const section_t &section, const options_t &opts)
+{
+	return section.kind == &DEVICES_KIND && opts.sort.empty() && !opts.pairs;
+}
+
+static table_t table_of(section_t &section, enquiry_t &from, const options_t &opts)
+{
+	const columns_t columns = columns_of(*section.kind, opts.columns);
+	const sizes_t sizes = opts.bytes ? sizes_t::IN_BYTES : sizes_t::IN_UNITS;
+	table_t table = is_tree(section, opts)
+	                        ? draw_tree(columns, section.answer.rows, from, opts.inverse, sizes)
+	                        : draw_rows(columns, section.answer.rows, sizes);
+	table.has_headings = !opts.no_headings;
+	return table;
+}
+
+static std::string pairs_of(const section_t &section, const options_t &opts)
+{
+	const columns_t columns = columns_of(*section.kind, opts.columns);
+	std::string text;
+	for (const row_t &row : section.answer.rows)
+		text += pairs_line(columns, row);
+	return text;
+}
+
+static bool is_below_its_table(const message_t &message)
+{
+	return message.severity != severity_t::ERROR || message.code == code_t::LIST_CUT;
+}
+
+// Under the tables stands what is about this kind; null: about none of those that have a table.
+static std::string messages_about(const kind_t *kind, const messages_t &messages, const kinds_t &drawn)
 {
 	std::string text;
-	const auto failed = ask_all(from, kinds, [&](const kind_t &k, const answer_t &a) {
-		text += (text.empty() ? "" : "\n") + heading_of(k, from) + body_of(k, a, from);
-	});
-	return {text, failed.empty()};
+	for (const message_t &message : messages) {
+		const bool has_table = std::find(drawn.begin(), drawn.end(), message.kind) != drawn.end();
+		if ((has_table ? message.kind : nullptr) == kind && is_below_its_table(message))
+			text += printable(message.text) + ".\n";
+	}
+	return text;
 }
 
-listing_t list_as_json(enquiry_t &from, const std::vector<const kind_t *> &kinds)
+static std::string body_of(section_t &section, enquiry_t &from, const options_t &opts)
 {
-	ordered_json_t document = {{"format", 1}};
-	const auto is_of_one = [](const kind_t *k) { return k->of == scope_t::CONTROLLER; };
-	if (std::any_of(kinds.begin(), kinds.end(), is_of_one)) {
-		const std::optional<std::string> controller = from.controller();
-		document["controller"] = controller ? ordered_json_t(*controller) : ordered_json_t(nullptr);
+	if (section.answer.rows.empty())
+		return nothing_of(section, from);
+	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO)) + note_of(*section.kind);
+}
+
+// Of those that nobody named, only what there is.
+static bool is_drawn(const section_t &section, const options_t &opts)
+{
+	if (!opts.is_alone || opts.classic || !section.answer.rows.empty())
+		return true;
+	const bool is_when_any = (section.kind->unasked & WHEN_ANY) != 0;
+	return is_when_any ? section.answer.failed : section.answer.error != ENOENT;
+}
+
+static std::string rows_alone(section_t &section, enquiry_t &from, const options_t &opts)
+{
+	if (section.answer.rows.empty())
+		return "";
+	if (opts.pairs)
+		return pairs_of(section, opts);
+	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO));
+}
+
+static std::string with_headings(sections_t &sections, enquiry_t &from, const options_t &opts,
+                                 const messages_t &messages)
+{
+	std::string text;
+	kinds_t drawn;
+	for (const section_t &section : sections) {
+		if (is_drawn(section, opts))
+			drawn.push_back(section.kind);
 	}
-	const auto failed = ask_all(from, kinds, [&](const kind_t &k, const answer_t &a) {
-		document[std::string(k.word)] = a.json;
-	});
-	document["failed"] = failed;
-	// A disk's texts need not be UTF-8. A replaced character is better than no document.
-	return {document.dump(2, ' ', false, ordered_json_t::error_handler_t::replace) + "\n",
-	        failed.empty()};
+	for (section_t &section : sections) {
+		if (is_drawn(section, opts))
+			text += (text.empty() ? "" : "\n") + heading_of(*section.kind, from) +
+			        body_of(section, from, opts) + messages_about(section.kind, messages, drawn);
+	}
+	const std::string rest = messages_about(nullptr, messages, drawn);
+	return text + (text.empty() || rest.empty() ? "" : "\n") + rest;
+}
+
+listing_t list_as_tables(enquiry_t &from, const options_t &opts)
+{
+	messages_t messages;
+	sections_t sections = ask_all(from, opts, messages);
+	if (!opts.sort.empty())
+		sort_by(column_of(*opts.kinds.front(), opts.sort), sections.front().answer.rows);
+	const bool is_rows_alone = opts.pairs || opts.no_headings;
+	const std::string text = is_rows_alone ? rows_alone(sections.front(), from, opts)
+	                                       : with_headings(sections, from, opts, messages);
+	complain_about(messages, is_rows_alone ? severity_t::WARNING : severity_t::ERROR);
+	return {text, status_of(messages)};
 }

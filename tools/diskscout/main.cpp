@@ -1,42 +1,103 @@
 // diskscout: an inventory of this host's storage, for people and as JSON. It is also the reference agent: the
-// plug-in is loaded, asked and given its lists back as every agent has to do it.
+// plug-ins are loaded, asked and given their lists back as every agent has to do it.
 //
-// Exit status: 0; 1 when a query or the output failed; 2 when the caller asked for what cannot be done.
+// Exit status: 0; 1 when a query or the output failed, or a list is known to be cut; 2 when the caller asked for what
+// cannot be done.
+#include "document.h"
 #include "listing.h"
 #include "options.h"
 #include "output.h"
 #include "plugin.h"
 #include "program.h"
+#include "schema.h"
 #include "sysroot.h"
+#include "usage_error.h"
 
 const char PROGRAM_NAME[] = "diskscout";
 
-static int show(const plugin_t &from, const options_t &opts)
+static int written(const std::string &text, int status)
 {
+	return write_output(text) ? status : STATUS_FAILED;
+}
+
+static listing_t list(enquiry_t &from, const options_t &opts)
+{
+	if (opts.is_old())
+		return list_in_old_format(from, opts);
+	if (!opts.json)
+		return list_as_tables(from, opts);
+	return list_as_document(from, opts, host_names(opts.replayed));
+}
+
+static int show(const options_t &opts)
+{
+	std::optional<plugin_t> classic, block;
+	if (opts.asks_classic())
+		classic.emplace(opts.plugin);
+	if (opts.asks_block())
+		block.emplace(opts.block_plugin);
 	if (!opts.config.empty())
-		from.set_configuration(opts.config);
-	enquiry_t asked(from, opts.controller);
-	const listing_t shown =
-		opts.json ? list_as_json(asked, opts.kinds) : list_as_tables(asked, opts.kinds);
-	const bool written = write_output(shown.text);
-	return shown.complete && written ? STATUS_FINE : STATUS_FAILED;
+		classic->set_configuration(opts.config);
+	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller);
+	const listing_t shown = list(asked, opts);
+	return written(shown.text, shown.status);
+}
+
+static int answer(const options_t &opts)
+{
+	if (!opts.json || opts.is_old())
+		return written(opts.answer, STATUS_FINE);
+	document_t document(host_names(opts.replayed));
+	return written(document.end({{severity_t::NOTE, nullptr, opts.answer_code, opts.answer}}, STATUS_FINE), STATUS_FINE);
 }
 
 static int run(int argc, char **argv)
 {
-	const options_t opts = parse_options(argc, argv);
-	if (!opts.answer.empty())
-		return write_output(opts.answer) ? STATUS_FINE : STATUS_FAILED;
-
-	const auto file = plugin_file(opts.plugin);
+	options_t opts = parse_options(argc, argv);
+	if (opts.command == command_t::ANSWER)
+		return answer(opts);
+	if (opts.command == command_t::SCHEMA)
+		return written(document_schema(), STATUS_FINE);
+	if (opts.asks_classic())
+		opts.plugin = plugin_file(opts.plugin);
+	if (opts.asks_block())
+		opts.block_plugin = block_plugin_file(opts.block_plugin);
 	if (!opts.sysroot.empty())
-		restart_on_captured_host(opts.sysroot, replayed_command_line(opts, argv[0], file.string()));
+		restart_on_captured_host(opts.sysroot, replayed_command_line(opts, argv[0]));
 	if (opts.replayed)
 		expect_captured_host();
-	return show(plugin_t(file), opts);
+	return show(opts);
+}
+
+// What cannot be done is told in a document, too, where one was asked for.
+static int in_document(int argc, char **argv)
+{
+	code_t code = code_t::FAILED;
+	int status = STATUS_FAILED;
+	std::string text;
+	try {
+		return run(argc, argv);
+	} catch (const plugin_error_t &error) {
+		code = code_t::PLUGIN_NOT_LOADED;
+		status = STATUS_USAGE;
+		text = error.what();
+	} catch (const captured_host_error_t &error) {
+		code = code_t::CAPTURED_HOST_NOT_LOADED;
+		status = STATUS_USAGE;
+		text = error.what();
+	} catch (const usage_error_t &error) {
+		code = code_t::USAGE;
+		status = STATUS_USAGE;
+		text = error.what();
+	} catch (const std::exception &error) {
+		text = error.what();
+	}
+	complain(text);
+	document_t document(host_names(false));
+	return written(document.end({{severity_t::ERROR, nullptr, code, text}}, status), status);
 }
 
 int main(int argc, char **argv)
 {
-	return run_program(run, argc, argv);
+	return run_program(wants_document(argc, argv) ? in_document : run, argc, argv);
 }

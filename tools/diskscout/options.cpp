@@ -1,7 +1,8 @@
-// The command line: diskscout list [KIND]... [--json] [--controller NAME] [--config FILE] [--plugin PATH]
-// [--sysroot DIR].
+// The command line: diskscout list [KIND|DEVICE]... [OPTION]..., diskscout schema.
 #include "options.h"
 
+#include "closest_word.h"
+#include "columns.h"
 #include "usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -9,130 +10,382 @@
 #include <fmt/format.h>
 #include <sstream>
 
+// ---- kinds ----
+
+using kind_test_t = bool (*)(const kind_t *k);
+
 static bool is_any(const kind_t *)
 {
 	return true;
 }
 
+static bool is_old(const kind_t *k)
+{
+	return !k->old_word.empty();
+}
+
+static bool is_block(const kind_t *k)
+{
+	return k->side == side_t::BLOCK;
+}
+
+static bool is_classic(const kind_t *k)
+{
+	return !is_block(k);
+}
+
 static bool is_of_host(const kind_t *k)
 {
-	return k->of == scope_t::HOST;
+	return k->side == side_t::HOST;
 }
 
 static bool is_of_raid(const kind_t *k)
 {
-	return !is_of_host(k);
+	return k->side == side_t::RAID || k->side == side_t::CONTROLLER;
 }
 
 static bool is_of_controller(const kind_t *k)
 {
-	return k->of == scope_t::CONTROLLER;
+	return k->side == side_t::CONTROLLER;
 }
 
-using kind_test_t = bool (*)(const kind_t *k);
+static bool is_tree(const kind_t *k)
+{
+	return k == &DEVICES_KIND;
+}
 
-static std::string words_of(kind_test_t test)
+static std::string words_of(kind_test_t test, bool old = false)
 {
 	std::string words;
 	for (const kind_t *k : all_kinds()) {
 		if (test(k))
-			words.append(words.empty() ? "" : ", ").append(k->word);
+			words.append(words.empty() ? "" : ", ").append(old ? k->old_word : k->word);
 	}
 	return words;
 }
 
-static bool contains(const std::vector<std::string> &words, std::string_view word)
+static bool has(const kinds_t &kinds, kind_test_t test)
 {
-	return std::find(words.begin(), words.end(), word) != words.end();
+	return std::any_of(kinds.begin(), kinds.end(), test);
 }
 
-static std::vector<const kind_t *> kinds_named(const std::vector<std::string> &words)
+static const kind_t *kind_named(std::string_view word, bool old)
 {
-	for (const std::string &word : words) {
-		const auto is_named = [&](const kind_t *k) { return k->word == word; };
-		if (std::none_of(all_kinds().begin(), all_kinds().end(), is_named))
-			throw usage_error_t(
-				fmt::format("unknown kind \"{}\", known are {}", word, words_of(is_any)));
-	}
-	std::vector<const kind_t *> kinds;
 	for (const kind_t *k : all_kinds()) {
-		if (words.empty() ? is_of_host(k) : contains(words, k->word))
+		if (word == k->old_word || (!old && word == k->word))
+			return k;
+	}
+	return nullptr;
+}
+
+// What a mistyped word may have meant. A name below /dev is a device's, which only its path can tell.
+static std::string hint_for(const std::string &word)
+{
+	std::vector<std::string_view> known;
+	for (const kind_t *k : all_kinds())
+		known.push_back(k->word);
+	const std::string hint = suggestion(word, known);
+	if (!hint.empty())
+		return hint;
+	const std::string known_words = ", known are " + words_of(is_any);
+	return known_words + fmt::format("; a device is named by its path, such as /dev/{}", word);
+}
+
+[[noreturn]] static void refuse_kind(const std::string &word, bool old)
+{
+	throw usage_error_t(fmt::format("unknown kind \"{}\"{}", word,
+	                                old ? ", known are " + words_of(is_old, true) : hint_for(word)));
+}
+
+static kinds_t kinds_unasked(const options_t &opts)
+{
+	const unsigned wanted = opts.json ? IN_DOCUMENT : IN_TABLES;
+	kinds_t kinds;
+	for (const kind_t *k : all_kinds()) {
+		if (opts.classic ? is_of_host(k) : (k->unasked & wanted) != 0)
 			kinds.push_back(k);
 	}
 	return kinds;
 }
+
+// Words with a "/" are devices, all others kinds.
+static void take_words(const std::vector<std::string> &words, options_t &opts)
+{
+	kinds_t named;
+	for (const std::string &word : words) {
+		const kind_t *const k = kind_named(word, opts.is_old());
+		if (k)
+			named.push_back(k);
+		else if (!opts.is_old() && word.find('/') != std::string::npos)
+			opts.devices.push_back(word);
+		else
+			refuse_kind(word, opts.is_old());
+	}
+	opts.is_alone = words.empty();
+	if (named.empty() && !opts.devices.empty())
+		named.push_back(&DEVICES_KIND);
+	if (named.empty()) {
+		opts.kinds = kinds_unasked(opts);
+		return;
+	}
+	for (const kind_t *k : all_kinds()) {
+		if (std::find(named.begin(), named.end(), k) != named.end())
+			opts.kinds.push_back(k);
+	}
+}
+
+// ---- what goes together ----
+
+// An option that changes nothing is a misunderstanding.
+static void refuse_idle(const char *option, bool is_given, const kinds_t &kinds, kind_test_t test)
+{
+	if (is_given && !has(kinds, test))
+		throw usage_error_t(fmt::format("{} is for {}", option, words_of(test)));
+}
+
+struct table_option_t {
+	const char *name;
+	bool is_given;
+	bool is_of_one_kind;
+};
+
+static void check_table_options(const options_t &opts)
+{
+	const table_option_t options[] = {
+		{"--columns", !opts.columns.empty(), true}, {"--sort", !opts.sort.empty(), true},
+		{"--pairs", opts.pairs, true},              {"--bytes", opts.bytes, false},
+		{"--no-headings", opts.no_headings, true},
+	};
+	for (const table_option_t &option : options) {
+		if (!option.is_given)
+			continue;
+		if (opts.is_old())
+			throw usage_error_t(fmt::format("{} is for format 2", option.name));
+		if (opts.json)
+			throw usage_error_t(
+				fmt::format("{} is for tables, the document is always whole", option.name));
+		if (option.is_of_one_kind && opts.kinds.size() != 1)
+			throw usage_error_t(fmt::format("{} is for the table of one kind", option.name));
+	}
+	if (opts.pairs && (opts.bytes || opts.no_headings))
+		throw usage_error_t("--pairs are in bytes and without headings by themselves");
+	if (opts.kinds.size() == 1) {
+		columns_of(*opts.kinds.front(), opts.columns);
+		if (!opts.sort.empty())
+			column_of(*opts.kinds.front(), opts.sort);
+	}
+}
+
+static void check_classic(const options_t &opts)
+{
+	if (opts.classic && has(opts.kinds, is_block))
+		throw usage_error_t(fmt::format("--classic is for {}", words_of(is_classic)));
+	if (opts.is_old() && !opts.block_plugin.empty())
+		throw usage_error_t("--block-plugin is for format 2");
+}
+
+static void check_devices(const options_t &opts)
+{
+	if (!opts.devices.empty() && has(opts.kinds, is_classic))
+		throw usage_error_t(fmt::format("a device is for {}", words_of(is_block)));
+	if (opts.inverse && opts.devices.empty() && !has(opts.kinds, is_tree))
+		throw usage_error_t(fmt::format("--inverse is for {}, or for a device", words_of(is_tree)));
+	if (opts.inverse && opts.devices.empty() && (opts.json || opts.pairs || !opts.sort.empty()))
+		throw usage_error_t("--inverse is for the tree, or for a device");
+}
+
+bool options_t::asks_classic() const
+{
+	return has(kinds, is_classic);
+}
+
+// The classic lists of the host are told beside today's, unless they are wanted alone.
+bool options_t::asks_block() const
+{
+	return has(kinds, is_block) || (!classic && has(kinds, is_of_host));
+}
+
+static void check(const options_t &opts)
+{
+	refuse_idle("--controller", !opts.controller.empty(), opts.kinds, is_of_controller);
+	refuse_idle("--config", !opts.config.empty(), opts.kinds, is_of_raid);
+	check_classic(opts);
+	check_devices(opts);
+	check_table_options(opts);
+	refuse_idle("--plugin", !opts.plugin.empty(), opts.kinds, is_classic);
+	if (!opts.block_plugin.empty() && !opts.asks_block())
+		throw usage_error_t(fmt::format("--block-plugin is for {}", words_of(is_block)));
+}
+
+// ---- reading ----
 
 static std::string refuse_empty(const std::string &value)
 {
 	return value.empty() ? "it must not be empty" : "";
 }
 
-// An option that changes nothing is a misunderstanding.
-static void refuse_idle(const char *option, const std::string &value,
-                        const std::vector<const kind_t *> &kinds, kind_test_t test)
+static std::string refuse_unknown_format(const std::string &value)
 {
-	if (!value.empty() && std::none_of(kinds.begin(), kinds.end(), test))
-		throw usage_error_t(fmt::format("{} is for {}", option, words_of(test)));
+	return value == "1" || value == "2" ? "" : fmt::format("{} is no format, known are 1 and 2", value);
+}
+
+struct flag_row_t {
+	const char *name;
+	const char *what;
+	bool options_t::*field;
+};
+
+static const flag_row_t FLAGS[] = {
+	{"--json", "print one JSON document instead of tables", &options_t::json},
+	{"--classic", "show what the classic command codes answer, and nothing else", &options_t::classic},
+	{"--bytes", "print sizes in bytes", &options_t::bytes},
+	{"--no-headings", "print rows alone", &options_t::no_headings},
+	{"--pairs", "print a line of KEY=\"value\" for each row", &options_t::pairs},
+	{"--inverse", "show what devices stand on, not what stands on them", &options_t::inverse},
+};
+
+struct value_row_t {
+	const char *name;
+	const char *value;
+	const char *what;
+	std::string options_t::*field;
+};
+
+static const value_row_t VALUES[] = {
+	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin},
+	{"--controller", "NAME", "show this RAID controller, not the first one", &options_t::controller},
+	{"--format", "1|2", "format of the document; 1: everything as before there were formats", &options_t::format},
+	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
+	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
+};
+
+// The first word that is none of ours: a long option, or what stands in the place of the command.
+static std::string hint_for_mistyped(const CLI::App &app, int argc, char **argv)
+{
+	std::vector<std::string> commands, options;
+	for (const CLI::App *command : app.get_subcommands({}))
+		commands.push_back(command->get_name());
+	for (const CLI::Option *option : app.get_options({}))
+		options.push_back(option->get_name());
+	const auto hint = [](std::string_view word, const std::vector<std::string> &known) {
+		return suggestion(word, {known.begin(), known.end()});
+	};
+	const auto is_known = [](std::string_view word, const std::vector<std::string> &known) {
+		return std::find(known.begin(), known.end(), word) != known.end();
+	};
+	for (int i = 1; i < argc; i++) {
+		const std::string_view word = argv[i];
+		const std::string_view name = word.substr(0, word.find('='));
+		if (name.substr(0, 2) == "--" && name.size() > 2 && !is_known(name, options))
+			return hint(name, options);
+		if (i == 1 && name.substr(0, 1) != "-" && !is_known(name, commands))
+			return hint(name, commands);
+	}
+	return "";
 }
 
 // --help and --version reach us as exceptions as well, the only ones with status 0.
-static std::string answer_to(const CLI::App &app, const CLI::ParseError &error)
+static std::string answer_to(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
 {
 	if (error.get_exit_code() != 0)
-		throw usage_error_t(fmt::format("{} (see diskscout --help)", error.what()));
+		throw usage_error_t(fmt::format("{}{} (see diskscout --help)", error.what(),
+		                                hint_for_mistyped(app, argc, argv)));
 	std::ostringstream answer;
 	app.exit(error, answer, answer);
 	return answer.str();
+}
+
+static void add_options(CLI::App &app, options_t &opts)
+{
+	for (const flag_row_t &row : FLAGS)
+		app.add_flag(row.name, opts.*row.field, row.what);
+	for (const common_option_t &row : COMMON_OPTIONS)
+		app.add_option(row.name, opts.*row.field, row.what)->type_name(row.value)->check(refuse_empty);
+	for (const value_row_t &row : VALUES)
+		app.add_option(row.name, opts.*row.field, row.what)->type_name(row.value)->check(refuse_empty);
+	app.get_option("--format")->check(refuse_unknown_format);
+	// An empty group keeps an option out of the help: this one is between us and our second start.
+	app.add_flag(REPLAYED_OPTION, opts.replayed)->group("");
+}
+
+static void refuse_options_of_list(const CLI::App &app)
+{
+	for (const CLI::Option *option : app.get_options({})) {
+		if (option->count() > 0)
+			throw usage_error_t(fmt::format("schema takes no options, such as {}", option->get_name()));
+	}
 }
 
 options_t parse_options(int argc, char **argv)
 {
 	options_t opts;
 	std::vector<std::string> words;
-	CLI::App app("Shows the storage that the plug-in finds on this host, hardware RAID included.",
-	             "diskscout");
+	CLI::App app("Shows the storage that the plug-ins find on this host, hardware RAID included.", "diskscout");
 	app.set_version_flag("--version", "diskscout " DISKSCOUT_VERSION);
-	app.add_flag("--json", opts.json, "print one JSON document instead of tables");
-	for (const common_option_t &row : COMMON_OPTIONS)
-		app.add_option(row.name, opts.*row.field, row.what)
-			->type_name(row.value)
-			->check(refuse_empty);
-	app.add_option("--controller", opts.controller, "show this RAID controller, not the first one")
-		->type_name("NAME")
-		->check(refuse_empty);
-	// An empty group keeps an option out of the help: this one is between us and our second start.
-	app.add_flag(REPLAYED_OPTION, opts.replayed)->group("");
+	add_options(app, opts);
 	app.require_subcommand(1);
-	app.footer("Exit status: 0, 1 when a query or the output failed, 2 for bad usage.");
+	app.footer("Exit status: 0, 1 when a query or the output failed or a list is cut, 2 for bad usage.");
 
 	CLI::App *const list = app.add_subcommand("list", "show what there is");
 	list->add_option("KIND", words,
-	                 "what to show, of " + words_of(is_any) + "; without any: " + words_of(is_of_host))
+	                 "what to show, of " + words_of(is_any) +
+	                         "; or a device, such as /dev/sda; without any: devices and what is classic")
 		->type_name("");
 	// Options of the program are taken behind the subcommand too.
 	list->fallthrough();
+	const CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
 	try {
 		app.parse(argc, argv);
 	} catch (const CLI::ParseError &error) {
-		opts.answer = answer_to(app, error);
+		opts.answer = answer_to(app, error, argc, argv);
+		opts.answer_code = dynamic_cast<const CLI::CallForVersion *>(&error) ? code_t::VERSION : code_t::HELP;
+		opts.command = command_t::ANSWER;
 		return opts;
 	}
-	opts.kinds = kinds_named(words);
-	refuse_idle("--controller", opts.controller, opts.kinds, is_of_controller);
-	refuse_idle("--config", opts.config, opts.kinds, is_of_raid);
+	if (schema->parsed()) {
+		refuse_options_of_list(app);
+		opts.command = command_t::SCHEMA;
+		return opts;
+	}
+	opts.classic |= opts.is_old();
+	take_words(words, opts);
+	check(opts);
 	return opts;
 }
 
-std::vector<std::string> replayed_command_line(const options_t &opts, const std::string &program,
-                                               const std::string &plugin)
+bool wants_document(int argc, char **argv)
 {
-	std::vector<std::string> arguments = replayed_options(opts, program, plugin);
-	if (opts.json)
-		arguments.emplace_back("--json");
-	if (!opts.controller.empty())
-		arguments.push_back("--controller=" + opts.controller);
+	bool wants = false, is_old = false;
+	for (int i = 1; i < argc; i++) {
+		const std::string_view word = argv[i];
+		if (word == "--")
+			break;
+		wants |= word == "--json";
+		is_old |= word == "--format=1" || (word == "--format" && i + 1 < argc && argv[i + 1] == std::string_view("1"));
+	}
+	return wants && !is_old;
+}
+
+std::vector<std::string> replayed_command_line(const options_t &opts, const std::string &program)
+{
+	std::vector<std::string> arguments = {program, REPLAYED_OPTION};
+	for (const flag_row_t &row : FLAGS) {
+		if (opts.*row.field)
+			arguments.emplace_back(row.name);
+	}
+	const auto add = [&](std::string_view name, const std::string &value) {
+		if (!value.empty())
+			arguments.push_back(fmt::format("{}={}", name.substr(name.find("--")), value));
+	};
+	add("--plugin", opts.plugin);
+	add("--config", opts.config);
+	for (const value_row_t &row : VALUES)
+		add(row.name, opts.*row.field);
 	arguments.emplace_back("list");
-	for (const kind_t *k : opts.kinds)
-		arguments.emplace_back(k->word);
+	if (!opts.is_alone) {
+		for (const kind_t *k : opts.kinds)
+			arguments.emplace_back(opts.is_old() ? k->old_word : k->word);
+	}
+	arguments.insert(arguments.end(), opts.devices.begin(), opts.devices.end());
 	return arguments;
 }

@@ -1,5 +1,7 @@
-// The plug-in, loaded and asked as an agent does.
+// A plug-in, loaded and asked as an agent does.
 #include "plugin.h"
+
+#include <cerrno>
 
 plugin_t::plugin_t(const std::filesystem::path &file)
     : loaded_plugin_t(file), get_item_info_(symbol<decltype(GetItemInfo)>("GetItemInfo")),
@@ -33,8 +35,11 @@ int plugin_t::set(UINT command, void **result) const
 }
 
 item_list_t::item_list_t(const plugin_t &from, UINT query, const std::string &argument)
-    : plugin_(from), query_(query), failed_(from.get(query, argument, &head_, &length_) != 0)
+    : plugin_(from), query_(query)
 {
+	errno = 0;
+	failed_ = from.get(query, argument, &head_, &length_) != 0;
+	error_ = failed_ ? errno : 0;
 }
 
 item_list_t::~item_list_t()

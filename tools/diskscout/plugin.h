@@ -1,4 +1,4 @@
-// The plug-in, loaded and asked as an agent does.
+// A plug-in, loaded and asked as an agent does. The classic one and that of today's hosts are asked alike.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_PLUGIN_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_PLUGIN_H
 
@@ -35,14 +35,17 @@ public:
 	item_list_t &operator=(const item_list_t &) = delete;
 
 	bool failed() const { return failed_; }
+	// errno as the failed query left it; 0 when it left none.
+	int error() const { return error_; }
 
-	// All records. Both the links and the length end the list: the links may go on.
-	template <typename Record> std::vector<Record> records() const
+	// All records, which live as long as this. Both the links and the length end the list: the links may go
+	// on.
+	template <typename Record> std::vector<const Record *> records() const
 	{
-		std::vector<Record> result;
+		std::vector<const Record *> result;
 		auto record = static_cast<const Record *>(head_);
 		for (int i = 0; record && i < length_; i++, record = record->next)
-			result.push_back(*record);
+			result.push_back(record);
 		return result;
 	}
 
@@ -51,6 +54,7 @@ private:
 	UINT query_;
 	void *head_ = nullptr;
 	int length_ = 0;
+	int error_ = 0;
 	bool failed_;
 };
 

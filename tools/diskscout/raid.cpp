@@ -1,6 +1,7 @@
 // What the kinds of the hardware RAID side share.
 #include "raid.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 // Only the channel has no bound: the fields are added up when they are packed.
@@ -26,16 +27,30 @@ std::string address(int position)
 	return fmt::format("{:x}:{:02x}:{:x}", channel_of(position), id_of(position), lun_of(position));
 }
 
-ordered_json_t json_address(int position)
+template <int (*Part)(int position)> static void put_part(const row_t &row, sink_t &to)
+{
+	to.number(Part(record_of<int>(row)));
+}
+
+static int whole_position(int position)
+{
+	return position;
+}
+
+const field_t ADDRESS_FIELDS[4] = {
+	{"position", "POSITION", shape_t::NUMBER, OLD | NEW, "channel x 65536 + ID x 256 + LUN",
+         put_part<whole_position>},
+	{"channel", "CHANNEL", shape_t::NUMBER, OLD | NEW, "channel of the controller", put_part<channel_of>},
+	{"id", "ID", shape_t::NUMBER, OLD | NEW, "SCSI ID", put_part<id_of>},
+	{"lun", "LUN", shape_t::NUMBER, OLD | NEW, "logical unit", put_part<lun_of>},
+};
+
+void put_address(int position, sink_t &to)
 {
 	if (position == NO_ADDRESS)
-		return nullptr;
-	return {
-		{"position", position},
-		{"channel", channel_of(position)},
-		{"id", id_of(position)},
-		{"lun", lun_of(position)},
-	};
+		to.absent();
+	else
+		put_object(ADDRESS_FIELDS, OLD | NEW, {&position}, to);
 }
 
 std::string signed_size(long long bytes)
@@ -48,4 +63,29 @@ std::string signed_size(long long bytes)
 std::string size_modulo_4_gib(long long bytes)
 {
 	return human_size(static_cast<std::uint32_t>(bytes));
+}
+
+const char *word_of(int value, coded_words_t words)
+{
+	const auto *const end = words.first + words.count;
+	const auto *const found =
+		std::find_if(words.first, end, [&](const coded_word_t &w) { return w.value == value; });
+	return found == end ? nullptr : found->word;
+}
+
+std::string word_or_number(int value, coded_words_t words)
+{
+	const char *const word = word_of(value, words);
+	return word ? word : std::to_string(value);
+}
+
+void put_word(int value, coded_words_t words, sink_t &to)
+{
+	const char *const word = word_of(value, words);
+	put_text(word ? word : "", to);
+}
+
+void put_nothing(const row_t &, sink_t &to)
+{
+	to.absent();
 }

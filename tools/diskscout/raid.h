@@ -2,6 +2,7 @@
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_RAID_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_RAID_H
 
+#include "classic_fields.h"
 #include "kinds.h"
 
 #include <string>
@@ -12,24 +13,41 @@ struct coded_word_t {
 	const char *word;
 };
 
-// The word for a table cell; a value that has none is shown as the number that it is.
-template <std::size_t Size> std::string word_of(int value, const coded_word_t (&words)[Size])
-{
-	for (const coded_word_t &w : words) {
-		if (w.value == value)
-			return w.word;
+// The words of a coded field.
+struct coded_words_t {
+	const coded_word_t *first;
+	std::size_t count;
+
+	template <std::size_t Size>
+	constexpr coded_words_t(const coded_word_t (&words)[Size]) : first(words), count(Size)
+	{
 	}
-	return std::to_string(value);
+};
+
+// Null when the value has none.
+const char *word_of(int value, coded_words_t words);
+
+// The word for a table cell; a value that has none is shown as the number that it is.
+std::string word_or_number(int value, coded_words_t words);
+
+void put_word(int value, coded_words_t words, sink_t &to);
+
+// The word beside the number of a coded field, which is told in any case.
+template <auto Member, const auto &Words> void word_member(const row_t &row, sink_t &to)
+{
+	put_word(value_of<Member>(row), Words, to);
 }
 
-// The word as JSON: null when the value has none; the number stands beside it in any case.
-template <std::size_t Size> ordered_json_t json_word(int value, const coded_word_t (&words)[Size])
+template <auto Member, const auto &Words> std::string word_cell(const row_t &row)
 {
-	for (const coded_word_t &w : words) {
-		if (w.value == value)
-			return w.word;
-	}
-	return nullptr;
+	return word_or_number(value_of<Member>(row), Words);
+}
+
+template <auto Member, const auto &Words>
+constexpr field_t word(const char *key, const char *heading, const char *what)
+{
+	return {key,  heading, shape_t::TEXT, OLD | NEW | MAY_LACK, what, word_member<Member, Words>,
+	        {},   word_cell<Member, Words>};
 }
 
 // Types of containers, which two kinds of records hold.
@@ -47,14 +65,55 @@ enum { NO_ADDRESS = -1 };
 // digits, "0:0a:0". "-" for none.
 std::string address(int position);
 
-// The number and its parts; null for none.
-ordered_json_t json_address(int position);
+// The number and its parts; absent for none.
+void put_address(int position, sink_t &to);
+extern const field_t ADDRESS_FIELDS[4];
+
+
+template <auto Member> void address_member(const row_t &row, sink_t &to)
+{
+	put_address(value_of<Member>(row), to);
+}
+
+template <auto Member> std::string address_cell(const row_t &row)
+{
+	return address(value_of<Member>(row));
+}
+
+template <auto Member> constexpr field_t address_field(const char *key, const char *heading, const char *what)
+{
+	return {key,     heading,        shape_t::OBJECT,     OLD | NEW | MAY_LACK, what, address_member<Member>,
+	        ADDRESS_FIELDS, address_cell<Member>};
+}
 
 // A size or an offset of a signed field. A negative one is an error of the tool's output, and looks like it.
 std::string signed_size(long long bytes);
 
+template <auto Member> std::string signed_size_cell(const row_t &row)
+{
+	return signed_size(value_of<Member>(row));
+}
+
 // What is certain of a size that has only its low 32 bits right: the size without all whole multiples of
 // 4 GiB.
 std::string size_modulo_4_gib(long long bytes);
+
+template <auto Member> void low32_member(const row_t &row, sink_t &to)
+{
+	to.large(static_cast<std::uint32_t>(value_of<Member>(row)));
+}
+
+template <auto Member> std::string modulo_cell(const row_t &row)
+{
+	return size_modulo_4_gib(value_of<Member>(row));
+}
+
+template <auto Member> constexpr field_t low32(const char *key, const char *heading, const char *what)
+{
+	return {key, heading, shape_t::BYTES, NEW, what, low32_member<Member>, {}, modulo_cell<Member>};
+}
+
+// The true value of what the record holds only a part of: no query of the list tells it.
+void put_nothing(const row_t &row, sink_t &to);
 
 #endif

@@ -1,0 +1,28 @@
+// The kinds that were asked for, and what the plug-ins answered.
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_ASKING_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_ASKING_H
+
+#include "messages.h"
+#include "options.h"
+
+#include <vector>
+
+struct section_t {
+	const kind_t *kind;
+	answer_t answer;
+};
+using sections_t = std::vector<section_t>;
+
+bool lacks_controller(const kind_t &kind, enquiry_t &from);
+answer_t ask(const kind_t &kind, enquiry_t &from);
+
+// "the disk query failed; it found nothing before"
+std::string failure_of(const section_t &section);
+
+// Asks for every kind. Messages are put behind those that are there already. Throws usage_error for a device that is
+// named and not there.
+sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages);
+
+bool has_error(const messages_t &messages);
+
+#endif

@@ -1,0 +1,87 @@
+// Which fields of a kind are columns.
+#include "columns.h"
+
+#include "closest_word.h"
+#include "usage_error.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+static bool is_only_old(const field_t &field)
+{
+	return (field.traits & (OLD | NEW)) == OLD;
+}
+
+static std::string in_small_letters(std::string_view word)
+{
+	std::string small(word);
+	for (char &letter : small)
+		letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+	return small;
+}
+
+static std::vector<std::string_view> split(std::string_view list)
+{
+	std::vector<std::string_view> words;
+	for (;;) {
+		const std::size_t length = std::min(list.find(','), list.size());
+		words.push_back(list.substr(0, length));
+		if (length == list.size())
+			return words;
+		list.remove_prefix(length + 1);
+	}
+}
+
+columns_t old_columns_of(const kind_t &kind)
+{
+	columns_t columns;
+	for (const std::string_view key : split(kind.old_columns ? kind.old_columns : kind.columns)) {
+		const field_t *found = nullptr;
+		// Of two fields that have this key, the younger one knows what is absent.
+		for (const field_t &field : kind.fields) {
+			if (field.key == key && (!found || is_only_old(*found)))
+				found = &field;
+		}
+		columns.push_back(found);
+	}
+	return columns;
+}
+
+const field_t &column_of(const kind_t &kind, std::string_view name)
+{
+	const std::string key = in_small_letters(name);
+	std::vector<std::string_view> known;
+	for (const field_t &field : kind.fields) {
+		if (is_only_old(field))
+			continue;
+		if (field.key == key)
+			return field;
+		known.emplace_back(field.key);
+	}
+	const std::string hint = suggestion(key, known);
+	throw usage_error_t(fmt::format("{} have no column \"{}\"{}", kind.word, name,
+	                                hint.empty() ? fmt::format(", known are {}", fmt::join(known, ", "))
+	                                             : hint));
+}
+
+static void add(columns_t &columns, const field_t &column)
+{
+	if (std::find(columns.begin(), columns.end(), &column) != columns.end())
+		throw usage_error_t(fmt::format("column \"{}\" is named twice", column.key));
+	columns.push_back(&column);
+}
+
+columns_t columns_of(const kind_t &kind, const std::string &named)
+{
+	const bool is_more = !named.empty() && named[0] == '+';
+	columns_t columns;
+	if (named.empty() || is_more) {
+		for (const std::string_view key : split(kind.columns))
+			add(columns, column_of(kind, key));
+	}
+	if (named.empty())
+		return columns;
+	for (const std::string_view name : split(std::string_view(named).substr(is_more ? 1 : 0)))
+		add(columns, column_of(kind, name));
+	return columns;
+}

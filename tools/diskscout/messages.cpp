@@ -1,0 +1,57 @@
+// What a run has to say beside its lists.
+#include "messages.h"
+
+struct code_word_t {
+	code_t code;
+	std::string_view word;
+};
+
+static constexpr code_word_t CODES[] = {
+	{code_t::USAGE, "usage"},
+	{code_t::PLUGIN_NOT_LOADED, "plugin_not_loaded"},
+	{code_t::CAPTURED_HOST_NOT_LOADED, "captured_host_not_loaded"},
+	{code_t::FAILED, "failed"},
+	{code_t::QUERY_FAILED, "query_failed"},
+	{code_t::NO_CONTROLLER, "no_controller"},
+	{code_t::LIST_CUT, "list_cut"},
+	{code_t::NO_SYSFS, "no_sysfs"},
+	{code_t::NO_CLASSIC_NAME, "no_classic_name"},
+	{code_t::NO_SCSI_TABLE, "no_scsi_table"},
+	{code_t::NO_IDE_TABLE, "no_ide_table"},
+	{code_t::NO_PERMISSION, "no_permission"},
+	{code_t::NOT_IN_SCSI_TABLE, "not_in_scsi_table"},
+	{code_t::NOT_IN_IDE_TABLE, "not_in_ide_table"},
+	{code_t::NOT_IN_BLOCK_TABLE, "not_in_block_table"},
+	{code_t::NO_MEDIUM, "no_medium"},
+	{code_t::PROTECTIVE_ENTRY, "protective_entry"},
+	{code_t::OUTSIDE_DISK, "outside_disk"},
+	{code_t::CUT_TEXT, "cut_text"},
+	{code_t::HELP, "help"},
+	{code_t::VERSION, "version"},
+};
+
+std::string_view word_of(severity_t severity)
+{
+	static constexpr std::string_view WORDS[] = {"note", "warning", "error"};
+	return WORDS[static_cast<std::size_t>(severity)];
+}
+
+std::string_view word_of(code_t code)
+{
+	for (const code_word_t &row : CODES) {
+		if (row.code == code)
+			return row.word;
+	}
+	return "failed";
+}
+
+const std::vector<std::string_view> &code_words()
+{
+	static const auto WORDS = [] {
+		std::vector<std::string_view> words;
+		for (const code_word_t &row : CODES)
+			words.push_back(row.word);
+		return words;
+	}();
+	return WORDS;
+}
