@@ -25,20 +25,35 @@ std::size_t edit_distance(std::string_view one, std::string_view other)
 	return above.back();
 }
 
+// One letter is near to every word of two. From two letters on one edit is a mistake, from five on two are.
+static std::size_t most_edits(std::string_view mistyped)
+{
+	return std::min<std::size_t>(2, (mistyped.size() + 1) / 3);
+}
+
+static std::string in_small_letters(std::string_view word)
+{
+	std::string small(word);
+	for (char &letter : small)
+		letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+	return small;
+}
+
 std::string suggestion(std::string_view mistyped, const std::vector<std::string_view> &words)
 {
 	// Much longer ones are no words of ours, and comparing takes its time.
 	constexpr std::size_t LONGEST = 64;
 	if (mistyped.size() > LONGEST)
 		return "";
-	const std::string_view *closest = nullptr;
-	std::size_t least = std::min<std::size_t>(2, mistyped.size() / 3 + 1) + 1;
-	for (const std::string_view &word : words) {
-		const std::size_t distance = edit_distance(mistyped, word);
-		if (distance < least) {
-			closest = &word;
-			least = distance;
+	const std::string small = in_small_letters(mistyped);
+	std::string_view closest;
+	std::size_t bound = most_edits(mistyped) + 1;
+	for (const std::string_view word : words) {
+		const std::size_t distance = edit_distance(small, word);
+		if (distance < bound) {
+			closest = word;
+			bound = distance;
 		}
 	}
-	return closest ? fmt::format("; did you mean \"{}\"?", *closest) : "";
+	return closest.empty() ? "" : fmt::format("; did you mean \"{}\"?", closest);
 }

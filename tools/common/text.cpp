@@ -1,71 +1,31 @@
 // Texts and numbers of a record, made fit for a reader.
 #include "text.h"
 
+#include "utf8.h"
+
 #include <algorithm>
 #include <fmt/format.h>
-
-static unsigned char byte_at(std::string_view text, std::size_t at)
-{
-	return static_cast<unsigned char>(text[at]);
-}
-
-static bool is_continuation(unsigned char byte)
-{
-	return (byte & 0xc0) == 0x80;
-}
-
-// Bytes of the UTF-8 character that this byte opens, 0 when it opens none. C0, C1 and F5 upwards open only
-// over-long or impossible ones.
-static std::size_t length_opened_by(unsigned char byte)
-{
-	if (byte < 0x80)
-		return 1;
-	if (byte >= 0xc2 && byte <= 0xdf)
-		return 2;
-	if (byte >= 0xe0 && byte <= 0xef)
-		return 3;
-	if (byte >= 0xf0 && byte <= 0xf4)
-		return 4;
-	return 0;
-}
-
-// Length of the UTF-8 character at the front, 0 when there is none.
-static std::size_t character_length(std::string_view text)
-{
-	const std::size_t length = length_opened_by(byte_at(text, 0));
-	if (length > text.size())
-		return 0;
-	for (std::size_t i = 1; i < length; i++) {
-		if (!is_continuation(byte_at(text, i)))
-			return 0;
-	}
-	return length;
-}
-
-// U+0080 to U+009F are the second set of control characters, which terminals obey as well.
-static bool is_control(std::string_view character)
-{
-	const unsigned char first = byte_at(character, 0);
-	return first < 0x20 || first == 0x7f || (first == 0xc2 && byte_at(character, 1) < 0xa0);
-}
 
 std::string printable(std::string_view text)
 {
 	std::string result;
 	while (!text.empty()) {
-		const std::size_t length = character_length(text);
-		if (length && !is_control(text.substr(0, length)))
-			result += text.substr(0, length);
-		else
+		const utf8_front_t front = utf8_front(text);
+		const std::string_view character = text.substr(0, front.length);
+		if (!front.is_character)
+			result.append(front.length, '?');
+		else if (is_control(character))
 			result += '?';
-		text.remove_prefix(std::max<std::size_t>(length, 1));
+		else
+			result += character;
+		text.remove_prefix(front.length);
 	}
 	return result;
 }
 
 std::size_t width_of(std::string_view printable_text)
 {
-	const auto opens = [](char byte) { return !is_continuation(static_cast<unsigned char>(byte)); };
+	const auto opens = [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; };
 	return static_cast<std::size_t>(std::count_if(printable_text.begin(), printable_text.end(), opens));
 }
 

@@ -1,8 +1,8 @@
 // UTF-8, byte by byte.
 #include "utf8.h"
 
-// First bytes of characters, how many bytes follow them, and the bounds of the second byte, by which over-long forms,
-// surrogates and what is beyond U+10FFFF are told.
+// First bytes of characters, how many bytes follow them, and the bounds of the second byte, by which
+// over-long forms, surrogates and what is beyond U+10FFFF are told.
 struct opening_t {
 	unsigned char first, last;
 	unsigned char following;
@@ -15,22 +15,37 @@ static constexpr opening_t OPENINGS[] = {
 	{0xf0, 0xf0, 3, 0x90, 0xbf}, {0xf1, 0xf3, 3, 0x80, 0xbf}, {0xf4, 0xf4, 3, 0x80, 0x8f},
 };
 
+static unsigned char byte_at(std::string_view text, std::size_t at)
+{
+	return static_cast<unsigned char>(text[at]);
+}
+
 static bool is_between(unsigned char byte, unsigned char least, unsigned char most)
 {
 	return byte >= least && byte <= most;
 }
 
+static bool follows(const opening_t &o, std::size_t at, unsigned char byte)
+{
+	return at == 1 ? is_between(byte, o.least, o.most) : is_between(byte, 0x80, 0xbf);
+}
+
 utf8_front_t utf8_front(std::string_view text)
 {
-	const auto byte_at = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
 	for (const opening_t &o : OPENINGS) {
-		if (!is_between(byte_at(0), o.first, o.last))
+		if (!is_between(byte_at(text, 0), o.first, o.last))
 			continue;
 		std::size_t length = 1;
 		while (length <= o.following && length < text.size() &&
-		       is_between(byte_at(length), length == 1 ? o.least : 0x80, length == 1 ? o.most : 0xbf))
+		       follows(o, length, byte_at(text, length)))
 			length++;
 		return {length, length > o.following};
 	}
 	return {1, false};
+}
+
+bool is_control(std::string_view character)
+{
+	const unsigned char first = byte_at(character, 0);
+	return first < 0x20 || first == 0x7f || (first == 0xc2 && byte_at(character, 1) < 0xa0);
 }

@@ -7,11 +7,14 @@
 
 // What stands at the front of a text.
 struct utf8_front_t {
-	std::size_t length;  // bytes of the character, or of the longest beginning of one; at least 1
-	bool is_character;   // it is whole
+	std::size_t length; // bytes of the character, or of the longest beginning of one; at least 1
+	bool is_character;  // it is whole
 };
 
 // The text is not empty. Over-long forms, surrogates and what is beyond U+10FFFF are no characters.
 utf8_front_t utf8_front(std::string_view text);
+
+// Of a whole character: U+0000 to U+001F, and U+007F to U+009F, which terminals obey as well.
+bool is_control(std::string_view character);
 
 #endif
