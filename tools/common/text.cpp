@@ -29,6 +29,40 @@ std::size_t width_of(std::string_view printable_text)
 	return static_cast<std::size_t>(std::count_if(printable_text.begin(), printable_text.end(), opens));
 }
 
+static bool is_digit(char byte)
+{
+	return byte >= '0' && byte <= '9';
+}
+
+// The number at the front, which may have any length, without zeros before it.
+static std::string_view take_number(std::string_view &text)
+{
+	text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+	const auto end = std::find_if_not(text.begin(), text.end(), is_digit);
+	const std::string_view number = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+	text.remove_prefix(number.size());
+	return number;
+}
+
+bool is_before_by_value(std::string_view one, std::string_view other)
+{
+	while (!one.empty() && !other.empty()) {
+		if (is_digit(one.front()) && is_digit(other.front())) {
+			const std::string_view a = take_number(one);
+			const std::string_view b = take_number(other);
+			if (a.size() != b.size() || a != b)
+				return a.size() != b.size() ? a.size() < b.size() : a < b;
+			continue;
+		}
+		if (one.front() != other.front())
+			return static_cast<unsigned char>(one.front()) <
+			       static_cast<unsigned char>(other.front());
+		one.remove_prefix(1);
+		other.remove_prefix(1);
+	}
+	return one.empty() && !other.empty();
+}
+
 std::string human_size(std::uint64_t bytes)
 {
 	static const char *const UNITS[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};

@@ -20,6 +20,10 @@ std::string printable(std::string_view text);
 // Columns that a printable text takes: one a character; only a locale would know the wide ones.
 std::size_t width_of(std::string_view printable_text);
 
+// Whether a text stands before another: by their bytes, but numbers in them by their value, sda2 before
+// sda10. Texts that differ only in zeros before a number are equal.
+bool is_before_by_value(std::string_view one, std::string_view other);
+
 // Bytes for people: "256.0 MiB". Below 1024 the plain number, "1023 B". From there on the largest binary unit
 // that the number reaches, with one decimal, rounded half up. What rounds to 1024.0 of a unit is 1.0 of the
 // next: one byte less than a MiB is "1.0 MiB". The largest unit is EiB.

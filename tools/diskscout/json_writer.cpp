@@ -3,12 +3,18 @@
 
 #include "utf8.h"
 
+#include <algorithm>
+#include <array>
 #include <fmt/format.h>
 
-void json_writer_t::new_line()
+// A document is hundreds of thousands of short pieces: what goes together is appended together.
+void json_writer_t::new_line(bool is_behind_another)
 {
-	into_ += '\n';
-	into_.append(2 * depth_, ' ');
+	static constexpr std::string_view PIECE = ",\n                ";
+	const std::size_t blanks = 2 * depth_;
+	const std::size_t at_once = std::min(blanks, PIECE.size() - 2);
+	into_ += PIECE.substr(is_behind_another ? 0 : 1, at_once + (is_behind_another ? 2 : 1));
+	into_.append(blanks - at_once, ' ');
 }
 
 void json_writer_t::begin_value()
@@ -19,10 +25,8 @@ void json_writer_t::begin_value()
 	}
 	if (depth_ == 0)
 		return;
-	if (!is_first_)
-		into_ += ',';
+	new_line(!is_first_);
 	is_first_ = false;
-	new_line();
 }
 
 void json_writer_t::value(std::string_view text)
@@ -43,7 +47,7 @@ void json_writer_t::close(char bracket)
 {
 	depth_--;
 	if (!is_first_)
-		new_line();
+		new_line(false);
 	into_ += bracket;
 	is_first_ = false;
 }
@@ -84,10 +88,22 @@ void json_writer_t::key(std::string_view name)
 	is_keyed_ = true;
 }
 
-static bool stands_for_itself(char byte)
+// A byte that needs no second look: neither escaped nor part of a longer character.
+static constexpr std::array<bool, 256> plain_bytes()
 {
-	const auto value = static_cast<unsigned char>(byte);
-	return value >= 0x20 && value < 0x80 && byte != '"' && byte != '\\';
+	std::array<bool, 256> is_plain = {};
+	for (std::size_t byte = 0x20; byte < 0x80; byte++)
+		is_plain[byte] = byte != '"' && byte != '\\';
+	return is_plain;
+}
+
+static std::size_t plain_length(std::string_view text)
+{
+	static constexpr std::array<bool, 256> IS_PLAIN = plain_bytes();
+	std::size_t length = 0;
+	while (length < text.size() && IS_PLAIN[static_cast<unsigned char>(text[length])])
+		length++;
+	return length;
 }
 
 static std::string escaped(char byte)
@@ -105,9 +121,7 @@ void json_writer_t::quote(std::string_view text)
 	static constexpr std::string_view REPLACEMENT = "\xef\xbf\xbd";
 	into_ += '"';
 	while (!text.empty()) {
-		std::size_t plain = 0;
-		while (plain < text.size() && stands_for_itself(text[plain]))
-			plain++;
+		const std::size_t plain = plain_length(text);
 		into_ += text.substr(0, plain);
 		text.remove_prefix(plain);
 		if (text.empty())

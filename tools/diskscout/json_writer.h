@@ -6,8 +6,8 @@
 
 #include <string>
 
-// No tree of it is held: with thousands of devices making one takes longer than asking for them. A text may be any
-// bytes; what is no UTF-8 becomes U+FFFD, for a replaced character is better than no document.
+// No tree of it is held: with thousands of devices making one takes longer than asking for them. A text may
+// be any bytes; what is no UTF-8 becomes U+FFFD, for a replaced character is better than no document.
 class json_writer_t : public sink_t
 {
 public:
@@ -29,13 +29,13 @@ private:
 	void begin_value();
 	void open(char bracket);
 	void close(char bracket);
-	void new_line();
+	void new_line(bool is_behind_another);
 	void quote(std::string_view text);
 
 	std::string &into_;
 	std::size_t depth_ = 0;
-	bool is_first_ = true;    // nothing stands in this list or object yet
-	bool is_keyed_ = false;   // the key of the next value stands there already
+	bool is_first_ = true;  // nothing stands in this list or object yet
+	bool is_keyed_ = false; // the key of the next value stands there already
 };
 
 #endif

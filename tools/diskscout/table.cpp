@@ -7,45 +7,105 @@
 
 static const std::size_t GAP = 2;
 
-static std::vector<std::size_t> widths_of(const cells_t &headings, const std::vector<cells_t> &rows)
+using cells_t = std::vector<std::string>;
+
+static std::string without_blanks_behind(const std::string &text)
 {
-	std::vector<std::size_t> widths;
-	for (std::size_t column = 0; column < headings.size(); column++) {
-		std::size_t width = width_of(headings[column]);
-		for (const cells_t &row : rows)
-			width = std::max(width, width_of(row[column]));
-		widths.push_back(width);
+	return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+static std::size_t height_of(const table_row_t &row)
+{
+	std::size_t height = 1;
+	for (const lines_t &cell : row.cells)
+		height = std::max(height, cell.size());
+	return height;
+}
+
+// One line of a row; cells that have no more are blank there.
+static cells_t line_of(const table_row_t &row, std::size_t line)
+{
+	cells_t cells;
+	for (const lines_t &cell : row.cells)
+		cells.push_back(line < cell.size() ? cell[line] : "");
+	const std::string &front = line == 0 ? row.before : row.beside;
+	cells[0] = cells[0].empty() ? without_blanks_behind(front) : front + cells[0];
+	return cells;
+}
+
+static std::vector<cells_t> lines_of(const table_t &table)
+{
+	std::vector<cells_t> lines;
+	if (table.has_headings) {
+		cells_t &headings = lines.emplace_back();
+		for (const column_t &column : table.columns)
+			headings.push_back(column.heading);
+	}
+	for (const table_row_t &row : table.rows) {
+		for (std::size_t line = 0; line < height_of(row); line++)
+			lines.push_back(line_of(row, line));
+	}
+	return lines;
+}
+
+static std::vector<std::size_t> widths_of(const std::vector<column_t> &columns,
+                                          const std::vector<cells_t> &lines)
+{
+	std::vector<std::size_t> widths(columns.size());
+	for (const cells_t &line : lines) {
+		for (std::size_t column = 0; column < columns.size(); column++)
+			widths[column] = std::max(widths[column], width_of(line[column]));
 	}
 	return widths;
 }
 
-static std::string format_line(const cells_t &row, const std::vector<align_t> &alignment,
+static std::string format_line(const cells_t &line, const std::vector<column_t> &columns,
                                const std::vector<std::size_t> &widths)
 {
-	std::string line;
+	std::string text;
 	// Blanks are put down only when text follows them.
 	std::size_t owed = 0;
-	for (std::size_t column = 0; column < row.size(); column++) {
-		const std::size_t padding = widths[column] - width_of(row[column]);
-		if (alignment[column] == align_t::RIGHT)
+	for (std::size_t column = 0; column < line.size(); column++) {
+		const std::size_t padding = widths[column] - width_of(line[column]);
+		if (columns[column].align == align_t::RIGHT)
 			owed += padding;
-		if (!row[column].empty()) {
-			line.append(owed, ' ') += row[column];
+		if (!line[column].empty()) {
+			text.append(owed, ' ') += line[column];
 			owed = 0;
 		}
-		if (alignment[column] == align_t::LEFT)
+		if (columns[column].align == align_t::LEFT)
 			owed += padding;
 		owed += GAP;
 	}
-	return line + "\n";
+	return text;
 }
 
-std::string format_table(const cells_t &headings, const std::vector<align_t> &alignment,
-                         const std::vector<cells_t> &rows)
+static std::string format_blocks(const table_t &table)
 {
-	const std::vector<std::size_t> widths = widths_of(headings, rows);
-	std::string table = format_line(headings, alignment, widths);
-	for (const cells_t &row : rows)
-		table += format_line(row, alignment, widths);
-	return table;
+	std::string text;
+	for (const table_row_t &row : table.rows) {
+		text += text.empty() ? "" : "\n";
+		for (std::size_t column = 0; column < table.columns.size(); column++) {
+			for (const std::string &line : row.cells[column]) {
+				if (!line.empty())
+					text += table.columns[column].heading + ": " + line + "\n";
+			}
+		}
+	}
+	return text;
+}
+
+std::string format_table(const table_t &table, std::optional<std::size_t> most_columns)
+{
+	const std::vector<cells_t> lines = lines_of(table);
+	const std::vector<std::size_t> widths = widths_of(table.columns, lines);
+	std::size_t widest = 0;
+	std::string text;
+	for (const cells_t &cells : lines) {
+		const std::string line = format_line(cells, table.columns, widths);
+		widest = std::max(widest, width_of(line));
+		text += line + "\n";
+	}
+	const bool is_too_wide = most_columns && widest > *most_columns;
+	return is_too_wide && table.has_headings && !table.rows.empty() ? format_blocks(table) : text;
 }

@@ -23,11 +23,14 @@ struct tree_row_t {
 	std::size_t node;
 	std::string before; // drawn before its name
 	std::string beside; // before further lines of the same row
-	bool is_repeated;   // what is below it stands where it was met first
+	bool is_repeated;   // it stands above already, with all that is below it
 };
 
-// Every node that a root leads to, each with all below it where it is met first, so that the tree has no more rows than
-// there are nodes and branches. What no root leads to, for it is part of a ring, is a root, too. Depth is drawn up to 32.
-std::vector<tree_row_t> tree_rows(const std::vector<std::size_t> &roots, const branches_t &below, const tree_style_t &style);
+// The roots with all that they lead to. A node is drawn whole where it is met first and is a row without
+// anything below it from then on, so that there are no more rows than roots, nodes and branches together.
+// What no root leads to is part of a ring or below one: the first of those is a root, too, until none is
+// left. Lines are drawn down to 32 levels; what is deeper stands below each other.
+std::vector<tree_row_t> tree_rows(const std::vector<std::size_t> &roots, const branches_t &below,
+                                  const tree_style_t &style);
 
 #endif
