@@ -2,6 +2,7 @@
 #include "asking.h"
 
 #include "diagnosis.h"
+#include "partition_query.h"
 #include "reasons.h"
 #include "selection.h"
 
@@ -73,6 +74,11 @@ static void keep(const names_t &names, section_t &section)
 	rows.erase(std::remove_if(rows.begin(), rows.end(), is_of_others), rows.end());
 }
 
+static bool has_devices(const kinds_t &kinds)
+{
+	return std::find(kinds.begin(), kinds.end(), &DEVICES_KIND) != kinds.end();
+}
+
 sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 {
 	sections_t sections;
@@ -86,7 +92,7 @@ sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 	}
 	add_failures(sections, from, opts, messages);
 	if (!opts.classic) {
-		for (message_t &reason : reasons(from, opts.kinds))
+		for (message_t &reason : reasons(from, opts.kinds, !opts.is_alone && has_devices(opts.kinds)))
 			messages.push_back(std::move(reason));
 	}
 	return sections;

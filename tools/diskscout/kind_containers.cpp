@@ -102,7 +102,7 @@ static void put_members(const row_t &row, sink_t &to)
 
 static std::string stripe_cell(const row_t &row)
 {
-	const int size = record_of<container_t>(row).nStripeSize;
+	const long long size = record_of<container_t>(row).nStripeSize;
 	return size == 0 ? "-" : signed_size(size);
 }
 

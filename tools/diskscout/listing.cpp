@@ -12,6 +12,7 @@
 #include "terminal.h"
 #include "text.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <unistd.h>
 

@@ -61,9 +61,10 @@ static int run(int argc, char **argv)
 	if (opts.asks_classic())
 		opts.plugin = plugin_file(opts.plugin);
 	if (opts.asks_block())
-		opts.block_plugin = block_plugin_file(opts.block_plugin);
+		opts.block_plugin = plugin_file(opts.block_plugin, "diskscout-block.so");
 	if (!opts.sysroot.empty())
-		restart_on_captured_host(opts.sysroot, replayed_command_line(opts, argv[0]));
+		restart_on_captured_host(opts.sysroot, replayed_command_line(opts, argv[0]),
+		                         opts.is_old() ? host_fault_t::TOLD_BY_LIBRARY : host_fault_t::THROWN);
 	if (opts.replayed)
 		expect_captured_host();
 	return show(opts);
