@@ -3,6 +3,7 @@
 #include "replay/device.h"
 #include "replay/faults.h"
 #include "replay/real.h"
+#include "replay/replay.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -155,6 +156,13 @@ REPLAY_CALL int uname(struct utsname *to) __THROW
 			snprintf(fields[i], sizeof to->release, "%s", host->uname[i]);
 	}
 	return 0;
+}
+
+extern "C" const char *replay_uname_told(const char *field)
+{
+	const host_table_t *host = shown_host();
+	const unsigned i = uname_field(field);
+	return host && i < UNAME_FIELDS ? host->uname[i] : nullptr;
 }
 
 // The C library asks the kernel for it inside itself.

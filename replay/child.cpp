@@ -31,11 +31,11 @@ static bool names(const char *variable, const char *name)
 	return strncmp(variable, name, length) == 0 && variable[length] == '=';
 }
 
-// A child counts no calls, so REPLAY_FAIL goes as well. What else was preloaded goes too: a sanitizer's
-// run-time does not belong in a plain shell.
+// A child counts no calls and asks for no fault, so REPLAY_FAIL and REPLAY_FAULT go as well. What
+// else was preloaded goes too: a sanitizer's run-time does not belong in a plain shell.
 static bool is_replaced(const char *variable, bool shows)
 {
-	static const char *const OURS[] = {"REPLAY_SYSROOT", "REPLAY_LOG", "REPLAY_FAIL"};
+	static const char *const OURS[] = {"REPLAY_SYSROOT", "REPLAY_LOG", "REPLAY_FAIL", "REPLAY_FAULT"};
 	for (const char *name : OURS) {
 		if (names(variable, name))
 			return true;

@@ -5,6 +5,7 @@
 // Numbers and words are checked to the last character, and nothing may be said twice.
 #include "replay/directives.h"
 
+#include "replay/complaint.h"
 #include "replay/paths.h"
 #include "replay/real.h"
 #include "replay/words.h"
@@ -19,9 +20,9 @@ namespace replay
 bool fault_at(const reading_t &in, int line, const char *what)
 {
 	if (line > 0)
-		dprintf(STDERR_FILENO, "%s:%d: %s\n", in.file, line, what);
+		complain("%s:%d: %s\n", in.file, line, what);
 	else
-		dprintf(STDERR_FILENO, "%s: %s\n", in.file, what);
+		complain("%s: %s\n", in.file, what);
 	return false;
 }
 

@@ -105,21 +105,28 @@ bool read_mount(reading_t &in, char *cursor)
 	return true;
 }
 
-bool read_uname(reading_t &in, char *cursor)
+unsigned uname_field(const char *name)
 {
 	static const char *const FIELDS[UNAME_FIELDS] = {"sysname", "nodename", "release", "version",
 	                                                 "machine"};
+	unsigned i = 0;
+
+	while (i < UNAME_FIELDS && strcmp(FIELDS[i], name) != 0)
+		++i;
+	return i;
+}
+
+bool read_uname(reading_t &in, char *cursor)
+{
 	constexpr size_t TEXT_MAX = 64;
 	const char *field = next_word(&cursor);
 	char *text = next_word(&cursor);
-	unsigned i = 0;
 
 	if (!leave_device(in))
 		return false;
 	if (!field || !text || next_word(&cursor) != nullptr)
 		return fault(in, "uname takes a field and its text");
-	while (i < UNAME_FIELDS && strcmp(FIELDS[i], field) != 0)
-		++i;
+	const unsigned i = uname_field(field);
 	if (i == UNAME_FIELDS)
 		return fault(in, "uname has sysname, nodename, release, version and machine");
 	if (in.table->uname[i])

@@ -3,8 +3,8 @@
 // have changed is logged, and any one of its outside calls can be made to fail.
 //
 // A test links the objects and switches hosts with these functions; a program that gets the library through
-// LD_PRELOAD is steered by REPLAY_SYSROOT, REPLAY_LOG and REPLAY_FAIL, and finds the same functions with
-// dlsym. The whole of it is told in docs/replay.md.
+// LD_PRELOAD is steered by REPLAY_SYSROOT, REPLAY_LOG, REPLAY_FAIL and REPLAY_FAULT, and finds the same
+// functions with dlsym. The whole of it is told in docs/replay.md.
 #ifndef DISKSCOUT_REPLAY_REPLAY_H
 #define DISKSCOUT_REPLAY_REPLAY_H
 
@@ -41,6 +41,16 @@ REPLAY_API long replay_device_opens(void);
 // Sets the counts back to 0 and makes the `nth` counted call from here fail, with `from_there_on` every later
 // one as well. `nth` 0 ends that and leaves the counts alone, so that they can be read afterwards.
 REPLAY_API void replay_fail_call(long nth, int from_there_on);
+
+// What the host shown tells of a field of uname: "sysname", "nodename", "release", "version" or "machine".
+// Null: it does not tell, and uname() answers the running kernel's; or no host is shown. Valid until another
+// host is.
+REPLAY_API const char *replay_uname_told(const char *field);
+
+// What was wrong with the preload's environment or with its host, as one line without its end, when the
+// program was started with REPLAY_FAULT=keep; null: nothing. Then no host may be shown, so who starts
+// programs with REPLAY_FAULT sees to it that they ask.
+REPLAY_API const char *replay_fault(void);
 
 #ifdef __cplusplus
 }

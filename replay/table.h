@@ -91,6 +91,9 @@ struct mount_t {
 // The fields of uname, in its own order.
 constexpr unsigned UNAME_FIELDS = 5;
 
+// The field's place by its name; UNAME_FIELDS when there is none of this name.
+unsigned uname_field(const char *name);
+
 // A path that the host stands in for: a file, or a folder with all below it. What is not captured there does
 // not exist.
 struct cover_t {
