@@ -12,7 +12,7 @@ static fs::path program_directory()
 	std::error_code error;
 	const fs::path program = fs::read_symlink("/proc/self/exe", error);
 	if (error)
-		throw usage_error_t(fmt::format("/proc/self/exe cannot be read: {}", error.message()));
+		throw plugin_error_t(fmt::format("/proc/self/exe cannot be read: {}", error.message()));
 	return program.parent_path();
 }
 
@@ -25,7 +25,7 @@ fs::path find_companion(std::string_view file_name)
 		return beside;
 	if (fs::exists(installed, error))
 		return installed;
-	throw usage_error_t(
+	throw plugin_error_t(
 		fmt::format("{} is neither {} nor {}", file_name, beside.string(), installed.string()));
 }
 

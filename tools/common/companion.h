@@ -6,10 +6,10 @@
 #include <string_view>
 
 // Where the library of this file name lies: beside the program, as in a build directory, or else in
-// ../lib/diskscout/ from there, as installed. Throws usage_error when it is in neither place.
+// ../lib/diskscout/ from there, as installed. Throws plugin_error when it is in neither place.
 std::filesystem::path find_companion(std::string_view file_name);
 
-// The same file, independent of the working directory.
+// The same file, independent of the working directory. Throws usage_error when that is gone.
 std::filesystem::path absolute_path(const std::filesystem::path &path);
 
 #endif

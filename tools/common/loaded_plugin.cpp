@@ -11,7 +11,9 @@
 
 std::filesystem::path plugin_file(const std::string &named)
 {
-	return named.empty() ? find_companion("diskscout.so") : absolute_path(named);
+	if (named.empty())
+		return find_companion("diskscout.so");
+	return refused_as<plugin_error_t>([&] { return absolute_path(named); });
 }
 
 void loaded_plugin_t::unloader_t::operator()(void *handle) const
@@ -24,14 +26,14 @@ loaded_plugin_t::loaded_plugin_t(const std::filesystem::path &file)
     : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
 {
 	if (!handle_)
-		throw usage_error_t(fmt::format("the plug-in cannot be loaded: {}", dlerror()));
+		throw plugin_error_t(fmt::format("the plug-in cannot be loaded: {}", dlerror()));
 }
 
 void *loaded_plugin_t::address_of(const char *name) const
 {
 	void *const address = dlsym(handle_.get(), name);
 	if (!address)
-		throw usage_error_t(fmt::format("the plug-in cannot be used: {}", dlerror()));
+		throw plugin_error_t(fmt::format("the plug-in cannot be used: {}", dlerror()));
 	return address;
 }
 

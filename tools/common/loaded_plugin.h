@@ -7,21 +7,22 @@
 #include <string>
 
 // The file that --plugin names; without a name, which is empty then, the one that comes with the program. The
-// path is a full one. Throws usage_error when none comes with it.
+// path is a full one. Throws plugin_error when none comes with it.
 std::filesystem::path plugin_file(const std::string &named);
 
 class loaded_plugin_t
 {
 public:
-	// Throws usage_error when the file is no library that can be loaded.
+	// Throws plugin_error when the file is no library that can be loaded.
 	explicit loaded_plugin_t(const std::filesystem::path &file);
 
 	// The controller tool's configuration file, which the plug-in reads at its first hardware query.
-	// Empty when the plug-in does not tell; throws usage_error when it cannot be made to read this one.
+	// Empty when the plug-in does not tell. Throws plugin_error when it cannot be made to read another
+	// one, and usage_error when this one's path is too long for it.
 	std::string configuration() const;
 	void set_configuration(const std::string &file) const;
 
-	// What the plug-in exports by this name, of the type it is declared with. Throws usage_error when
+	// What the plug-in exports by this name, of the type it is declared with. Throws plugin_error when
 	// there is no such thing.
 	template <typename Symbol> Symbol *symbol(const char *name) const
 	{

@@ -39,7 +39,7 @@ static std::string loadable_name(const fs::path &library)
 		return library.string();
 	const int opened = open(library.c_str(), O_RDONLY | O_CLOEXEC);
 	if (opened < 0)
-		throw usage_error_t(
+		throw captured_host_error_t(
 			fmt::format("{} cannot be opened: {}", library.string(), strerror(errno)));
 	int held = fcntl(opened, F_DUPFD, LEAST);
 	if (held < 0)
@@ -60,15 +60,33 @@ static void preload(const fs::path &library)
 #endif
 }
 
-void restart_on_captured_host(const std::string &directory, std::vector<std::string> arguments)
+/*
+ * With this the library keeps a fault of the host for expect_captured_host(). Without, it tells it and ends
+ * the program: one that does not ask would go on and show the running host.
+ */
+static const char FAULT_VARIABLE[] = "REPLAY_FAULT";
+
+static void announce(host_fault_t fault)
 {
-	const fs::path host = absolute_path(directory);
+	if (fault == host_fault_t::THROWN)
+		set_variable(FAULT_VARIABLE, "keep");
+	else
+		unsetenv(FAULT_VARIABLE);
+}
+
+void restart_on_captured_host(const std::string &directory, std::vector<std::string> arguments,
+                              host_fault_t fault)
+{
+	const auto as_host_error = [](auto work) { return refused_as<captured_host_error_t>(work); };
+	const fs::path host = as_host_error([&] { return absolute_path(directory); });
 	std::error_code error;
 	if (!fs::is_regular_file(host / "host.txt", error))
-		throw usage_error_t(fmt::format("{} is no captured host: it has no host.txt", directory));
-	preload(find_companion("diskscout-replay.so"));
+		throw captured_host_error_t(
+			fmt::format("{} is no captured host: it has no host.txt", directory));
+	preload(as_host_error([] { return find_companion("diskscout-replay.so"); }));
 	// The caller's environment may name another host; this one was asked for.
 	set_variable("REPLAY_SYSROOT", host.string());
+	announce(fault);
 
 	std::vector<char *> argv;
 	argv.reserve(arguments.size() + 1);
@@ -76,12 +94,18 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 		argv.push_back(argument.data());
 	argv.push_back(nullptr);
 	execv("/proc/self/exe", argv.data());
-	throw usage_error_t(fmt::format("the program cannot be started anew: {}", strerror(errno)));
+	throw captured_host_error_t(fmt::format("the program cannot be started anew: {}", strerror(errno)));
 }
 
 void expect_captured_host()
 {
+	using fault_t = const char *();
 	if (!dlsym(RTLD_DEFAULT, "replay_use"))
-		throw usage_error_t(
+		throw captured_host_error_t(
 			"the replay library was not loaded, so the captured host cannot be shown");
+	// Whom we start does not ask.
+	unsetenv(FAULT_VARIABLE);
+	const auto fault = reinterpret_cast<fault_t *>(dlsym(RTLD_DEFAULT, "replay_fault"));
+	if (fault && fault())
+		throw captured_host_error_t(fault());
 }
