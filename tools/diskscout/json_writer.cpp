@@ -83,8 +83,9 @@ void json_writer_t::text(std::string_view text)
 void json_writer_t::key(std::string_view name)
 {
 	begin_value();
-	quote(name);
-	into_ += ": ";
+	into_ += '"';
+	into_ += name;
+	into_ += "\": ";
 	is_keyed_ = true;
 }
 
@@ -97,13 +98,15 @@ static constexpr std::array<bool, 256> plain_bytes()
 	return is_plain;
 }
 
-static std::size_t plain_length(std::string_view text)
+static constexpr std::array<bool, 256> IS_PLAIN = plain_bytes();
+
+// Whether all of the text is plain. Looking at each byte costs less than asking after each whether to go on.
+static bool is_plain(std::string_view text)
 {
-	static constexpr std::array<bool, 256> IS_PLAIN = plain_bytes();
-	std::size_t length = 0;
-	while (length < text.size() && IS_PLAIN[static_cast<unsigned char>(text[length])])
-		length++;
-	return length;
+	bool is_all = true;
+	for (const char byte : text)
+		is_all &= IS_PLAIN[static_cast<unsigned char>(byte)];
+	return is_all;
 }
 
 static std::string escaped(char byte)
@@ -116,24 +119,29 @@ static std::string escaped(char byte)
 	return fmt::format("\\u{:04x}", static_cast<unsigned char>(byte));
 }
 
-void json_writer_t::quote(std::string_view text)
+static std::string with_escapes(std::string_view text)
 {
 	static constexpr std::string_view REPLACEMENT = "\xef\xbf\xbd";
-	into_ += '"';
+	std::string result;
 	while (!text.empty()) {
-		const std::size_t plain = plain_length(text);
-		into_ += text.substr(0, plain);
-		text.remove_prefix(plain);
-		if (text.empty())
-			break;
 		const utf8_front_t front = utf8_front(text);
 		if (!front.is_character)
-			into_ += REPLACEMENT;
-		else if (front.length == 1)
-			into_ += escaped(text[0]);
+			result += REPLACEMENT;
+		else if (front.length > 1 || is_plain(text.substr(0, 1)))
+			result += text.substr(0, front.length);
 		else
-			into_ += text.substr(0, front.length);
+			result += escaped(text[0]);
 		text.remove_prefix(front.length);
 	}
+	return result;
+}
+
+void json_writer_t::quote(std::string_view text)
+{
+	into_ += '"';
+	if (is_plain(text))
+		into_ += text;
+	else
+		into_ += with_escapes(text);
 	into_ += '"';
 }

@@ -6,8 +6,10 @@
 
 #include <string>
 
-// No tree of it is held: with thousands of devices making one takes longer than asking for them. A text may
-// be any bytes; what is no UTF-8 becomes U+FFFD, for a replaced character is better than no document.
+// No tree of it is held: with thousands of devices making one takes longer than asking for them, and so does
+// a string that grows: who expects much reserves it. A text may be any bytes; what is no UTF-8 becomes
+// U+FFFD, one for each longest beginning of a character, for a replaced character is better than no document.
+// Keys are plain words and stand as they are.
 class json_writer_t : public sink_t
 {
 public:
