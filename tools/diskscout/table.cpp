@@ -33,29 +33,29 @@ static cells_t line_of(const table_row_t &row, std::size_t line)
 	return cells;
 }
 
-static std::vector<cells_t> lines_of(const table_t &table)
+// The lines are made anew for each use: to hold them all would double a table of many rows.
+template <typename Visitor> static void for_each_line(const table_t &table, const Visitor &visit)
 {
-	std::vector<cells_t> lines;
 	if (table.has_headings) {
-		cells_t &headings = lines.emplace_back();
+		cells_t headings;
 		for (const column_t &column : table.columns)
 			headings.push_back(column.heading);
+		visit(headings);
 	}
 	for (const table_row_t &row : table.rows) {
-		for (std::size_t line = 0; line < height_of(row); line++)
-			lines.push_back(line_of(row, line));
+		const std::size_t height = height_of(row);
+		for (std::size_t line = 0; line < height; line++)
+			visit(line_of(row, line));
 	}
-	return lines;
 }
 
-static std::vector<std::size_t> widths_of(const std::vector<column_t> &columns,
-                                          const std::vector<cells_t> &lines)
+static std::vector<std::size_t> widths_of(const table_t &table)
 {
-	std::vector<std::size_t> widths(columns.size());
-	for (const cells_t &line : lines) {
-		for (std::size_t column = 0; column < columns.size(); column++)
+	std::vector<std::size_t> widths(table.columns.size());
+	for_each_line(table, [&](const cells_t &line) {
+		for (std::size_t column = 0; column < line.size(); column++)
 			widths[column] = std::max(widths[column], width_of(line[column]));
-	}
+	});
 	return widths;
 }
 
@@ -97,15 +97,14 @@ static std::string format_blocks(const table_t &table)
 
 std::string format_table(const table_t &table, std::optional<std::size_t> most_columns)
 {
-	const std::vector<cells_t> lines = lines_of(table);
-	const std::vector<std::size_t> widths = widths_of(table.columns, lines);
+	const std::vector<std::size_t> widths = widths_of(table);
 	std::size_t widest = 0;
 	std::string text;
-	for (const cells_t &cells : lines) {
+	for_each_line(table, [&](const cells_t &cells) {
 		const std::string line = format_line(cells, table.columns, widths);
 		widest = std::max(widest, width_of(line));
 		text += line + "\n";
-	}
+	});
 	const bool is_too_wide = most_columns && widest > *most_columns;
 	return is_too_wide && table.has_headings && !table.rows.empty() ? format_blocks(table) : text;
 }
