@@ -1,0 +1,30 @@
+// A device node, opened as the classic code opens it.
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_NODE_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_NODE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+class node_t
+{
+public:
+	explicit node_t(const std::string &path);
+	~node_t();
+	node_t(const node_t &) = delete;
+	node_t &operator=(const node_t &) = delete;
+
+	int error() const { return error_; } // errno of the open, or 0
+
+	// These set errno when they answer nothing; it is 0 where a device ends before the sector's end.
+	std::optional<std::uint32_t> scsi_address() const; // as in the kernel's table, packed
+	std::optional<std::uint64_t> sectors() const;      // of 512 bytes
+	bool read_sector(std::uint64_t sector, unsigned char (&into)[512]) const;
+
+private:
+	int fd_;
+	int error_;
+};
+
+#endif
