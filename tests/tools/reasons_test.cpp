@@ -600,7 +600,7 @@ TEST_F(Reasons, TheSeventeenthDiskMakesTheQueryFail)
 	EXPECT_EQ(failure(), "at /dev/sdq: the list of disks ends at 16");
 	scsi(2);
 	facts_.disks.pop_back();
-	EXPECT_EQ(failure(), "and no cause was found");
+	EXPECT_EQ(failure(), "no cause was found");
 }
 
 TEST_F(Reasons, AMissingMountTableMakesTheQueryFail)
@@ -631,7 +631,7 @@ TEST_F(Reasons, ASizeOrASectorThatCannotBeReadMakesTheQueryFail)
 	table_ = "device /dev/hda\n\tBLKGETSIZE 2048\n\tends 100\n\ttable 0\n\t\tentry 00 05 100 5\n";
 	EXPECT_EQ(failure(), "at sector 100 of /dev/hda: it cannot be read");
 	table_ = "device /dev/hda\n\tBLKGETSIZE 2048\n\ttable 0\n\t\tentry 00 05 9000 5\n";
-	EXPECT_EQ(failure(), "and no cause was found");
+	EXPECT_EQ(failure(), "no cause was found");
 }
 
 // ---- a disk's tables ----

@@ -133,7 +133,7 @@ std::string partition_failure(const facts_t &facts, const kernel_tables_t &table
 	std::string failure = mount_table_failure();
 	for (std::size_t i = first_without_rows(facts); failure.empty() && i < facts.disks.size(); i++)
 		failure = read_partition_tables(facts.disks[i].node).failure;
-	return failure.empty() ? "and no cause was found" : "at " + failure;
+	return failure.empty() ? "no cause was found" : "at " + failure;
 }
 
 std::string partition_failure(enquiry_t &from)
