@@ -1,9 +1,9 @@
 """The tool's whole answer about each captured host.
 
 A directory beside this file that holds a host.txt is a host.  Its expected.json
-is what "diskscout list --json" says of it, expected.exit the exit status (0
-without that file), expected.stderr the text on standard error of a run that
-succeeds (nothing without that file).  A run that fails has to say why.
+is what "diskscout list --classic --format 1 --json" says of it, expected.exit
+the exit status (0 without that file), expected.stderr the text on standard
+error of a run that succeeds (nothing without that file).  A run that fails has to say why.
 """
 
 import itertools
@@ -62,8 +62,8 @@ def run(host, request, tmp_path):
 
     def run_tool(*words):
         log.write_text("")
-        done = subprocess.run([str(tool), "list", *words, "--sysroot", str(host.directory)],
-                              env=environment, capture_output=True, timeout=60, check=False)
+        command = [str(tool), "list", "--classic", "--format", "1", *words, "--sysroot", str(host.directory)]
+        done = subprocess.run(command, env=environment, capture_output=True, timeout=60, check=False)
         done.log = log.read_text(encoding="utf-8").splitlines()
         return done
 

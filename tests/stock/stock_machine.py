@@ -26,7 +26,8 @@ OURS = ("block-json", "diskscout", "diskscout-block.so", "diskscout.so")
 # What each stage asks: a name for the answer, and the words as they stand in the machine. Beside a device that never
 # answers the peers are not asked.
 OUR_QUERY = ("block", "./block-json ./diskscout-block.so")
-QUERIES = (("lsblk", "lsblk -J -b -O"), ("classic", "./diskscout list --json"), OUR_QUERY)
+CLASSIC_QUERY = ("classic", "./diskscout list --classic --format 1 --json")
+QUERIES = (("lsblk", "lsblk -J -b -O"), CLASSIC_QUERY, OUR_QUERY)
 
 
 def found(program):

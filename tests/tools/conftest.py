@@ -8,6 +8,9 @@ import subprocess
 
 import pytest
 
+# What the program said before it knew the devices of today.
+CLASSIC = ("--classic", "--format", "1")
+
 
 def pytest_addoption(parser):
     parser.addoption("--build-dir", required=True, help="where diskscout and diskscout.so were built")
@@ -65,12 +68,12 @@ class Tool:
         return result
 
     def fake_document(self, case, *arguments, status=0):
-        result = self.fake(case, "list", "--json", *arguments)
+        result = self.fake(case, "list", *CLASSIC, "--json", *arguments)
         assert result.returncode == status
         return json.loads(result.stdout)
 
     def fake_table(self, case, *arguments):
-        result = self.fake(case, "list", *arguments)
+        result = self.fake(case, "list", *CLASSIC, *arguments)
         assert (result.returncode, result.stderr) == (0, "")
         return result.stdout
 

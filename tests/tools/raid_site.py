@@ -2,6 +2,8 @@
 
 import pathlib
 
+from conftest import CLASSIC
+
 SOURCES = pathlib.Path(__file__).resolve().parents[2]
 FILTER = SOURCES / "tools" / "filter" / "diskscout-filter"
 
@@ -34,4 +36,4 @@ class RaidSite:
         return result
 
     def list(self, *arguments, config="raid.cfg", **settings):
-        return self.run("list", *arguments, "--config", config, **settings)
+        return self.run("list", *CLASSIC, *arguments, "--config", config, **settings)

@@ -2,6 +2,8 @@
 
 import json
 
+from conftest import CLASSIC
+
 DISKS = [
     {
         "disk_id": 0,
@@ -118,7 +120,7 @@ def test_whole_document(tool):
 
 
 def test_layout(tool):
-    result = tool.fake("plain", "list", "--json")
+    result = tool.fake("plain", "list", *CLASSIC, "--json")
     assert result.stdout == json.dumps(ALL, indent=2) + "\n"
     assert result.stderr == ""
 

@@ -1,7 +1,7 @@
 """The tables of the hardware RAID kinds, their options, and what is said when a query fails."""
 
 import pytest
-from conftest import complaint
+from conftest import CLASSIC, complaint
 
 RAID_KINDS = ["controllers", "containers", "raid-disks", "raid-space", "raid-partitions"]
 CONTROLLERS = """\
@@ -125,7 +125,7 @@ def test_values_without_a_name_are_shown_as_numbers(tool):
 
 
 def test_disk_that_cannot_be_asked_does_not_hide_the_others(tool):
-    result = tool.fake("partial", "list", "raid-space")
+    result = tool.fake("partial", "list", *CLASSIC, "raid-space")
     assert (result.returncode, result.stdout) == (1, RAID_SPACE)
     assert result.stderr.splitlines()[0] == (
         "diskscout: the RAID space query failed at the list of disks, 0:00:0; what it found so far is shown"
@@ -142,7 +142,7 @@ def failure_of(result, name):
 
 
 def test_configuration_that_cannot_be_read(tool):
-    result = tool.fake("failing", "list", "controllers")
+    result = tool.fake("failing", "list", *CLASSIC, "controllers")
     assert result.stdout == "RAID CONTROLLERS\nThe RAID controller query failed.\n"
     assert failure_of(result, "RAID controller") == (
         "the configuration /nowhere/hardraid.cfg cannot be read: No such file or directory"
@@ -168,7 +168,7 @@ def test_without_a_named_configuration_the_plugin_keeps_its_own(tool):
 
 
 def test_list_of_controllers_that_fails_fails_all_that_need_one(tool, config):
-    result = tool.fake("failing", "list", "containers", "raid-space", "--config", str(config))
+    result = tool.fake("failing", "list", *CLASSIC, "containers", "raid-space", "--config", str(config))
     assert result.returncode == 1
     assert result.stdout == (
         "CONTAINERS\nThe container query failed.\n\nRAID SPACE\nThe RAID space query failed.\n"
@@ -192,14 +192,14 @@ def test_list_of_controllers_that_fails_fails_all_that_need_one(tool, config):
     ],
 )
 def test_controller_that_cannot_be_asked(tool, config, case, name, hint):
-    result = tool.fake(case, "list", "containers", "--controller", name, "--config", str(config))
+    result = tool.fake(case, "list", *CLASSIC, "containers", "--controller", name, "--config", str(config))
     heading = f"CONTAINERS ON {name}".replace("\x1b", "?")
     assert result.stdout == f"{heading}\nThe container query failed.\n"
     assert failure_of(result, "container") == hint
 
 
 def test_failures_of_the_host_get_no_hint(tool):
-    result = tool.fake("failing", "list", "disks")
+    result = tool.fake("failing", "list", *CLASSIC, "disks")
     assert complaint(result, 1) == "the disk query failed; it found nothing before"
 
 
@@ -210,20 +210,20 @@ def test_longest_configuration_name(tool):
 
 
 def test_configuration_name_that_is_too_long_is_refused(tool):
-    result = tool.run("list", "controllers", "--config", "/" + 255 * "c", "--plugin", tool.fake_plugin)
+    result = tool.run("list", *CLASSIC, "controllers", "--config", "/" + 255 * "c", "--plugin", tool.fake_plugin)
     assert complaint(result, 2) == "the configuration's path has 256 bytes, the plug-in takes 255"
     assert result.stdout == ""
 
 
 def test_plugin_that_cannot_be_told_a_configuration(tool):
-    result = tool.run("list", "controllers", "--config", "/raid.cfg", "--plugin", tool.old_plugin)
+    result = tool.run("list", *CLASSIC, "controllers", "--config", "/raid.cfg", "--plugin", tool.old_plugin)
     message = complaint(result, 2)
     assert message.startswith("the plug-in cannot be used: ")
     assert "g_szConfigFileName" in message
 
 
 def test_plugin_that_does_not_tell_its_configuration(tool):
-    result = tool.run("list", "controllers", "--plugin", tool.old_plugin)
+    result = tool.run("list", *CLASSIC, "controllers", "--plugin", tool.old_plugin)
     assert failure_of(result, "RAID controller") == (
         "the controller tool or the filter script that the configuration names fails, or this directory,"
         " where they are run, cannot be written"

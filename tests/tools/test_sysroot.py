@@ -6,7 +6,7 @@ import resource
 import stat
 
 import pytest
-from conftest import complaint
+from conftest import CLASSIC, complaint
 
 HOST = """\
 device /dev/sda
@@ -50,7 +50,7 @@ def host(tmp_path):
 
 
 def test_captured_host_as_tables(tool, host):
-    result = tool.run("list", "--sysroot", host)
+    result = tool.run("list", *CLASSIC, "--sysroot", host)
     assert (result.returncode, result.stderr) == (0, "")
     assert result.stdout == (
         "DISKS\n"
@@ -69,7 +69,7 @@ def test_captured_host_as_tables(tool, host):
 
 
 def test_options_reach_the_second_start(tool, host):
-    result = tool.run("--sysroot", host, "list", "cdroms", "--json", "disks")
+    result = tool.run("--sysroot", host, "list", *CLASSIC, "cdroms", "--json", "disks")
     assert (result.returncode, result.stderr) == (0, "")
     document = json.loads(result.stdout)
     assert list(document) == ["format", "disks", "cdroms", "failed"]
@@ -78,7 +78,7 @@ def test_options_reach_the_second_start(tool, host):
 
 def test_controller_and_configuration_reach_the_second_start(tool, host):
     arguments = ["containers", "--controller", "-aac 0", "--config", "-raid.cfg"]
-    result = tool.fake("plain", "list", "--sysroot", host, *arguments)
+    result = tool.fake("plain", "list", *CLASSIC, "--sysroot", host, *arguments)
     assert result.returncode == 1
     assert result.stdout.startswith("CONTAINERS ON -aac 0\n")
     assert tool.report["configuration"] == "-raid.cfg"
@@ -89,7 +89,7 @@ def test_status_of_the_second_start_is_ours(tool, host):
     # The extended partition begins where the disk can no longer be read.
     chained = HOST.replace("entry 80 83 64 1024", "entry 00 05 100 1024")
     (host / "host.txt").write_text(chained.replace("\ttable 0", "\tends 100\n\ttable 0"))
-    result = tool.run("list", "partitions", "--sysroot", host)
+    result = tool.run("list", *CLASSIC, "partitions", "--sysroot", host)
     assert complaint(result, 1) == "the partition query failed; it found nothing before"
 
 
@@ -103,33 +103,33 @@ def test_environment_of_the_second_start(tool, host, tmp_path):
         # A sanitized program does not start behind the caller's own preload otherwise.
         "ASAN_OPTIONS": "verify_asan_link_order=0",
     }
-    result = tool.fake("plain", "list", "--sysroot", "host", program=program, env=env, cwd=tmp_path)
+    result = tool.fake("plain", "list", *CLASSIC, "--sysroot", "host", program=program, env=env, cwd=tmp_path)
     assert (result.returncode, result.stderr) == (0, "")
     assert tool.report["LD_PRELOAD"] == f"{program.parent}/diskscout-replay.so:{half_plugin}"
     assert tool.report["REPLAY_SYSROOT"] == str(host)
 
 
 def test_without_sysroot_the_environment_stays(tool, tmp_path):
-    tool.fake("plain", "list", env={"REPLAY_SYSROOT": "stale"}, cwd=tmp_path)
+    tool.fake("plain", "list", *CLASSIC, env={"REPLAY_SYSROOT": "stale"}, cwd=tmp_path)
     assert tool.report["LD_PRELOAD"] == ""
     assert tool.report["REPLAY_SYSROOT"] == "stale"
 
 
 def test_directory_without_a_table(tool, tmp_path):
-    message = complaint(tool.run("list", "--sysroot", tmp_path), 2)
+    message = complaint(tool.run("list", *CLASSIC, "--sysroot", tmp_path), 2)
     assert message == f"{tmp_path} is no captured host: it has no host.txt"
 
 
 def test_malformed_table_names_its_line(tool, host):
     (host / "host.txt").write_text("device /dev/sda\n\tfrobnicate 1\n")
-    result = tool.run("list", "--sysroot", host)
+    result = tool.run("list", *CLASSIC, "--sysroot", host)
     assert (result.returncode, result.stdout) == (2, "")
     assert f"{host}/host.txt:2: " in result.stderr
 
 
 def test_missing_replay_library(tool, host, tmp_path):
     program = tool.copy_program(tmp_path / "bin")
-    result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
+    result = tool.run("list", *CLASSIC, "--sysroot", host, "--plugin", tool.plugin, program=program)
     assert "diskscout-replay.so" in complaint(result, 2)
 
 
@@ -137,7 +137,7 @@ def test_replay_library_that_cannot_be_loaded(tool, host, tmp_path):
     # The running host must not be shown in place of the captured one.
     program = tool.copy_program(tmp_path / "bin")
     (tmp_path / "bin" / "diskscout-replay.so").write_text("no library\n")
-    result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
+    result = tool.run("list", *CLASSIC, "--sysroot", host, "--plugin", tool.plugin, program=program)
     assert (result.returncode, result.stdout) == (2, "")
     assert result.stderr.endswith(
         "diskscout: the replay library was not loaded, so the captured host cannot be shown\n"
@@ -154,7 +154,7 @@ def mounted_on(result):
 def test_wherever_the_programs_lie(tool, host, tmp_path, name):
     """The loader has no way to quote a blank, and the children need the library too."""
     program = tool.complete_copy(tmp_path / name)
-    result = tool.run("list", "partitions", "--json", "--sysroot", host, program=program)
+    result = tool.run("list", *CLASSIC, "partitions", "--json", "--sysroot", host, program=program)
     assert mounted_on(result) == "/data"
 
 
@@ -164,7 +164,7 @@ def test_no_descriptor_is_high_enough(tool, host, tmp_path):
     def few():
         resource.setrlimit(resource.RLIMIT_NOFILE, (30, 30))
 
-    result = tool.run("list", "partitions", "--json", "--sysroot", host, program=program, preexec_fn=few)
+    result = tool.run("list", *CLASSIC, "partitions", "--json", "--sysroot", host, program=program, preexec_fn=few)
     assert mounted_on(result) == "/data"
 
 
@@ -172,7 +172,7 @@ def test_library_that_cannot_be_opened(tool, host, tmp_path):
     program = tool.copy_program(tmp_path / "my programs")
     library = program.parent / "diskscout-replay.so"
     os.mknod(library, stat.S_IFSOCK | 0o644)
-    result = tool.run("list", "--sysroot", host, "--plugin", tool.plugin, program=program)
+    result = tool.run("list", *CLASSIC, "--sysroot", host, "--plugin", tool.plugin, program=program)
     assert complaint(result, 2) == f"{library} cannot be opened: No such device or address"
 
 
@@ -184,9 +184,8 @@ def test_all_below_a_covered_folder(tool, host, tmp_path, sysroot):
     (host / "host.txt").write_text(HOST + f"covers {tmp_path}/\ncovers /proc\ncovers /dev\ncovers /etc/mtab\n")
     named = sysroot.format(top=tmp_path, name=tmp_path.name)
     for first in (program, "bin/diskscout"):
-        result = tool.run(
-            "list", "partitions", "--json", "--sysroot", named, program=first, cwd=tmp_path, env={"PWD": str(tmp_path)}
-        )
+        words = ["list", *CLASSIC, "partitions", "--json", "--sysroot", named]
+        result = tool.run(*words, program=first, cwd=tmp_path, env={"PWD": str(tmp_path)})
         assert mounted_on(result) == "/data"
     # Reached through the kernel's and the loader's own calls, and by no other: the host shows nothing of it.
     assert not (host / str(tmp_path)[1:]).exists()

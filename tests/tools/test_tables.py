@@ -1,7 +1,7 @@
 """The tables for people, compared as whole texts."""
 
 import pytest
-from conftest import complaint
+from conftest import CLASSIC, complaint
 
 DISKS = """\
 DISKS
@@ -51,13 +51,13 @@ def test_empty_host_is_told_in_sentences(tool):
 
 
 def test_failed_query_keeps_what_it_found(tool):
-    result = tool.fake("partial", "list")
+    result = tool.fake("partial", "list", *CLASSIC)
     assert complaint(result, 1) == "the partition query failed; what it found so far is shown"
     assert result.stdout == "\n".join([DISKS, PARTITIONS, CDROMS])
 
 
 def test_failed_queries_are_not_empty_answers(tool):
-    result = tool.fake("failing", "list")
+    result = tool.fake("failing", "list", *CLASSIC)
     assert result.returncode == 1
     assert result.stdout == (
         "DISKS\nThe disk query failed.\n\n"
@@ -127,7 +127,7 @@ def test_negative_length_is_an_empty_list(tool):
     ],
 )
 def test_sizes(tool, size, shown):
-    result = tool.fake("sizes", "list", "disks", env={"FAKE_PLUGIN_SIZES": str(size)})
+    result = tool.fake("sizes", "list", *CLASSIC, "disks", env={"FAKE_PLUGIN_SIZES": str(size)})
     _, headings, row = result.stdout.splitlines()
     # Numbers end where their heading does.
     end = headings.index("SIZE") + len("SIZE")
@@ -136,7 +136,7 @@ def test_sizes(tool, size, shown):
 
 
 def test_sizes_stand_below_each_other(tool):
-    result = tool.fake("sizes", "list", "disks", env={"FAKE_PLUGIN_SIZES": "1 1048576 18446744073709551615"})
+    result = tool.fake("sizes", "list", *CLASSIC, "disks", env={"FAKE_PLUGIN_SIZES": "1 1048576 18446744073709551615"})
     assert [line[:36] for line in result.stdout.splitlines()[1:]] == [
         "DEVICE    BUS  ADDRESS      SIZE  VE",
         "/dev/sda  -    0:0:0:0       1 B  - ",

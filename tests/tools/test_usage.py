@@ -1,7 +1,7 @@
 """The command line, the exit status and the streams."""
 
 import pytest
-from conftest import complaint
+from conftest import CLASSIC, complaint
 
 OF_CONTROLLER = "containers, raid-disks, raid-space, raid-partitions"
 ALL_KINDS = f"disks, partitions, cdroms, controllers, {OF_CONTROLLER}"
@@ -39,7 +39,7 @@ KNOWN = f"known are {ALL_KINDS}"
     ],
 )
 def test_bad_usage_is_one_line_and_status_2(tool, arguments, named):
-    result = tool.run(*arguments)
+    result = tool.run(*CLASSIC, *arguments)
     assert named in complaint(result, 2)
     assert result.stdout == ""
 
@@ -65,9 +65,9 @@ def test_help_tells_the_kinds_or_the_options(tool, arguments):
 
 
 def test_options_stand_before_or_after_the_subcommand(tool):
-    behind = tool.fake("plain", "list", "disks", "--json")
-    before = tool.fake("plain", "--json", "list", "disks")
-    between = tool.fake("plain", "list", "--json", "disks")
+    behind = tool.fake("plain", "list", *CLASSIC, "disks", "--json")
+    before = tool.fake("plain", "--json", *CLASSIC, "list", "disks")
+    between = tool.fake("plain", "list", "--json", *CLASSIC, "disks")
     assert behind.returncode == 0
     assert behind.stdout.startswith("{")
     assert before.stdout == between.stdout == behind.stdout
@@ -76,7 +76,7 @@ def test_options_stand_before_or_after_the_subcommand(tool):
 @pytest.mark.parametrize("arguments", [["list"], ["list", "--json"]])
 def test_full_output_is_status_1(tool, arguments):
     with open("/dev/full", "w", encoding="utf-8") as full:
-        result = tool.fake("plain", *arguments, stdout=full)
+        result = tool.fake("plain", *arguments, *CLASSIC, stdout=full)
     assert complaint(result, 1) == "the output cannot be written: No space left on device"
 
 
@@ -94,10 +94,10 @@ def closed(tool, redirections, *arguments):
 
 
 def test_closed_output_is_status_1(tool):
-    assert complaint(closed(tool, ">&-", "list"), 1) == "the output cannot be written: Bad file descriptor"
+    assert complaint(closed(tool, ">&-", "list", *CLASSIC), 1) == "the output cannot be written: Bad file descriptor"
 
 
 def test_plugin_never_gets_the_number_of_a_standard_stream(tool):
-    result = closed(tool, "<&- >&- 2>&-", "list")
+    result = closed(tool, "<&- >&- 2>&-", "list", *CLASSIC)
     assert result.returncode == 1
     assert int(tool.report["lowest_descriptor"]) > 2

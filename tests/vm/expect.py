@@ -184,7 +184,7 @@ def cdroms(kernel):
 
 
 def document(machine):
-    """The whole answer, as diskscout list --json prints it."""
+    """The whole answer, as diskscout list --classic --format 1 --json prints it."""
     kernel = Kernel(machine)
     full = len(list(kernel.disk_names())) > DISK_LIMIT
     parts = []

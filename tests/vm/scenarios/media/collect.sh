@@ -3,7 +3,7 @@
 # medium is taken out.
 #
 # Brought back in out/:
-#   full.json, .err, .status    diskscout list --json with all media
+#   full.json, .err, .status    diskscout list --classic --format 1 --json with all media
 #   empty.json, .err, .status   the same once the medium is out
 #   partitions                  the kernel's table at that moment: nobody has
 #                               looked at the disk since
@@ -13,7 +13,7 @@
 . ./guest-lib.sh
 
 list() {
-	./diskscout list --json > "$seen/$1.json" 2> "$seen/$1.err"
+	./diskscout list --classic --format 1 --json > "$seen/$1.json" 2> "$seen/$1.err"
 	echo $? > "$seen/$1.status"
 }
 
