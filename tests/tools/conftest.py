@@ -7,6 +7,7 @@ import shutil
 import subprocess
 
 import pytest
+from documents import check_document, is_document
 
 # What the program said before it knew the devices of today.
 CLASSIC = ("--classic", "--format", "1")
@@ -23,24 +24,27 @@ class Tool:
     def __init__(self, build_dir, modules, scratch):
         self.program = build_dir / "diskscout"
         self.plugin = build_dir / "diskscout.so"
+        self.block_plugin = build_dir / "diskscout-block.so"
         self.replay = build_dir / "diskscout-replay.so"
         self.fake_plugin = modules / "fake_plugin.so"
+        self.fake_block_plugin = modules / "fake_block_plugin.so"
         self.half_plugin = modules / "half_plugin.so"
         self.old_plugin = modules / "old_plugin.so"
         self.scratch = scratch
         self.report = {}
+        self.block_report = {}
 
     def run(self, *arguments, program=None, env=None, **settings):
         environment = {
             name: value
             for name, value in os.environ.items()
-            if name != "LD_PRELOAD" and not name.startswith(("REPLAY_", "FAKE_PLUGIN_", "RAIDSIM_"))
+            if name != "LD_PRELOAD" and not name.startswith(("REPLAY_", "FAKE_", "RAIDSIM_"))
         }
         environment.update(env or {})
         settings.setdefault("stdout", subprocess.PIPE)
         settings.setdefault("stderr", subprocess.PIPE)
         command = [str(argument) for argument in (program or self.program, *arguments)]
-        return subprocess.run(
+        result = subprocess.run(
             command,
             env=environment,
             timeout=60,
@@ -48,11 +52,52 @@ class Tool:
             encoding="utf-8",
             **settings,
         )
+        if result.stdout is not None and is_document(command):
+            check_document(self.program, result)
+        return result
+
+    def made(self, *arguments, classic="plain", block="plain", env=None, **settings):
+        """One run of the program beside which the made plug-ins lie; neither has to be asked."""
+        directory = self.scratch / "made"
+        if not directory.exists():
+            self.copy_program(directory)
+            shutil.copy2(self.replay, directory)
+            (directory / "diskscout.so").symlink_to(self.fake_plugin)
+            (directory / "diskscout-block.so").symlink_to(self.fake_block_plugin)
+        reports = [self.scratch / name for name in ("report", "block-report")]
+        for path in reports:
+            path.unlink(missing_ok=True)
+        environment = {
+            "FAKE_PLUGIN_CASE": classic,
+            "FAKE_PLUGIN_REPORT": str(reports[0]),
+            "FAKE_BLOCK_CASE": block,
+            "FAKE_BLOCK_REPORT": str(reports[1]),
+            **(env or {}),
+        }
+        result = self.run(*arguments, program=directory / "diskscout", env=environment, **settings)
+        self.report, self.block_report = (self.read_lines(path) for path in reports)
+        for report in (self.report, self.block_report):
+            assert report.get("live", "0") == report.get("wrong", "0") == "0"
+        return result
+
+    def made_document(self, *arguments, status=0, **settings):
+        result = self.made("list", "--json", *arguments, **settings)
+        assert result.returncode == status, result.stderr
+        return json.loads(result.stdout)
+
+    def made_text(self, *arguments, **settings):
+        result = self.made("list", *arguments, **settings)
+        assert (result.returncode, result.stderr) == (0, "")
+        return result.stdout
+
+    @staticmethod
+    def read_lines(path):
+        """What a made plug-in saw; nothing when it was not loaded."""
+        return dict(line.split(" ", 1) for line in path.read_text().splitlines()) if path.exists() else {}
 
     def read_report(self, path):
         """What the made plug-in saw; every list must have come back, with its own code."""
-        lines = path.read_text().splitlines()
-        self.report = dict(line.split(" ", 1) for line in lines)
+        self.report = self.read_lines(path)
         assert self.report["queries"] != "0"
         assert self.report["releases"] == self.report["queries"]
         assert self.report["live"] == "0"
@@ -85,7 +130,7 @@ class Tool:
     def complete_copy(self, directory):
         """The program with the libraries that come with it, elsewhere."""
         program = self.copy_program(directory)
-        for library in (self.plugin, self.replay):
+        for library in (self.plugin, self.block_plugin, self.replay):
             shutil.copy2(library, directory)
         return program
 
