@@ -11,6 +11,8 @@ from documents import check_document, is_document
 
 # What the program said before it knew the devices of today.
 CLASSIC = ("--classic", "--format", "1")
+# What would show through from whoever runs the tests.
+STEERING = ("LD_PRELOAD", "LANG", "LANGUAGE", "COLUMNS", "LINES", "TERM")
 
 
 def pytest_addoption(parser):
@@ -38,7 +40,7 @@ class Tool:
         environment = {
             name: value
             for name, value in os.environ.items()
-            if name != "LD_PRELOAD" and not name.startswith(("REPLAY_", "FAKE_", "RAIDSIM_"))
+            if not name.startswith(("REPLAY_", "FAKE_", "RAIDSIM_", "LC_")) and name not in STEERING
         }
         environment.update(env or {})
         settings.setdefault("stdout", subprocess.PIPE)
