@@ -30,7 +30,8 @@ def device(name, kind, major, minor, **known):
 
 
 def partition(name, disk, number, minor, size, **known):
-    return device(name, "partition", minor=minor, disk=disk, partition_number=number, size=size, **{"major": 8, **known})
+    major = known.pop("major", 8)
+    return device(name, "partition", major, minor, disk=disk, partition_number=number, size=size, **known)
 
 
 MAPPED = {"state": "running", "dm_uuid": "LVM-0123456789", "dm_kind": "lvm", "dm_target": "linear"}

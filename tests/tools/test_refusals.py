@@ -86,7 +86,14 @@ OF_TABLES = [
     (["list", "devices", "--sort", "name,size"], "name,size"),
     (["list", "devices", "--sort", "colour"], "colour"),
 ]
-IDLE_IN_DOCUMENTS = [["-o", "name"], ["--columns", "+name"], ["--bytes"], ["--pairs"], ["--no-headings"], ["--sort", "name"]]
+IDLE_IN_DOCUMENTS = [
+    ["-o", "name"],
+    ["--columns", "+name"],
+    ["--bytes"],
+    ["--pairs"],
+    ["--no-headings"],
+    ["--sort", "name"],
+]
 
 
 def checked(result):

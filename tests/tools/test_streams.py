@@ -23,11 +23,11 @@ def on_terminal(tool, columns, *words, env=None, **settings):
     attributes = termios.tcgetattr(theirs)
     attributes[1] &= ~termios.OPOST
     termios.tcsetattr(theirs, termios.TCSANOW, attributes)
-    with tempfile.TemporaryFile() as log, subprocess.Popen(["cat"], stdin=ours, stdout=log) as reader:
-        os.close(ours)
-        result = tool.made(*words, env=env, stdout=theirs, **settings)
-        os.close(theirs)
-        reader.wait(timeout=60)
+    with tempfile.TemporaryFile() as log:
+        with subprocess.Popen(["cat"], stdin=ours, stdout=log, stderr=subprocess.DEVNULL):
+            os.close(ours)
+            result = tool.made(*words, env=env, stdout=theirs, **settings)
+            os.close(theirs)
         log.seek(0)
         return result, log.read().decode("utf-8")
 
