@@ -9,10 +9,10 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
-std::filesystem::path plugin_file(const std::string &named)
+std::filesystem::path plugin_file(const std::string &named, std::string_view companion)
 {
 	if (named.empty())
-		return find_companion("diskscout.so");
+		return find_companion(companion);
 	return refused_as<plugin_error_t>([&] { return absolute_path(named); });
 }
 

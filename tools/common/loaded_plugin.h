@@ -5,10 +5,11 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 
 // The file that --plugin names; without a name, which is empty then, the one that comes with the program. The
 // path is a full one. Throws plugin_error when none comes with it.
-std::filesystem::path plugin_file(const std::string &named);
+std::filesystem::path plugin_file(const std::string &named, std::string_view companion = "diskscout.so");
 
 class loaded_plugin_t
 {
