@@ -221,6 +221,17 @@ TEST(Sort, EqualOnesKeepTheirOrder)
 	            ElementsAre(0, 1, 2));
 }
 
+TEST(Sort, ManyEqualOnesKeepTheirOrder)
+{
+	std::vector<sample_t> samples;
+	std::vector<std::size_t> places;
+	for (std::size_t i = 0; i < 1000; i++)
+		samples.push_back(with_flag(i % 2 == 0));
+	for (std::size_t i = 0; i < 1000; i++)
+		places.push_back(i < 500 ? 2 * i + 1 : 2 * (i - 500));
+	EXPECT_EQ(sorted(FLAG, samples), places);
+}
+
 TEST(Sort, OtherShapesByWhatProgramsAreTold)
 {
 	EXPECT_THAT(sorted(FLAG, {with_flag(true), {}, with_flag(false), with_flag(true)}),

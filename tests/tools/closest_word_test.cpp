@@ -66,4 +66,11 @@ TEST(Suggestion, FarWordsAreNone)
 	EXPECT_EQ(suggestion(std::string(100000, 'a'), {std::string_view("a")}), "");
 }
 
+TEST(Suggestion, LongWordsAreNotCompared)
+{
+	const std::string word(64, 'a');
+	EXPECT_EQ(suggestion(word.substr(1) + "b", {word}), "; did you mean \"" + word + "\"?");
+	EXPECT_EQ(suggestion(word + "b", {word}), "");
+}
+
 } // namespace

@@ -50,8 +50,10 @@ bool is_before_by_value(std::string_view one, std::string_view other)
 		if (is_digit(one.front()) && is_digit(other.front())) {
 			const std::string_view a = take_number(one);
 			const std::string_view b = take_number(other);
-			if (a.size() != b.size() || a != b)
-				return a.size() != b.size() ? a.size() < b.size() : a < b;
+			if (a.size() != b.size())
+				return a.size() < b.size();
+			if (a != b)
+				return a < b;
 			continue;
 		}
 		if (one.front() != other.front())

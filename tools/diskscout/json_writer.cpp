@@ -29,10 +29,10 @@ void json_writer_t::begin_value()
 	is_first_ = false;
 }
 
-void json_writer_t::value(std::string_view text)
+void json_writer_t::put(std::string_view word)
 {
 	begin_value();
-	into_ += text;
+	into_ += word;
 }
 
 void json_writer_t::open(char bracket)
@@ -54,30 +54,30 @@ void json_writer_t::close(char bracket)
 
 void json_writer_t::absent()
 {
-	value("null");
+	put("null");
 }
 
-void json_writer_t::flag(bool set)
+void json_writer_t::flag(bool value)
 {
-	value(set ? "true" : "false");
+	put(value ? "true" : "false");
 }
 
-void json_writer_t::number(std::int64_t number)
+void json_writer_t::number(std::int64_t value)
 {
-	const fmt::format_int digits(number);
-	value({digits.data(), digits.size()});
+	const fmt::format_int digits(value);
+	put({digits.data(), digits.size()});
 }
 
-void json_writer_t::large(std::uint64_t number)
+void json_writer_t::large(std::uint64_t value)
 {
-	const fmt::format_int digits(number);
-	value({digits.data(), digits.size()});
+	const fmt::format_int digits(value);
+	put({digits.data(), digits.size()});
 }
 
-void json_writer_t::text(std::string_view text)
+void json_writer_t::text(std::string_view value)
 {
 	begin_value();
-	quote(text);
+	quote(value);
 }
 
 void json_writer_t::key(std::string_view name)

@@ -27,7 +27,7 @@ public:
 	void end_object() override { close('}'); }
 
 private:
-	void value(std::string_view text);
+	void put(std::string_view word);
 	void begin_value();
 	void open(char bracket);
 	void close(char bracket);
