@@ -8,7 +8,8 @@
 
 #include <gmock/gmock.h>
 
-namespace {
+namespace
+{
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -34,8 +35,8 @@ std::string line_of(const message_t &message)
 		{code_t::CUT_TEXT, "cut_text"},
 	};
 	EXPECT_EQ(message.kind, &KIND);
-	return std::string(SEVERITIES[static_cast<int>(message.severity)]) + " " + CODES.at(message.code) + ": " +
-	       message.text;
+	return std::string(SEVERITIES[static_cast<int>(message.severity)]) + " " + CODES.at(message.code) +
+	       ": " + message.text;
 }
 
 std::vector<std::string> lines_of(const messages_t &messages)
@@ -73,8 +74,8 @@ protected:
 	// A node with the SCSI address of that id.
 	void node(const std::string &name, int id, const std::string &more = "")
 	{
-		table_ += "device /dev/" + name + "\n\tBLKGETSIZE 2048\n\tSCSI_IOCTL_GET_IDLUN " + std::to_string(id) +
-		          "\n" + more;
+		table_ += "device /dev/" + name + "\n\tBLKGETSIZE 2048\n\tSCSI_IOCTL_GET_IDLUN " +
+		          std::to_string(id) + "\n" + more;
 	}
 
 	void today(const std::string &name, const std::string &kind = "disk", long long size = 1048576,
@@ -88,7 +89,8 @@ protected:
 	void row(const std::string &disk, unsigned index, std::uint64_t start, std::uint64_t sectors,
 	         const std::string &mount_points = "")
 	{
-		facts_.partitions.push_back({"/dev/" + disk, index, start * 512, sectors * 512, mount_points});
+		facts_.partitions.push_back(
+			{"/dev/" + disk, index, start * 512, sectors * 512, mount_points});
 	}
 
 	kernel_tables_t tables()
@@ -103,7 +105,8 @@ protected:
 
 	std::vector<std::string> of_disks()
 	{
-		return lines_of(disk_reasons(facts_, unlisted_disks(facts_, tables()), KIND));
+		const kernel_tables_t read = tables();
+		return lines_of(disk_reasons(facts_, unlisted_disks(facts_, read), read, KIND));
 	}
 
 	std::vector<std::string> of_cdroms() { return lines_of(cdrom_reasons(facts_, tables(), KIND)); }
@@ -134,8 +137,8 @@ TEST(ReasonNames, AreClassicByTheirLetters)
 		EXPECT_EQ(classic_name_of(name), classic_name_t::IDE) << name;
 	for (const char *name : {"sda", "sdz", "sdaa", "sdcz", "sddx"})
 		EXPECT_EQ(classic_name_of(name), classic_name_t::SCSI) << name;
-	for (const char *name : {"hdu", "hdaa", "sddy", "sddz", "sdea", "sdaaa", "sda1", "hda1", "sd", "", "vda",
-	                         "xvda", "vdaa", "zram0", "nvme0n1", "cciss/c0d0", "mmcblk0", "sdA"})
+	for (const char *name : {"hdu", "hdaa", "sddy", "sddz", "sdea", "sdaaa", "sda1", "hda1", "sd", "",
+	                         "vda", "xvda", "vdaa", "zram0", "nvme0n1", "cciss/c0d0", "mmcblk0", "sdA"})
 		EXPECT_EQ(classic_name_of(name), classic_name_t::NONE) << name;
 }
 
@@ -173,8 +176,9 @@ TEST_F(Reasons, NamesThatAreNotClassicShareALine)
 		today(name);
 	today("zram0", "zram");
 	today("fd0", "floppy");
-	EXPECT_THAT(of_disks(), ElementsAre("note no_classic_name: nvme0n1, vda, mmcblk0, sdaaa, sddy, xvda, zram0, fd0: "
-	                                    "no classic name (hda to hdt, sda to sddx)"));
+	EXPECT_THAT(of_disks(),
+	            ElementsAre("note no_classic_name: nvme0n1, vda, mmcblk0, sdaaa, sddy, xvda, zram0, fd0: "
+	                        "no classic name (hda to hdt, sda to sddx)"));
 }
 
 TEST_F(Reasons, WhatIsMadeOfOtherDevicesIsSummedUp)
@@ -182,7 +186,9 @@ TEST_F(Reasons, WhatIsMadeOfOtherDevicesIsSummedUp)
 	today("md0", "md");
 	today("dm-0", "dm");
 	today("loop0", "loop");
-	EXPECT_THAT(of_disks(), ElementsAre("note no_classic_name: arrays, mappings and loop devices have no classic name"));
+	EXPECT_THAT(
+		of_disks(),
+		ElementsAre("note no_classic_name: arrays, mappings and loop devices have no classic name"));
 }
 
 TEST_F(Reasons, UnusedLoopDevicesMemoryAndPathsAreNotMissed)
@@ -200,8 +206,9 @@ TEST_F(Reasons, AKernelWithoutTheScsiTableIsOneLine)
 	today("sda");
 	today("sdb", "disk", 0);
 	today("nvme0n1");
-	EXPECT_THAT(of_disks(), ElementsAre("note no_scsi_table: sda, sdb: this kernel has no /proc/scsi/scsi",
-	                                    "note no_classic_name: nvme0n1: no classic name (hda to hdt, sda to sddx)"));
+	EXPECT_THAT(of_disks(),
+	            ElementsAre("note no_scsi_table: sda, sdb: this kernel has no /proc/scsi/scsi",
+	                        "note no_classic_name: nvme0n1: no classic name (hda to hdt, sda to sddx)"));
 }
 
 TEST_F(Reasons, AKernelWithoutTheIdeTableIsOneLine)
@@ -222,9 +229,10 @@ TEST_F(Reasons, ATableThatCannotBeReadIsNoTableThatIsMissing)
 		replay_fail_call(0, 0);
 		if (read.scsi.error == 0 || read.block.error != 0)
 			continue;
-		EXPECT_THAT(lines_of(disk_reasons(facts_, unlisted_disks(facts_, read), KIND)),
-		            ElementsAre(testing::EndsWith(std::string(": sda: /proc/scsi/scsi cannot be read: ") +
-		                                          strerror(read.scsi.error))));
+		EXPECT_THAT(
+			lines_of(disk_reasons(facts_, unlisted_disks(facts_, read), read, KIND)),
+			ElementsAre(testing::EndsWith(std::string(": sda: /proc/scsi/scsi cannot be read: ") +
+		                                      strerror(read.scsi.error))));
 		return;
 	}
 	FAIL() << "the table was always read";
@@ -247,7 +255,8 @@ TEST_F(Reasons, WithoutTheKernelsTableThereAreNoDisks)
 {
 	has_block_table = false;
 	today("sda");
-	EXPECT_THAT(of_disks(), ElementsAre("note not_in_block_table: sda: this kernel has no /proc/partitions"));
+	EXPECT_THAT(of_disks(),
+	            ElementsAre("note not_in_block_table: sda: this kernel has no /proc/partitions"));
 }
 
 // All that is taken for a disk has a place among the 32: xvda has, sda1 and md0 have none.
@@ -267,8 +276,9 @@ TEST_F(Reasons, DisksBehindThe32ndOfTheKernelsTable)
 	scsi(1);
 	node("sdae", 1);
 	node("sdaf", 1);
-	EXPECT_THAT(of_disks(), ElementsAre("error list_cut: sdae: the list ends at 16 disks",
-	                                    "note not_in_block_table: sdaf: behind the 32nd disk of /proc/partitions"));
+	EXPECT_THAT(of_disks(),
+	            ElementsAre("error list_cut: sdae: the list ends at 16 disks",
+	                        "note not_in_block_table: sdaf: behind the 32nd disk of /proc/partitions"));
 }
 
 TEST_F(Reasons, NodesThatCannotBeOpenedTellWhy)
@@ -280,10 +290,11 @@ TEST_F(Reasons, NodesThatCannotBeOpenedTellWhy)
 	node("sda", 1, "\topen fails EACCES\n");
 	node("sdb", 1, "\topen fails EACCES\n");
 	node("sdc", 1, "\topen fails ENOMEDIUM\n");
-	EXPECT_THAT(of_disks(),
-	            ElementsAre("warning no_permission: /dev/sda, /dev/sdb: cannot be opened: Permission denied",
-	                        "note no_medium: sdc: no medium",
-	                        "note no_permission: /dev/sdd: cannot be opened: No such file or directory"));
+	EXPECT_THAT(
+		of_disks(),
+		ElementsAre("warning no_permission: /dev/sda, /dev/sdb: cannot be opened: Permission denied",
+	                    "note no_medium: sdc: no medium",
+	                    "note no_permission: /dev/sdd: cannot be opened: No such file or directory"));
 }
 
 TEST_F(Reasons, DisksThatAreNoneInTheScsiTable)
@@ -296,11 +307,12 @@ TEST_F(Reasons, DisksThatAreNoneInTheScsiTable)
 	node("sdb", 1);
 	node("sdc", 2);
 	scsi(2, "Optical Device");
-	EXPECT_THAT(of_disks(),
-	            ElementsAre("note not_in_scsi_table: sda: no SCSI address: Inappropriate ioctl for device",
-	                        "note not_in_scsi_table: sdb: not in /proc/scsi/scsi",
-	                        "note not_in_scsi_table: sdc: \"Optical Device\" in /proc/scsi/scsi, not "
-	                        "\"Direct-Access\""));
+	EXPECT_THAT(
+		of_disks(),
+		ElementsAre("note not_in_scsi_table: sda: no SCSI address: Inappropriate ioctl for device",
+	                    "note not_in_scsi_table: sdb: not in /proc/scsi/scsi",
+	                    "note not_in_scsi_table: sdc: \"Optical Device\" in /proc/scsi/scsi, not "
+	                    "\"Direct-Access\""));
 }
 
 // The driver's word: host 2, channel 1, lun 3, id 4.
@@ -311,8 +323,10 @@ TEST_F(Reasons, AddressesAreComparedInFourParts)
 	table_ += "device /dev/sda\n\tSCSI_IOCTL_GET_IDLUN 0x02010304\n";
 	put("proc/scsi/scsi", "Host: scsi2 Channel: 01 Id: 04 Lun: 03\n  Vendor: ACME\n  Type:   Tape\n");
 	has_scsi_table = false;
-	EXPECT_THAT(of_disks(),
-	            ElementsAre("note not_in_scsi_table: sda: \"Tape\" in /proc/scsi/scsi, not \"Direct-Access\""));
+	EXPECT_THAT(
+		of_disks(),
+		ElementsAre(
+			"note not_in_scsi_table: sda: \"Tape\" in /proc/scsi/scsi, not \"Direct-Access\""));
 }
 
 TEST_F(Reasons, DevicesBehindThe32ndOfTheScsiTable)
@@ -328,21 +342,34 @@ TEST_F(Reasons, DevicesBehindThe32ndOfTheScsiTable)
 
 TEST_F(Reasons, DisksThatAreNoneInTheIdeTable)
 {
-	for (const char *name : {"hda", "hdb", "hdc", "hdd", "hde"}) {
+	for (const char *name : {"hda", "hdb", "hdc", "hdd", "hde", "hdf", "hdg", "hdh"}) {
 		today(name);
 		block(name);
 	}
+	const std::string row = "0040 0040 0040 0040 0040 0040 0040 0040\n";
+	ide("hdf", "disk");
+	put("proc/ide/hdf/identify", row + "\n# 0040\n0040 0040 0040 0040 0040 0040 0040\n");
+	std::string rows;
+	for (int i = 0; i < 32; i++)
+		rows += row + "\n";
+	ide("hdg", "disk");
+	put("proc/ide/hdg/identify", rows);
+	ide("hdh", "disk");
+	put("proc/ide/hdh/identify", rows + row);
 	ide("hda", "tape");
 	ide("hdb", "disk");
 	std::filesystem::remove(host() / "proc/ide/hdb/identify");
 	ide("hdc", "disk");
 	put("proc/ide/hdc/model", "");
 	ide("hde", "disk");
-	EXPECT_THAT(of_disks(), ElementsAre("note not_in_ide_table: hda: \"tape\" in /proc/ide, not \"disk\"",
-	                                    "note not_in_ide_table: hdb: this kernel has no /proc/ide/hdb/identify",
-	                                    "note not_in_ide_table: hdc: /proc/ide/hdc/model is empty",
-	                                    "note not_in_ide_table: hdd: not in /proc/ide",
-	                                    "note not_in_ide_table: hde: no cause was found"));
+	EXPECT_THAT(of_disks(),
+	            ElementsAre("note not_in_ide_table: hda: \"tape\" in /proc/ide, not \"disk\"",
+	                        "note not_in_ide_table: hdb: this kernel has no /proc/ide/hdb/identify",
+	                        "note not_in_ide_table: hdc: /proc/ide/hdc/model cannot be used",
+	                        "note not_in_ide_table: hdd: not in /proc/ide",
+	                        "note not_in_ide_table: hde, hdg: no cause was found",
+	                        "note not_in_ide_table: hdf: /proc/ide/hdf/identify cannot be used",
+	                        "note not_in_ide_table: hdh: /proc/ide/hdh/identify cannot be used"));
 }
 
 // The kernel's word decides: what today's list takes for a disk is an optical drive.
@@ -364,7 +391,8 @@ TEST_F(Reasons, TheNinthIdeDriveIsNotRead)
 	put("proc/ide/hdi/media", "cdrom\n");
 	std::filesystem::create_directories(host() / "proc/ide/hda17");
 	today("hdi", "rom");
-	EXPECT_THAT(of_cdroms(), ElementsAre("note not_in_ide_table: hdi: behind the 8th drive of /proc/ide"));
+	EXPECT_THAT(of_cdroms(),
+	            ElementsAre("note not_in_ide_table: hdi: behind the 8th drive of /proc/ide"));
 	// One that cannot be read takes no place.
 	std::filesystem::remove(host() / "proc/ide/hdb/model");
 	EXPECT_THAT(of_cdroms(), ElementsAre("note not_in_ide_table: hdi: no cause was found"));
@@ -401,7 +429,8 @@ TEST_F(Reasons, AListedDiskWithoutASizeTellsWhyItsNodeIsShut)
 		facts_.disks.push_back({std::string("/dev/") + name, 0});
 	}
 	table_ = "device /dev/hda\n\topen fails EACCES\ndevice /dev/hdb\n";
-	EXPECT_THAT(of_disks(), ElementsAre("warning no_permission: /dev/hda: cannot be opened: Permission denied"));
+	EXPECT_THAT(of_disks(),
+	            ElementsAre("warning no_permission: /dev/hda: cannot be opened: Permission denied"));
 }
 
 TEST_F(Reasons, WithoutSysfsTheKernelsTableIsAsked)
@@ -414,12 +443,20 @@ TEST_F(Reasons, WithoutSysfsTheKernelsTableIsAsked)
 	EXPECT_THAT(of_disks(), ElementsAre("note not_in_scsi_table: sdb: not in /proc/scsi/scsi"));
 }
 
+TEST_F(Reasons, WithoutSysfsAndWithoutTheKernelsTableNothingIsKnown)
+{
+	facts_.knows_devices = false;
+	has_block_table = false;
+	EXPECT_THAT(of_disks(), ElementsAre("note not_in_block_table: this kernel has no /proc/partitions"));
+}
+
 TEST_F(Reasons, TenThousandDisksAreOneLine)
 {
 	for (int i = 0; i < 10000; i++)
 		today("nvme" + std::to_string(i) + "n1");
 	EXPECT_THAT(of_disks(),
-	            ElementsAre("note no_classic_name: nvme0n1, nvme1n1, nvme2n1, nvme3n1, nvme4n1, nvme5n1, nvme6n1, "
+	            ElementsAre("note no_classic_name: nvme0n1, nvme1n1, nvme2n1, nvme3n1, nvme4n1, nvme5n1, "
+	                        "nvme6n1, "
 	                        "nvme7n1 and 9992 more: no classic name (hda to hdt, sda to sddx)"));
 }
 
@@ -430,8 +467,10 @@ TEST_F(Reasons, OpticalDrivesHaveOtherNames)
 	today("sr0", "rom", 0);
 	today("sr1", "rom", 0);
 	EXPECT_THAT(of_disks(), IsEmpty());
-	EXPECT_THAT(of_cdroms(),
-	            ElementsAre("note no_classic_name: sr0, sr1: no classic name for an optical drive (hda to hdt)"));
+	EXPECT_THAT(
+		of_cdroms(),
+		ElementsAre(
+			"note no_classic_name: sr0, sr1: no classic name for an optical drive (hda to hdt)"));
 }
 
 TEST_F(Reasons, OpticalDrivesNeedTheIdeTable)
@@ -448,7 +487,8 @@ TEST_F(Reasons, WithoutSysfsTheIdeTableIsAskedForDrives)
 		ide(name, "cdrom");
 	std::filesystem::remove(host() / "proc/ide/hdd/model");
 	facts_.cdroms = {"/dev/hdc"};
-	EXPECT_THAT(of_cdroms(), ElementsAre("note not_in_ide_table: hdd: this kernel has no /proc/ide/hdd/model"));
+	EXPECT_THAT(of_cdroms(),
+	            ElementsAre("note not_in_ide_table: hdd: this kernel has no /proc/ide/hdd/model"));
 }
 
 // ---- partitions ----
@@ -464,16 +504,20 @@ TEST_F(Reasons, AProtectiveEntryTellsOfItsGuidTable)
 		return known_table_t{"gpt", 5};
 	};
 	const auto told = [this] { return of_partitions().at(0); };
-	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table, which has 5 partitions");
+	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table, which has "
+	                  "5 partitions");
 	facts_.table_of = [](const std::string &) { return known_table_t{"gpt", 1}; };
-	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table, which has 1 partition");
+	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table, which has "
+	                  "1 partition");
 	facts_.table_of = [](const std::string &) { return known_table_t{"gpt", {}}; };
 	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table");
 	facts_.table_of = [](const std::string &) { return known_table_t{}; };
-	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table, which is not there");
+	EXPECT_EQ(
+		told(),
+		"note protective_entry: /dev/sda1: the protective entry of a GUID table, which is not there");
 	facts_.table_of = [](const std::string &) { return std::optional<known_table_t>(); };
-	EXPECT_EQ(told(),
-	          "note protective_entry: /dev/sda1: the protective entry of a GUID table, which could not be asked");
+	EXPECT_EQ(told(), "note protective_entry: /dev/sda1: the protective entry of a GUID table, which "
+	                  "could not be asked");
 }
 
 // That opens devices.
@@ -497,9 +541,10 @@ TEST_F(Reasons, RowsOutsideTheirDisk)
 	row("sda", 1, 2047, 2);
 	row("sda", 2, 2048, 1);
 	row("sda", 3, 9000, 1);
-	EXPECT_THAT(of_partitions(),
-	            ElementsAre("note outside_disk: /dev/sda2: end outside the disk",
-	                        "note outside_disk: /dev/sda3, /dev/sda4: beginning and end outside the disk"));
+	EXPECT_THAT(
+		of_partitions(),
+		ElementsAre("note outside_disk: /dev/sda2: end outside the disk",
+	                    "note outside_disk: /dev/sda3, /dev/sda4: beginning and end outside the disk"));
 }
 
 // The kernel's table counts in KiB: a disk of 2049 sectors stands there as one of 2048.
@@ -525,8 +570,9 @@ TEST_F(Reasons, ATextThatIsCutIsToldInFull)
 	facts_.mount_points_of = [](const std::string &name) {
 		return name == "sda1" ? std::vector<std::string>{"/one", "/two"} : std::vector<std::string>();
 	};
-	EXPECT_THAT(of_partitions(), ElementsAre("note cut_text: /dev/sda1: mount points cut; in full: /one, /two",
-	                                         "note cut_text: /dev/sda5: mount points cut"));
+	EXPECT_THAT(of_partitions(),
+	            ElementsAre("note cut_text: /dev/sda1: mount points cut; in full: /one, /two",
+	                        "note cut_text: /dev/sda5: mount points cut"));
 }
 
 // A table with `primaries` entries and logical drives behind them, so that all are `count`.
@@ -554,7 +600,8 @@ TEST_F(Reasons, AListOf32PartitionsIsCutOnlyWhenThereAreMore)
 		row("sda", i, 10, 1);
 		row("sdb", i, 10, 1);
 	}
-	EXPECT_THAT(of_partitions(), ElementsAre("error list_cut: /dev/sdb: the list ends at 32 partitions of a disk"));
+	EXPECT_THAT(of_partitions(),
+	            ElementsAre("error list_cut: /dev/sdb: the list ends at 32 partitions of a disk"));
 }
 
 TEST_F(Reasons, DisksThatAreNotListedHaveNoPartitionsHere)
@@ -567,10 +614,11 @@ TEST_F(Reasons, DisksThatAreNotListedHaveNoPartitionsHere)
 	today("vda1", "partition", 512, "vda");
 	today("md0", "md");
 	today("md0p1", "partition", 512, "md0");
-	EXPECT_THAT(of_partitions(), ElementsAre("note no_scsi_table: sda: this kernel has no /proc/scsi/scsi",
-	                                         "note no_classic_name: vda: no classic name (hda to hdt, sda to sddx)",
-	                                         "note no_classic_name: arrays, mappings and loop devices have no "
-	                                         "classic name"));
+	EXPECT_THAT(of_partitions(),
+	            ElementsAre("note no_scsi_table: sda: this kernel has no /proc/scsi/scsi",
+	                        "note no_classic_name: vda: no classic name (hda to hdt, sda to sddx)",
+	                        "note no_classic_name: arrays, mappings and loop devices have no "
+	                        "classic name"));
 	EXPECT_THAT(of_partitions(true),
 	            ElementsAre("note no_scsi_table: sda, vda: not among the disks, hence no partitions"));
 }
@@ -581,7 +629,8 @@ TEST_F(Reasons, WithoutSysfsTheKernelsTableTellsPartitions)
 	has_scsi_table = false;
 	for (const char *name : {"sda", "sda1", "sdb"})
 		block(name);
-	EXPECT_THAT(of_partitions(), ElementsAre("note no_scsi_table: sda: this kernel has no /proc/scsi/scsi"));
+	EXPECT_THAT(of_partitions(),
+	            ElementsAre("note no_scsi_table: sda: this kernel has no /proc/scsi/scsi"));
 }
 
 // ---- the partition query's failure ----
@@ -639,7 +688,8 @@ TEST_F(Reasons, ASizeOrASectorThatCannotBeReadMakesTheQueryFail)
 TEST_F(Reasons, TablesAreReadAsTheQueryReadsThem)
 {
 	table_ = "device /dev/hda\n\tBLKGETSIZE 2048\n"
-		 "\ttable 0 aa55\n\t\tentry 00 83 1 5\n\t\tentry -\n\t\tentry 00 83 7 0\n\t\tentry 00 0f 100 50\n"
+		 "\ttable 0 aa55\n\t\tentry 00 83 1 5\n\t\tentry -\n\t\tentry 00 83 7 0\n\t\tentry 00 0f 100 "
+	         "50\n"
 		 "\ttable 100\n\t\tentry 00 82 1 5\n\t\tentry 00 85 10 5\n"
 		 "\ttable 110\n\t\tentry 00 07 1 5\n";
 	tables();

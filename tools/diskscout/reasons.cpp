@@ -46,7 +46,7 @@ messages_t reasons(enquiry_t &from, const kinds_t &shown, bool devices_are_named
 		unlisted = unlisted_disks(facts, tables);
 	}
 	if (disks)
-		append(&messages, disk_reasons(facts, unlisted, DISKS_KIND));
+		append(&messages, disk_reasons(facts, unlisted, tables, DISKS_KIND));
 	if (partitions) {
 		take_partitions(&facts, from);
 		append(&messages, partition_reasons(facts, unlisted, tables, PARTITIONS_KIND, disks));

@@ -19,7 +19,7 @@ static reason_t unread_drive(const ide_drive_t &drive)
 {
 	if (drive.error)
 		return unread_table(code_t::NOT_IN_IDE_TABLE, drive.unread, drive.error);
-	return note(drive.unread + " is empty");
+	return note(drive.unread + " cannot be used");
 }
 
 // A drive that cannot be read takes no place among those that are.

@@ -192,7 +192,13 @@ static maybe_reason_t row_reason(const known_disk_t &disk)
 	return error ? maybe_reason_t(unopened(error)) : std::nullopt;
 }
 
-messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unlisted, const kind_t &kind)
+static message_t said(const kind_t &kind, const reason_t &reason)
+{
+	return {reason.severity, &kind, reason.code, reason.text};
+}
+
+messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unlisted,
+                        const kernel_tables_t &tables, const kind_t &kind)
 {
 	reason_lines_t lines(kind);
 	for (const known_disk_t &disk : facts.disks) {
@@ -203,7 +209,10 @@ messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unl
 		lines.add(disk.name, disk.reason);
 	messages_t messages = lines.messages();
 	if (std::any_of(facts.devices.begin(), facts.devices.end(), is_software_device))
-		messages.push_back(
-			{SOFTWARE_REASON.severity, &kind, SOFTWARE_REASON.code, SOFTWARE_REASON.text});
+		messages.push_back(said(kind, SOFTWARE_REASON));
+	// Then there is nothing whose names could be told.
+	if (!facts.knows_devices && tables.block.error)
+		messages.push_back(said(kind, unread_table(code_t::NOT_IN_BLOCK_TABLE, "/proc/partitions",
+		                                           tables.block.error)));
 	return messages;
 }

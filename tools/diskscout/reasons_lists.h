@@ -23,7 +23,8 @@ std::string disk_beyond_list(const facts_t &facts, const kernel_tables_t &tables
 
 bool is_software_device(const known_device_t &device); // array, mapping, loop device in use
 
-messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unlisted, const kind_t &kind);
+messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unlisted,
+                        const kernel_tables_t &tables, const kind_t &kind);
 messages_t cdrom_reasons(const facts_t &facts, const kernel_tables_t &tables, const kind_t &kind);
 
 // Where the disks themselves are shown, their reasons are not told again.

@@ -158,19 +158,44 @@ static scsi_table_t read_scsi_table()
 	return table;
 }
 
+// Eight words a line, in 32 lines at most.
+static bool is_identify_data(lines_t *lines)
+{
+	std::string line;
+	for (int rows = 0; lines->next(&line);) {
+		unsigned words[8];
+		const std::string text = trimmed(line);
+		if (text.empty())
+			continue;
+		if (sscanf(text.c_str(), "%4x %4x %4x %4x %4x %4x %4x %4x", words, words + 1, words + 2,
+		           words + 3, words + 4, words + 5, words + 6, words + 7) != 8 ||
+		    ++rows > 32)
+			return false;
+	}
+	return lines->error() == 0;
+}
+
+static bool is_first_line(lines_t *lines, std::string *text)
+{
+	std::string line;
+	if (!lines->next(&line))
+		return false;
+	*text = trimmed(line);
+	return true;
+}
+
 static ide_drive_t read_drive(const std::string &name)
 {
 	ide_drive_t drive = {name, {}};
-	for (const char *const file : {"identify", "media", "model"}) {
-		const std::string path = "/proc/ide/" + name + "/" + file;
+	std::string model;
+	for (const std::string_view file : {"identify", "media", "model"}) {
+		const std::string path = "/proc/ide/" + name + "/" + std::string(file);
 		lines_t lines(path);
-		std::string line;
-		if (!lines.next(&line)) {
-			drive.unread = path;
-			drive.error = lines.error();
-		} else if (file == std::string_view("media")) {
-			drive.media = trimmed(line);
-		}
+		std::string *const text = file == "media" ? &drive.media : &model;
+		if (file == "identify" ? is_identify_data(&lines) : is_first_line(&lines, text))
+			continue;
+		drive.unread = path;
+		drive.error = lines.error();
 	}
 	return drive;
 }

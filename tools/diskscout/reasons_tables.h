@@ -42,8 +42,8 @@ struct scsi_table_t {
 struct ide_drive_t {
 	std::string name;
 	std::string media;
-	std::string unread = {}; // the file that could not be read; empty: none
-	int error = 0;           // why; 0: nothing stands in it
+	std::string unread = {}; // the file that could not be used; empty: none
+	int error = 0;           // why; 0: it holds something else
 };
 
 struct ide_table_t {
