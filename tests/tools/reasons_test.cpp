@@ -547,16 +547,18 @@ TEST_F(Reasons, RowsOutsideTheirDisk)
 	                    "note outside_disk: /dev/sda3, /dev/sda4: beginning and end outside the disk"));
 }
 
-// The kernel's table counts in KiB: a disk of 2049 sectors stands there as one of 2048.
-TEST_F(Reasons, WithoutSysfsTheKernelsTableTellsTheSize)
+TEST_F(Reasons, WithoutSysfsTheNodeTellsTheSize)
 {
 	facts_.knows_devices = false;
-	block("sda", 1024);
 	listed("sda");
-	row("sda", 0, 1, 2048);
-	row("sda", 1, 1, 2049);
+	node("sda", 1); // 2048 sectors
+	row("sda", 0, 1, 2047);
+	row("sda", 1, 1, 2048);
+	row("sda", 2, 2048, 1);
 	row("sdb", 0, 1, 9999);
-	EXPECT_THAT(of_partitions(), ElementsAre("note outside_disk: /dev/sda2: end outside the disk"));
+	EXPECT_THAT(of_partitions(),
+	            ElementsAre("note outside_disk: /dev/sda2: end outside the disk",
+	                        "note outside_disk: /dev/sda3: beginning and end outside the disk"));
 }
 
 TEST_F(Reasons, ATextThatIsCutIsToldInFull)
@@ -689,7 +691,7 @@ TEST_F(Reasons, TablesAreReadAsTheQueryReadsThem)
 {
 	table_ = "device /dev/hda\n\tBLKGETSIZE 2048\n"
 		 "\ttable 0 aa55\n\t\tentry 00 83 1 5\n\t\tentry -\n\t\tentry 00 83 7 0\n\t\tentry 00 0f 100 "
-	         "50\n"
+		 "50\n"
 		 "\ttable 100\n\t\tentry 00 82 1 5\n\t\tentry 00 85 10 5\n"
 		 "\ttable 110\n\t\tentry 00 07 1 5\n";
 	tables();

@@ -3,9 +3,11 @@
 #include "reasons_lists.h"
 
 #include "partition_query.h"
+#include "reasons_node.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 #include <set>
 
 static constexpr std::uint8_t PROTECTIVE = 0xee;
@@ -53,19 +55,15 @@ static reason_t protective_reason(const known_partition_t &p, const facts_t &fac
 	                        *table->entries == 1 ? "partition" : "partitions"));
 }
 
-// Bytes; of the kernel's table up to what it rounds down. 0 when nobody knows it.
-static std::uint64_t size_of_disk(const std::string &node, const facts_t &facts, const block_table_t &table)
+// Bytes; 0 when nobody tells.
+static std::uint64_t size_of_disk(const std::string &node, const facts_t &facts)
 {
 	const std::string name = name_of_node(node);
 	for (const known_device_t &device : facts.devices) {
 		if (device.name == name)
 			return device.size > 0 ? static_cast<std::uint64_t>(device.size) : 0;
 	}
-	for (const block_row_t &row : table.rows) {
-		if (row.stem == name && !row.is_partition && row.size > 0)
-			return static_cast<std::uint64_t>(row.size) + SECTOR;
-	}
-	return 0;
+	return node_t(node).sectors().value_or(0) * SECTOR;
 }
 
 static maybe_reason_t place_reason(const known_partition_t &p, std::uint64_t disk_size)
@@ -97,13 +95,16 @@ static maybe_reason_t text_reason(const known_partition_t &p, const facts_t &fac
 	                known.empty() ? "mount points cut" : "mount points cut; in full: " + known, true};
 }
 
-static void take_rows(const facts_t &facts, const kernel_tables_t &tables, reason_lines_t *lines)
+static void take_rows(const facts_t &facts, reason_lines_t *lines)
 {
+	std::map<std::string, std::uint64_t> sizes;
 	for (const known_partition_t &p : facts.partitions) {
+		const auto [size, is_new] = sizes.try_emplace(p.disk);
+		if (is_new)
+			size->second = size_of_disk(p.disk, facts);
 		if (is_protective(p))
 			lines->add(name_of(p), protective_reason(p, facts));
-		else if (const maybe_reason_t reason =
-		                 place_reason(p, size_of_disk(p.disk, facts, tables.block)))
+		else if (const maybe_reason_t reason = place_reason(p, size->second))
 			lines->add(name_of(p), *reason);
 		if (const maybe_reason_t reason = text_reason(p, facts))
 			lines->add(name_of(p), *reason);
@@ -168,7 +169,7 @@ messages_t partition_reasons(const facts_t &facts, const std::vector<unlisted_t>
                              const kernel_tables_t &tables, const kind_t &kind, bool disks_are_shown)
 {
 	reason_lines_t lines(kind);
-	take_rows(facts, tables, &lines);
+	take_rows(facts, &lines);
 	take_cut_lists(facts, &lines);
 	const std::set<std::string> names = partitioned(facts, tables.block);
 	const std::vector<unlisted_t> disks = disks_without_rows(unlisted, names);

@@ -92,16 +92,15 @@ classic_name_t classic_name_of(std::string_view name)
 
 static void take_block_row(block_table_t *table, const std::string &line)
 {
-	long long blocks;
 	char word[64];
-	if (sscanf(line.c_str(), "%*d %*d %lld %63s", &blocks, word) != 2)
+	if (sscanf(line.c_str(), "%*d %*d %*d %63s", word) != 1)
 		return;
 	std::string_view name = word;
 	name.remove_prefix(name.rfind('/') + 1);
 	const std::string stem(without_number(name));
 	// Number 0 is none.
 	const bool is_partition = name.find_first_not_of('0', stem.size()) != name.npos;
-	table->rows.push_back({stem, is_partition, static_cast<std::int64_t>(blocks) * 1024});
+	table->rows.push_back({stem, is_partition});
 	if (!is_partition && (is_ide_stem(stem) || is_scsi_stem(stem)))
 		table->disks.push_back(stem);
 }

@@ -16,7 +16,6 @@ classic_name_t classic_name_of(std::string_view name);
 struct block_row_t {
 	std::string stem;  // the name without its number
 	bool is_partition; // it has one
-	std::int64_t size; // bytes, rounded down to KiB
 };
 
 struct block_table_t {
