@@ -5,6 +5,7 @@
 #include "partition_query.h"
 #include "reasons.h"
 #include "selection.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -42,9 +43,7 @@ static void find_cause(section_t &section, enquiry_t &from)
 		answer.where = fmt::format(": {}", partition_failure(from));
 }
 
-// A host without what a kind of today is told from is none of today's. That is a failure only for somebody who asked
-// for just that.
-static bool is_of_another_time(const section_t &section, const options_t &opts)
+bool is_of_another_time(const section_t &section, const options_t &opts)
 {
 	return opts.is_alone && section.kind->side == side_t::BLOCK && section.answer.error == ENOENT;
 }
@@ -56,8 +55,14 @@ static void add_failures(sections_t &sections, enquiry_t &from, const options_t 
 		if (lacks_controller(*section.kind, from) && !section.answer.failed)
 			messages.push_back({severity_t::NOTE, section.kind, code_t::NO_CONTROLLER,
 			                    "no RAID controller was found"});
-		if (!section.answer.failed || is_of_another_time(section, opts))
+		if (!section.answer.failed)
 			continue;
+		if (is_of_another_time(section, opts)) {
+			if (section.kind == &DEVICES_KIND)
+				messages.push_back({severity_t::NOTE, section.kind, code_t::NO_SYSFS,
+				                    "this host has no /sys: devices of today cannot be told"});
+			continue;
+		}
 		find_cause(section, from);
 		messages.push_back({severity_t::ERROR, section.kind, code_t::QUERY_FAILED, failure_of(section)});
 		hardware_failed |= section.kind->side == side_t::RAID || section.kind->side == side_t::CONTROLLER;
@@ -92,9 +97,12 @@ sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 	}
 	add_failures(sections, from, opts, messages);
 	if (!opts.classic) {
-		for (message_t &reason : reasons(from, opts.kinds, !opts.is_alone && has_devices(opts.kinds)))
+		for (message_t &reason : reasons(from, opts.kinds, has_devices(opts.kinds)))
 			messages.push_back(std::move(reason));
 	}
+	// Names of devices and of controllers stand in them.
+	for (message_t &message : messages)
+		message.text = printable(message.text);
 	return sections;
 }
 

@@ -54,6 +54,9 @@ void document_t::controller(const std::optional<std::string> &name)
 // That nothing was found would be a false answer of a query that failed.
 void document_t::list(const kind_t &kind, const answer_t &answer)
 {
+	// Far less than it takes to make room for the text again and again.
+	constexpr std::size_t ROOM = 1024;
+	text_.reserve(text_.size() + answer.rows.size() * ROOM);
 	to_.key(kind.word);
 	if (answer.failed && answer.rows.empty()) {
 		to_.absent();

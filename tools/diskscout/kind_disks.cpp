@@ -34,7 +34,11 @@ static void put_position(const row_t &row, sink_t &to)
 // The record's 32 bits hold no more than a part of these.
 template <unsigned Bytes> static void put_count_of(const row_t &row, sink_t &to)
 {
-	put_known(record_of<disk_t>(row).nSize / Bytes, to);
+	const auto &d = record_of<disk_t>(row);
+	if (d.nSize)
+		to.large(d.nSize / Bytes);
+	else
+		to.absent();
 }
 
 // What the geometry tells. Without one, which a size of 0 shows, all of it is 0.

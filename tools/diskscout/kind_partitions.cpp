@@ -22,7 +22,11 @@ static void put_first_sector(const row_t &row, sink_t &to)
 
 static void put_sectors(const row_t &row, sink_t &to)
 {
-	put_known(record_of<partition_t>(row).nSize / 512, to);
+	const auto &p = record_of<partition_t>(row);
+	if (p.nSize)
+		to.large(p.nSize / 512);
+	else
+		to.absent();
 }
 
 // The record joins them with semicolons.

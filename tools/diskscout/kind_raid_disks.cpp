@@ -51,6 +51,15 @@ static void put_blocks(const row_t &row, sink_t &to)
 		to.number(d.nBlocks);
 }
 
+static void put_blocks_least(const row_t &row, sink_t &to)
+{
+	const auto &d = record_of<raid_disk_t>(row);
+	if (d.nBlocks < 0)
+		to.absent();
+	else
+		to.number(d.nBlocks);
+}
+
 static bool is_sized(const raid_disk_t &d)
 {
 	return d.nBlocks > 0 && d.nBytesPerBlock > 0 && d.nBlocks <= INT_MAX;
@@ -86,8 +95,8 @@ static constexpr field_t FIELDS[] = {
 	word<&raid_disk_t::DeviceType, DEVICE_TYPES>("device_type_word", "TYPE", "null for a code without a word"),
 	number<&raid_disk_t::nBlocks>("blocks", "BLOCKS", "", OLD),
 	{"blocks", "BLOCKS", shape_t::NUMBER, NEW | MAY_LACK, "blocks; null beyond what the record holds", put_blocks},
-	number<&raid_disk_t::nBlocks>("blocks_least", "BLOCKS AT LEAST",
-                                      "blocks as the record holds them: 2147483647 for all larger numbers", NEW),
+	{"blocks_least", "BLOCKS AT LEAST", shape_t::NUMBER, NEW | MAY_LACK,
+         "blocks as the record holds them: 2147483647 for all larger numbers", put_blocks_least},
 	number<&raid_disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block"),
 	{"size", "SIZE", shape_t::BYTES, 0, "bytes of blocks_least", put_size, {}, size_cell},
 	number<&raid_disk_t::Usage>("usage", "USAGE CODE", "code of usage_word"),

@@ -10,7 +10,6 @@
 #include "pairs.h"
 #include "program.h"
 #include "terminal.h"
-#include "text.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -86,13 +85,16 @@ static std::string messages_about(const kind_t *kind, const messages_t &messages
 	for (const message_t &message : messages) {
 		const bool has_table = std::find(drawn.begin(), drawn.end(), message.kind) != drawn.end();
 		if ((has_table ? message.kind : nullptr) == kind && is_below_its_table(message))
-			text += printable(message.text) + ".\n";
+			text += message.text + ".\n";
 	}
 	return text;
 }
 
 static std::string body_of(section_t &section, enquiry_t &from, const options_t &opts)
 {
+	// A message tells why.
+	if (is_of_another_time(section, opts))
+		return "";
 	if (section.answer.rows.empty())
 		return nothing_of(section, from);
 	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO)) + note_of(*section.kind);
@@ -103,8 +105,7 @@ static bool is_drawn(const section_t &section, const options_t &opts)
 {
 	if (!opts.is_alone || opts.classic || !section.answer.rows.empty())
 		return true;
-	const bool is_when_any = (section.kind->unasked & WHEN_ANY) != 0;
-	return is_when_any ? section.answer.failed : section.answer.error != ENOENT;
+	return section.answer.failed || (section.kind->unasked & WHEN_ANY) == 0;
 }
 
 static std::string rows_alone(section_t &section, enquiry_t &from, const options_t &opts)

@@ -11,6 +11,7 @@
 #include "program.h"
 #include "schema.h"
 #include "sysroot.h"
+#include "text.h"
 #include "usage_error.h"
 
 const char PROGRAM_NAME[] = "diskscout";
@@ -43,11 +44,12 @@ static int show(const options_t &opts)
 	return written(shown.text, shown.status);
 }
 
-static int answer(const options_t &opts)
+// Reading the command line ended where it asked for this.
+static int answer(const options_t &opts, bool in_document)
 {
-	if (!opts.json || opts.is_old())
+	if (!in_document)
 		return written(opts.answer, STATUS_FINE);
-	document_t document(host_names(opts.replayed));
+	document_t document(host_names(false));
 	return written(document.end({{severity_t::NOTE, nullptr, opts.answer_code, opts.answer}}, STATUS_FINE), STATUS_FINE);
 }
 
@@ -55,7 +57,7 @@ static int run(int argc, char **argv)
 {
 	options_t opts = parse_options(argc, argv);
 	if (opts.command == command_t::ANSWER)
-		return answer(opts);
+		return answer(opts, wants_document(argc, argv));
 	if (opts.command == command_t::SCHEMA)
 		return written(document_schema(), STATUS_FINE);
 	if (opts.asks_classic())
@@ -93,6 +95,7 @@ static int in_document(int argc, char **argv)
 	} catch (const std::exception &error) {
 		text = error.what();
 	}
+	text = printable(text);
 	complain(text);
 	document_t document(host_names(false));
 	return written(document.end({{severity_t::ERROR, nullptr, code, text}}, status), status);

@@ -72,7 +72,7 @@ static bool has(const kinds_t &kinds, kind_test_t test)
 static const kind_t *kind_named(std::string_view word, bool old)
 {
 	for (const kind_t *k : all_kinds()) {
-		if (word == k->old_word || (!old && word == k->word))
+		if ((is_old(k) && word == k->old_word) || (!old && word == k->word))
 			return k;
 	}
 	return nullptr;
@@ -152,7 +152,7 @@ struct table_option_t {
 static void check_table_options(const options_t &opts)
 {
 	const table_option_t options[] = {
-		{"--columns", !opts.columns.empty(), true}, {"--sort", !opts.sort.empty(), true},
+		{"--columns (-o)", !opts.columns.empty(), true}, {"--sort", !opts.sort.empty(), true},
 		{"--pairs", opts.pairs, true},              {"--bytes", opts.bytes, false},
 		{"--no-headings", opts.no_headings, true},
 	};
@@ -178,8 +178,11 @@ static void check_table_options(const options_t &opts)
 
 static void check_classic(const options_t &opts)
 {
-	if (opts.classic && has(opts.kinds, is_block))
-		throw usage_error_t(fmt::format("--classic is for {}", words_of(is_classic)));
+	const auto today = std::find_if(opts.kinds.begin(), opts.kinds.end(), is_block);
+	if (opts.classic && today != opts.kinds.end())
+		throw usage_error_t(
+			fmt::format("--classic is for {}, not for {}", words_of(is_classic),
+		                    opts.devices.empty() ? (*today)->word : opts.devices.front()));
 	if (opts.is_old() && !opts.block_plugin.empty())
 		throw usage_error_t("--block-plugin is for format 2");
 }
@@ -187,8 +190,9 @@ static void check_classic(const options_t &opts)
 static void check_devices(const options_t &opts)
 {
 	if (!opts.devices.empty() && has(opts.kinds, is_classic))
-		throw usage_error_t(fmt::format("a device is for {}", words_of(is_block)));
-	if (opts.inverse && opts.devices.empty() && !has(opts.kinds, is_tree))
+		throw usage_error_t(
+			fmt::format("a device, such as {}, is for {}", opts.devices.front(), words_of(is_block)));
+	if (opts.inverse && opts.devices.empty() && (opts.is_alone || !has(opts.kinds, is_tree)))
 		throw usage_error_t(fmt::format("--inverse is for {}, or for a device", words_of(is_tree)));
 	if (opts.inverse && opts.devices.empty() && (opts.json || opts.pairs || !opts.sort.empty()))
 		throw usage_error_t("--inverse is for the tree, or for a device");
