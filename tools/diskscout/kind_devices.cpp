@@ -2,6 +2,9 @@
 #include "block_fields.h"
 #include "kinds.h"
 
+#include <cstring>
+#include <fmt/format.h>
+
 using device_t = block_device;
 
 static void put_mount_points(const row_t &row, sink_t &to)
@@ -13,13 +16,28 @@ static void put_mount_points(const row_t &row, sink_t &to)
 	to.end_list();
 }
 
+// People know a mapping by the name that its administrator gave it.
+static std::string name_cell(const row_t &row)
+{
+	const auto &d = record_of<device_t>(row);
+	return d.dm_name ? fmt::format("{} ({})", d.name, d.dm_name) : d.name;
+}
+
+static std::string kind_cell(const row_t &row)
+{
+	const auto &d = record_of<device_t>(row);
+	return d.dm_kind && strcmp(d.dm_kind, "unknown") != 0 ? d.dm_kind : d.kind;
+}
+
 static constexpr field_t FIELDS[] = {
-	always<&device_t::name>("name", "NAME", "the kernel's name, such as nvme0n1p2 or dm-0"),
+	{"name", "NAME", shape_t::TEXT, NEW, "the kernel's name, such as nvme0n1p2 or dm-0",
+         told_text<&device_t::name>, {}, name_cell},
 	text<&device_t::node>("node", "NODE", "device node; null for a hidden device"),
 	number<&device_t::major>("major", "MAJOR", "of the device number; null for a hidden device"),
 	number<&device_t::minor>("minor", "MINOR", "of the device number; null for a hidden device"),
-	always<&device_t::kind>("kind", "KIND",
-                                "disk, partition, rom, md, dm, loop, zram, ram, floppy, path, or a driver's own word"),
+	{"kind", "KIND", shape_t::TEXT, NEW,
+         "disk, partition, rom, md, dm, loop, zram, ram, floppy, path, or a driver's own word",
+         told_text<&device_t::kind>, {}, kind_cell},
 	text<&device_t::disk>("disk", "DISK", "of a partition: name of the device that it is part of"),
 	number<&device_t::partition_number>("partition_number", "NUMBER", "of a partition: from 1 on"),
 	bytes<&device_t::size>("size", "SIZE", "bytes; 0 without a medium"),

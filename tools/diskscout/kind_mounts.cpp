@@ -16,6 +16,12 @@ static void put_priority(const row_t &row, sink_t &to)
 		to.absent();
 }
 
+static std::string place_cell(const row_t &row)
+{
+	const char *const place = record_of<mount_t>(row).mount_point;
+	return place ? place : "[SWAP]";
+}
+
 static constexpr field_t FIELDS[] = {
 	always<&mount_t::kind>("kind", "KIND", "mount or swap"),
 	number<&mount_t::id>("id", "ID", "of the mount; null for swap"),
@@ -26,7 +32,8 @@ static constexpr field_t FIELDS[] = {
 	text<&mount_t::source>("source", "SOURCE", "a node, a remote name or a word, as the kernel tells it"),
 	text<&mount_t::type>("type", "TYPE", "file system type; of swap: partition or file"),
 	text<&mount_t::root>("root", "ROOT", "what of the file system is mounted"),
-	text<&mount_t::mount_point>("mount_point", "MOUNT POINT", "null for swap"),
+	{"mount_point", "MOUNT POINT", shape_t::TEXT, NEW | MAY_LACK, "null for swap",
+         told_text<&mount_t::mount_point>, {}, place_cell},
 	text<&mount_t::options>("options", "OPTIONS", "of the mount"),
 	text<&mount_t::super_options>("super_options", "FS OPTIONS", "of the file system"),
 	flag<&mount_t::shadowed>("shadowed", "SHADOWED", "another mount hides it; null for swap"),

@@ -10,6 +10,7 @@
 #include "pairs.h"
 #include "program.h"
 #include "terminal.h"
+#include "unused.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -95,9 +96,12 @@ static std::string body_of(section_t &section, enquiry_t &from, const options_t 
 	// A message tells why.
 	if (is_of_another_time(section, opts))
 		return "";
+	const bool is_overview = opts.is_alone && section.kind == &DEVICES_KIND;
+	const std::string unused = is_overview ? take_out_unused(section.answer.rows) : "";
 	if (section.answer.rows.empty())
-		return nothing_of(section, from);
-	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO)) + note_of(*section.kind);
+		return nothing_of(section, from) + unused;
+	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO)) + unused +
+	       note_of(*section.kind);
 }
 
 // Of those that nobody named, only what there is.

@@ -1,0 +1,14 @@
+// Devices that wait for somebody to use them.
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_UNUSED_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_UNUSED_H
+
+#include "field.h"
+
+#include <string>
+#include <vector>
+
+// Takes those out that a driver made in advance and nobody has used yet, such as eight loop devices without a file. A
+// line that tells how many; empty when there was none.
+std::string take_out_unused(std::vector<row_t> &devices);
+
+#endif
