@@ -263,37 +263,65 @@ static const value_row_t VALUES[] = {
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
 };
 
-// The first word that is none of ours: a long option, or what stands in the place of the command.
-static std::string hint_for_mistyped(const CLI::App &app, int argc, char **argv)
+static std::vector<std::string> names_of_commands(const CLI::App &app)
 {
-	std::vector<std::string> commands, options;
+	std::vector<std::string> names;
 	for (const CLI::App *command : app.get_subcommands({}))
-		commands.push_back(command->get_name());
-	for (const CLI::Option *option : app.get_options({}))
-		options.push_back(option->get_name());
-	const auto hint = [](std::string_view word, const std::vector<std::string> &known) {
-		return suggestion(word, {known.begin(), known.end()});
-	};
-	const auto is_known = [](std::string_view word, const std::vector<std::string> &known) {
-		return std::find(known.begin(), known.end(), word) != known.end();
-	};
+		names.push_back(command->get_name());
+	return names;
+}
+
+static std::vector<std::string> names_of_options(const CLI::App &app)
+{
+	std::vector<std::string> names;
+	for (const CLI::Option *option : app.get_options({})) {
+		// One that no help shows has no name.
+		if (!option->get_name().empty())
+			names.push_back(option->get_name());
+	}
+	return names;
+}
+
+static bool contains(const std::vector<std::string> &words, std::string_view word)
+{
+	return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+// "; did you mean \"--json\"?" for the first long option that is none of ours. Dashes are not counted as letters.
+static std::string hint_for_option(const CLI::App &app, int argc, char **argv)
+{
+	const std::vector<std::string> known = names_of_options(app);
+	std::vector<std::string_view> letters;
+	for (const std::string &name : known)
+		letters.push_back(std::string_view(name).substr(2));
 	for (int i = 1; i < argc; i++) {
 		const std::string_view word = argv[i];
 		const std::string_view name = word.substr(0, word.find('='));
-		if (name.substr(0, 2) == "--" && name.size() > 2 && !is_known(name, options))
-			return hint(name, options);
-		if (i == 1 && name.substr(0, 1) != "-" && !is_known(name, commands))
-			return hint(name, commands);
+		if (name.size() <= 2 || name.substr(0, 2) != "--" || contains(known, name))
+			continue;
+		const std::string hint = suggestion(name.substr(2), letters);
+		const std::size_t quote = hint.find('"');
+		return quote == std::string::npos ? hint : hint.substr(0, quote + 1) + "--" + hint.substr(quote + 1);
 	}
 	return "";
+}
+
+// What is wrong with the command line, in better words than those of whoever read it.
+static std::string refusal(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
+{
+	const std::vector<std::string> commands = names_of_commands(app);
+	const std::string_view first = argc > 1 ? argv[1] : "-";
+	if (first.substr(0, 1) != "-" && !contains(commands, first))
+		return fmt::format("{}, \"{}\" is none{}", error.what(), first,
+		                   suggestion(first, {commands.begin(), commands.end()}));
+	return error.what() + hint_for_option(app, argc, argv);
 }
 
 // --help and --version reach us as exceptions as well, the only ones with status 0.
 static std::string answer_to(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
 {
 	if (error.get_exit_code() != 0)
-		throw usage_error_t(fmt::format("{}{} (see diskscout --help)", error.what(),
-		                                hint_for_mistyped(app, argc, argv)));
+		throw usage_error_t(fmt::format("{} (see diskscout --help)", refusal(app, error, argc, argv)));
 	std::ostringstream answer;
 	app.exit(error, answer, answer);
 	return answer.str();
