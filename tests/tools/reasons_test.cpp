@@ -389,7 +389,9 @@ TEST_F(Reasons, TheNinthIdeDriveIsNotRead)
 	for (const char *name : {"hda", "hdb", "hdc", "hdd", "hde", "hdf", "hdg", "hdh", "hdi"})
 		ide(name, "disk");
 	put("proc/ide/hdi/media", "cdrom\n");
-	std::filesystem::create_directories(host() / "proc/ide/hda17");
+	// No drive names: they take no place either.
+	for (const char *name : {"hda0", "hda17", "hdu", "ide0"})
+		ide(name, "disk");
 	today("hdi", "rom");
 	EXPECT_THAT(of_cdroms(),
 	            ElementsAre("note not_in_ide_table: hdi: behind the 8th drive of /proc/ide"));
@@ -443,6 +445,14 @@ TEST_F(Reasons, WithoutSysfsTheKernelsTableIsAsked)
 	EXPECT_THAT(of_disks(), ElementsAre("note not_in_scsi_table: sdb: not in /proc/scsi/scsi"));
 }
 
+TEST_F(Reasons, TheKernelsTableBeginsBehindTwoLines)
+{
+	facts_.knows_devices = false;
+	has_block_table = has_scsi_table = false;
+	put("proc/partitions", "   8        0  1024 sda\n   8       16  1024 sdb\n   8       32  1024 sdc\n");
+	EXPECT_THAT(of_disks(), ElementsAre("note no_scsi_table: sdc: this kernel has no /proc/scsi/scsi"));
+}
+
 TEST_F(Reasons, WithoutSysfsAndWithoutTheKernelsTableNothingIsKnown)
 {
 	facts_.knows_devices = false;
@@ -491,6 +501,15 @@ TEST_F(Reasons, WithoutSysfsTheIdeTableIsAskedForDrives)
 	            ElementsAre("note not_in_ide_table: hdd: this kernel has no /proc/ide/hdd/model"));
 }
 
+TEST_F(Reasons, DrivesStandByName)
+{
+	facts_.knows_devices = false;
+	for (const char *name : {"hdd", "hda", "hde", "hdb", "hdc"})
+		ide(name, "cdrom");
+	EXPECT_THAT(of_cdroms(),
+	            ElementsAre("note not_in_ide_table: hda, hdb, hdc, hdd, hde: no cause was found"));
+}
+
 // ---- partitions ----
 
 const char *const PROTECTIVE_TABLE = "\ttable 0\n\t\tentry 00 ee 1 4294967295\n";
@@ -531,6 +550,18 @@ TEST_F(Reasons, NobodyIsAskedForTablesWithoutAProtectiveEntry)
 	row("sda", 0, 1, 7);
 	row("sda", 1, 63, 7);
 	EXPECT_THAT(of_partitions(), IsEmpty());
+}
+
+TEST_F(Reasons, NoDeviceIsOpenedForRowsThatNeedNoWord)
+{
+	today("sda");
+	listed("sda");
+	node("sda", 1);
+	row("sda", 0, 63, 100);
+	const kernel_tables_t read = tables();
+	replay_count_calls();
+	EXPECT_THAT(partition_reasons(facts_, unlisted_disks(facts_, read), read, KIND, false), IsEmpty());
+	EXPECT_EQ(replay_device_opens(), 0);
 }
 
 TEST_F(Reasons, RowsOutsideTheirDisk)
@@ -633,6 +664,22 @@ TEST_F(Reasons, WithoutSysfsTheKernelsTableTellsPartitions)
 		block(name);
 	EXPECT_THAT(of_partitions(),
 	            ElementsAre("note no_scsi_table: sda: this kernel has no /proc/scsi/scsi"));
+}
+
+TEST_F(Reasons, ThatTheListOfDisksIsCutIsToldOfTheDisksAlone)
+{
+	for (char letter = 'a'; letter <= 'q'; letter++) {
+		const std::string name = std::string("sd") + letter;
+		today(name);
+		today(name + "1", "partition", 512, name);
+		block(name);
+		node(name, 1);
+		if (letter <= 'p')
+			listed(name);
+	}
+	scsi(1);
+	EXPECT_THAT(of_partitions(), IsEmpty());
+	EXPECT_THAT(of_partitions(true), IsEmpty());
 }
 
 // ---- the partition query's failure ----
