@@ -732,6 +732,45 @@ TEST_F(Reasons, ASizeOrASectorThatCannotBeReadMakesTheQueryFail)
 	EXPECT_EQ(failure(), "no cause was found");
 }
 
+// Whatever cannot be asked, lines come, and each is one.
+TEST_F(Reasons, AnyCallMayFail)
+{
+	put("etc/mtab", "");
+	for (const char *name : {"sda", "hda", "hdc"})
+		block(name);
+	scsi(1);
+	ide("hda", "disk");
+	ide("hdc", "cdrom");
+	node("sda", 1, PROTECTIVE_TABLE);
+	node("hda", 0);
+	listed("hda");
+	row("sda", 0, 1, 4294967295);
+	facts_.knows_devices = false;
+	tables();
+	for (const int from_there_on : {0, 1}) {
+		for (long nth = 1;; ++nth) {
+			replay_fail_call(nth, from_there_on);
+			const kernel_tables_t read = read_kernel_tables();
+			const auto unlisted = unlisted_disks(facts_, read);
+			messages_t messages = disk_reasons(facts_, unlisted, read, KIND);
+			for (const message_t &more : partition_reasons(facts_, unlisted, read, KIND, false))
+				messages.push_back(more);
+			for (const message_t &more : cdrom_reasons(facts_, read, KIND))
+				messages.push_back(more);
+			messages.push_back(
+				{severity_t::NOTE, &KIND, code_t::CUT_TEXT, partition_failure(facts_, read)});
+			replay_fail_call(0, 0);
+			for (const message_t &message : messages) {
+				EXPECT_FALSE(message.text.empty());
+				EXPECT_EQ(message.text.find('\n'), std::string::npos);
+			}
+			if (replay_calls() < nth)
+				break;
+			ASSERT_LT(nth, 1000);
+		}
+	}
+}
+
 // ---- a disk's tables ----
 
 TEST_F(Reasons, TablesAreReadAsTheQueryReadsThem)
