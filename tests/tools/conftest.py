@@ -23,8 +23,9 @@ def pytest_addoption(parser):
 class Tool:
     """The program, with an environment of which nothing but the given variables steers it."""
 
-    def __init__(self, build_dir, modules, scratch):
+    def __init__(self, build_dir, modules, made_program, scratch):
         self.program = build_dir / "diskscout"
+        self.made_program = made_program
         self.plugin = build_dir / "diskscout.so"
         self.block_plugin = build_dir / "diskscout-block.so"
         self.replay = build_dir / "diskscout-replay.so"
@@ -60,12 +61,6 @@ class Tool:
 
     def made(self, *arguments, classic="plain", block="plain", env=None, **settings):
         """One run of the program beside which the made plug-ins lie; neither has to be asked."""
-        directory = self.scratch / "made"
-        if not directory.exists():
-            self.copy_program(directory)
-            shutil.copy2(self.replay, directory)
-            (directory / "diskscout.so").symlink_to(self.fake_plugin)
-            (directory / "diskscout-block.so").symlink_to(self.fake_block_plugin)
         reports = [self.scratch / name for name in ("report", "block-report")]
         for path in reports:
             path.unlink(missing_ok=True)
@@ -76,7 +71,7 @@ class Tool:
             "FAKE_BLOCK_REPORT": str(reports[1]),
             **(env or {}),
         }
-        result = self.run(*arguments, program=directory / "diskscout", env=environment, **settings)
+        result = self.run(*arguments, program=self.made_program, env=environment, **settings)
         self.report, self.block_report = (self.read_lines(path) for path in reports)
         for report in (self.report, self.block_report):
             assert report.get("live", "0") == report.get("wrong", "0") == "0"
@@ -137,13 +132,30 @@ class Tool:
         return program
 
 
-@pytest.fixture
-def tool(request, tmp_path):
+@pytest.fixture(scope="session")
+def directories(request):
+    """Where the program was built, and the plug-ins of these tests."""
     build_dir = pathlib.Path(request.config.getoption("--build-dir")).resolve()
-    modules = pathlib.Path(request.config.getoption("--modules") or build_dir / "tests" / "tools").resolve()
+    return build_dir, pathlib.Path(request.config.getoption("--modules") or build_dir / "tests" / "tools").resolve()
+
+
+@pytest.fixture(scope="session")
+def made_program(directories, tmp_path_factory):
+    """A copy of the program that the made plug-ins lie beside: it takes them for those that come with it."""
+    build_dir, modules = directories
+    directory = tmp_path_factory.mktemp("made")
+    for name in ("diskscout", "diskscout-replay.so"):
+        shutil.copy2(build_dir / name, directory)
+    for name, made in (("diskscout.so", "fake_plugin.so"), ("diskscout-block.so", "fake_block_plugin.so")):
+        (directory / name).symlink_to(modules / made)
+    return directory / "diskscout"
+
+
+@pytest.fixture
+def tool(directories, made_program, tmp_path):
     scratch = tmp_path / "tool"
     scratch.mkdir()
-    return Tool(build_dir, modules, scratch)
+    return Tool(*directories, made_program, scratch)
 
 
 def complaint(result, status):

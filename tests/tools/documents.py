@@ -66,6 +66,11 @@ def errors_of(document):
     return [message for message in document["messages"] if message["severity"] == "error"]
 
 
+def shown(text):
+    """As a terminal is told it."""
+    return "".join(character if character.isprintable() and character != "\ufffd" else "?" for character in text)
+
+
 def check_envelope(document):
     keys = list(document)
     kinds = [key for key in keys if key in KINDS]
@@ -93,7 +98,7 @@ def check_host(host, command):
 
 def check_errors(document, result):
     assert document["exit_status"] == result.returncode
-    texts = [message["text"] for message in errors_of(document)]
+    texts = [shown(message["text"]) for message in errors_of(document)]
     assert bool(texts) == (result.returncode != 0)
     if result.stderr is not None:
         said = [line for line in result.stderr.splitlines() if line.startswith("diskscout: ")]

@@ -20,7 +20,7 @@ HOSTS = [*hosts_in(TESTS / "hosts"), *hosts_in(TESTS / "block" / "hosts")]
 
 def uname_of(host):
     """What the host says of itself, as far as it does."""
-    lines = (host / "host.txt").read_text(encoding="utf-8").splitlines()
+    lines = (host / "host.txt").read_text(encoding="utf-8", errors="replace").splitlines()
     words = [line.split() for line in lines if line.startswith("uname ")]
     return {field: text for _, field, text in words}
 
@@ -37,11 +37,13 @@ def test_every_kind(tool, host, tmp_path):
         result = tool.run("list", "--json", *words, "--sysroot", whole)
         assert result.returncode in (0, 1), result.stderr
         document = json.loads(result.stdout)
-        for field, key in (("nodename", "name"), ("release", "kernel")):
-            assert field not in told or document["host"][key] == told[field]
+        # What it does not tell is not known: the running machine is another one.
+        assert document["host"] == {"name": told.get("nodename"), "kernel": told.get("release")}
+        denied = [message["text"] for message in document["messages"] if message["code"] == "no_permission"]
+        assert all("ermi" in text for text in denied), denied
     table = tool.run("list", "--sysroot", whole)
     assert table.returncode in (0, 1), table.stderr
-    assert table.stdout.startswith("DEVICES\n")
+    assert table.stdout
     assert all(character.isprintable() for character in table.stdout.replace("\n", ""))
 
 

@@ -157,16 +157,12 @@ def test_no_streams_at_all(tool):
     for redirections in (">&-", "<&- >&-", "<&- >&- 2>&-", "2>&-"):
         for words in (["list"], ["list", "--json"]):
             script = f'exec "$0" "$@" {redirections}'
-            tool.made(*words)
-            program = tool.scratch / "made" / "diskscout"
-            result = tool.run("-c", script, program, *words, program="/bin/sh")
+            result = tool.run("-c", script, tool.made_program, *words, program="/bin/sh")
             assert result.returncode == (0 if redirections == "2>&-" else 1)
 
 
 def test_plugins_never_get_the_number_of_a_standard_stream(tool):
-    tool.made("list")
-    program = tool.scratch / "made" / "diskscout"
     path = tool.scratch / "report"
     env = {"FAKE_PLUGIN_REPORT": str(path)}
-    tool.run("-c", 'exec "$0" "$@" <&- >&- 2>&-', program, "list", program="/bin/sh", env=env)
+    tool.run("-c", 'exec "$0" "$@" <&- >&- 2>&-', tool.made_program, "list", program="/bin/sh", env=env)
     assert int(tool.read_lines(path)["lowest_descriptor"]) > 2
