@@ -56,6 +56,15 @@ def test_this_machine(tool):
     assert "\x1b" not in table.stdout
 
 
+def test_devices_of_this_machine_by_their_nodes(tool):
+    """Those that have one: in a bare root there may be none."""
+    devices = json.loads(tool.run("list", "devices", "--json").stdout)["devices"] or []
+    for device in [device for device in devices if device["node"] and os.path.exists(device["node"])][:3]:
+        alone = tool.run("list", device["node"], "--json")
+        assert alone.returncode == 0
+        assert device["name"] in [one["name"] for one in json.loads(alone.stdout)["devices"]]
+
+
 @pytest.fixture
 def everybody(tool):
     """The program where an ordinary user can reach it."""

@@ -44,6 +44,7 @@ REFUSED = [
     (["list", "--classic", "--block-plugin", "x.so"], "--block-plugin"),
     (["list", "--classic", "disks", "--block-plugin", "x.so"], "--block-plugin"),
     (["list", "mounts", "--inverse"], "--inverse"),
+    (["list", "devices", "--plugin", "x.so"], "--plugin"),
     (["list", "disks", "--inverse"], "--inverse"),
     (["list", "sda"], "/dev/sda"),
     (["list", "nvme0n1p2"], "/dev/nvme0n1p2"),
@@ -85,6 +86,12 @@ OF_TABLES = [
     (["list", "devices", "--sort", ""], "--sort"),
     (["list", "devices", "--sort", "name,size"], "name,size"),
     (["list", "devices", "--sort", "colour"], "colour"),
+    (["list", "devices", "--sort", "name", "--inverse"], "--inverse"),
+    (["list", "devices", "--pairs", "--bytes"], "--pairs"),
+    (["list", "devices", "--pairs", "--no-headings"], "--pairs"),
+    (["list", "devices", "-o", "name", "-o", "size"], "--columns"),
+    (["list", "devices", "-o", "name", "--columns", "name"], "--columns"),
+    (["list", "devices", "--sort", "name", "--sort", "size"], "--sort"),
 ]
 IDLE_IN_DOCUMENTS = [
     ["-o", "name"],

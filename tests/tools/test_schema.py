@@ -219,7 +219,8 @@ def test_it_is_printed_for_nothing_else(tool):
     assert result.stdout == json.dumps(json.loads(result.stdout), indent=2, ensure_ascii=False) + "\n"
 
 
-@pytest.mark.parametrize("words", [["schema", "devices"], ["schema", "--frobnicate"], ["schema", "list"]])
+@pytest.mark.parametrize("words", [["schema", "devices"], ["schema", "--frobnicate"], ["schema", "list"],
+                                   ["schema", "--bytes"], ["schema", "--classic"], ["schema", "--inverse"]])
 def test_it_takes_no_words(tool, words):
     result = tool.run(*words)
     assert complaint(result, 2)
