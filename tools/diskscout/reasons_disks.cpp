@@ -1,6 +1,7 @@
 // What keeps a disk out of the list of disks. The checks stand in the order in which the classic code comes
 // to them.
 #include "reasons_lists.h"
+#include "unused.h"
 
 #include "partition_query.h"
 #include "reasons_node.h"
@@ -124,7 +125,8 @@ bool is_optical(const known_device_t &device, const ide_table_t &table)
 static bool is_disk(const known_device_t &device, const ide_table_t &table)
 {
 	static const std::set<std::string> OTHERS = {"partition", "path", "md", "dm", "loop", "ram"};
-	return !device.hidden && OTHERS.count(device.kind) == 0 && !is_optical(device, table);
+	return !device.hidden && !is_unused(device.kind, device.size) && OTHERS.count(device.kind) == 0 &&
+	       !is_optical(device, table);
 }
 
 static std::vector<known_device_t> devices_of_table(const block_table_t &table)

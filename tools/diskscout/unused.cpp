@@ -7,14 +7,12 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <map>
-#include <string_view>
 
-// Of all others a size of 0 says something: no medium, an array that did not start.
-static bool is_unused(const block_device &device)
+bool is_unused(std::string_view kind, long long size)
 {
 	static constexpr std::string_view MADE_IN_ADVANCE[] = {"loop", "nbd", "ram", "zram"};
-	return device.size == 0 && std::find(std::begin(MADE_IN_ADVANCE), std::end(MADE_IN_ADVANCE), device.kind) !=
-	                                   std::end(MADE_IN_ADVANCE);
+	return size == 0 && std::find(std::begin(MADE_IN_ADVANCE), std::end(MADE_IN_ADVANCE), kind) !=
+	                            std::end(MADE_IN_ADVANCE);
 }
 
 std::string take_out_unused(std::vector<row_t> &devices)
@@ -22,7 +20,7 @@ std::string take_out_unused(std::vector<row_t> &devices)
 	std::map<std::string_view, std::size_t> counts;
 	const auto is_taken = [&](const row_t &row) {
 		const auto &device = record_of<block_device>(row);
-		if (!is_unused(device))
+		if (!is_unused(device.kind, device.size))
 			return false;
 		counts[device.kind]++;
 		return true;
