@@ -26,6 +26,7 @@ TREE = [
     (0, "sr0"),
 ]
 NAMES = "dm-0 dm-1 md0 nvme0n1 nvme0n1p1 sda sda1 sda2 sda10 sdb sdb1 sr0".split()
+POINTS = ["/", "/proc", "/boot", "/home", "/data", "[SWAP]"]
 HOST = "".join(
     f"device /dev/{name}\n\tnumber {number}\n"
     for name, number in [
@@ -96,6 +97,8 @@ def test_tree_of_the_tops(tool):
 
 def test_mount_points_stand_below_each_other(tool):
     lines = rows(tool, "devices", "name,mount_points,size")
+    # The swap area stands where a mount point would.
+    assert any("[SWAP]" in line and "dm-1" in line for line in lines)
     at = next(number for number, line in enumerate(lines) if line.endswith(" /home"))
     assert lines[at].index("/home") == lines[at - 1].index("/ ")
     assert lines[at].lstrip(DRAWN) == "/home"
@@ -156,7 +159,7 @@ def test_further_columns(tool):
 
 
 def test_no_headings(tool):
-    assert rows(tool, "mounts", "mount_point") == ["/", "/proc", "/boot", "/home", "/data", "-"]
+    assert rows(tool, "mounts", "mount_point") == POINTS
     assert tool.made_text("mounts", "-o", "mount_point").splitlines()[0] == "MOUNTS"
 
 
@@ -177,12 +180,14 @@ def test_bytes(tool):
     ],
 )
 def test_sorted_devices_are_a_flat_list(tool, column, names):
-    assert rows(tool, "devices", "name", "--sort", column, env=UTF8) == names
+    lines = rows(tool, "devices", "name", "--sort", column, env=UTF8)
+    assert [line.split()[0] for line in lines] == names
+    assert not any(line[0] in DRAWN for line in lines)
 
 
 def test_sort_by_a_column_that_is_not_shown(tool):
-    assert rows(tool, "mounts", "mount_point", "--sort", "id") == ["/", "/proc", "/boot", "/home", "/data", "-"]
-    by_name = ["/", "/boot", "/data", "/home", "/proc", "-"]
+    assert rows(tool, "mounts", "mount_point", "--sort", "id") == POINTS
+    by_name = ["/", "/boot", "/data", "/home", "/proc", "[SWAP]"]
     assert rows(tool, "mounts", "mount_point", "--sort", "mount_point") == by_name
 
 
