@@ -59,13 +59,16 @@ static void add_failures(sections_t &sections, enquiry_t &from, const options_t 
 			continue;
 		if (is_of_another_time(section, opts)) {
 			if (section.kind == &DEVICES_KIND)
-				messages.push_back({severity_t::NOTE, section.kind, code_t::NO_SYSFS,
-				                    "this host has no /sys: devices of today cannot be told"});
+				messages.push_back(
+					{severity_t::NOTE, section.kind, code_t::NO_SYSFS,
+				         "this host has no /sys: devices of today cannot be told"});
 			continue;
 		}
 		find_cause(section, from);
-		messages.push_back({severity_t::ERROR, section.kind, code_t::QUERY_FAILED, failure_of(section)});
-		hardware_failed |= section.kind->side == side_t::RAID || section.kind->side == side_t::CONTROLLER;
+		messages.push_back(
+			{severity_t::ERROR, section.kind, code_t::QUERY_FAILED, failure_of(section)});
+		hardware_failed |=
+			section.kind->side == side_t::RAID || section.kind->side == side_t::CONTROLLER;
 	}
 	// One cause, most probably: one hint.
 	if (hardware_failed)

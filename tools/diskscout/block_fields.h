@@ -1,4 +1,5 @@
-// Rows of field tables over the records of today's hosts, in which what is absent is told apart from all values.
+// Rows of field tables over the records of today's hosts, in which what is absent is told apart from all
+// values.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_BLOCK_FIELDS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_BLOCK_FIELDS_H
 

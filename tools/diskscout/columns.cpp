@@ -59,9 +59,9 @@ const field_t &column_of(const kind_t &kind, std::string_view name)
 		known.emplace_back(field.key);
 	}
 	const std::string hint = suggestion(key, known);
-	throw usage_error_t(fmt::format("{} have no column \"{}\"{}", kind.word, name,
-	                                hint.empty() ? fmt::format(", known are {}", fmt::join(known, ", "))
-	                                             : hint));
+	throw usage_error_t(
+		fmt::format("{} have no column \"{}\"{}", kind.word, name,
+	                    hint.empty() ? fmt::format(", known are {}", fmt::join(known, ", ")) : hint));
 }
 
 static void add(columns_t &columns, const field_t &column)

@@ -12,8 +12,9 @@ using columns_t = std::vector<const field_t *>;
 // Those of the tables of format 1.
 columns_t old_columns_of(const kind_t &kind);
 
-// Those that are named, with commas between them, in any case; "+" before them: those that are shown unasked, and these
-// behind them; empty: those that are shown unasked. Throws usage_error for one that there is not, or that is there twice.
+// Those that are named, with commas between them, in any case; "+" before them: those that are shown unasked,
+// and these behind them; empty: those that are shown unasked. Throws usage_error for one that there is not,
+// or that is there twice.
 columns_t columns_of(const kind_t &kind, const std::string &named);
 
 // The column of this name. Throws usage_error when there is none.

@@ -19,7 +19,8 @@ static table_t empty_table(const columns_t &columns)
 {
 	table_t table;
 	for (const field_t *column : columns)
-		table.columns.push_back({column->heading, is_number(*column) ? align_t::RIGHT : align_t::LEFT});
+		table.columns.push_back(
+			{column->heading, is_number(*column) ? align_t::RIGHT : align_t::LEFT});
 	return table;
 }
 

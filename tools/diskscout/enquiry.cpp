@@ -18,9 +18,9 @@ const item_list_t &enquiry_t::remembered(const plugin_t &of, UINT query, const s
 	if (found != lists_.end())
 		return found->second;
 	return lists_
-		.emplace(std::piecewise_construct, std::forward_as_tuple(query),
+	        .emplace(std::piecewise_construct, std::forward_as_tuple(query),
 	                 std::forward_as_tuple(of, query, argument))
-		.first->second;
+	        .first->second;
 }
 
 const item_list_t &enquiry_t::list(UINT query)

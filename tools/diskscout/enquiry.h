@@ -13,18 +13,19 @@
 class enquiry_t
 {
 public:
-	// Plug-ins that nothing is asked of may be null. The controller is named by the caller of the program; empty:
-	// the first one of the list.
+	// Plug-ins that nothing is asked of may be null. The controller is named by the caller of the
+	// program; empty: the first one of the list.
 	enquiry_t(const plugin_t *classic, const plugin_t *block, std::string controller);
 
 	// The plug-in is asked at the first call for this list; the records are there as long as the enquiry.
-	const item_list_t &list(UINT query);                       // of the classic plug-in, without an argument
-	const item_list_t &block_list(UINT query);                 // of the block plug-in
-	const item_list_t &list_of_controller(UINT query);         // with the controller as its argument
+	const item_list_t &list(UINT query);               // of the classic plug-in, without an argument
+	const item_list_t &block_list(UINT query);         // of the block plug-in
+	const item_list_t &list_of_controller(UINT query); // with the controller as its argument
 	item_list_t ask(UINT query, const std::string &argument) const; // of the classic plug-in, anew
 
 	const item_list_t &controllers() { return list(CMD_GET_CONTROLLERS); }
-	// Where the device of this name is mounted, "[SWAP]" for a swap area; nowhere when that cannot be told.
+	// Where the device of this name is mounted, "[SWAP]" for a swap area; nowhere when that cannot be
+	// told.
 	const std::vector<std::string_view> &mounted(std::string_view device);
 
 	// The controller that the queries are about; none when none was named and none is listed.

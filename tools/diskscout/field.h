@@ -1,5 +1,5 @@
-// What is told of a record, a row of a table each: a key of the document, a column of the tables, a property of
-// the schema. All three are made from the same rows, so that none can promise what another does not hold.
+// What is told of a record, a row of a table each: a key of the document, a column of the tables, a property
+// of the schema. All three are made from the same rows, so that none can promise what another does not hold.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_FIELD_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_FIELD_H
 
@@ -19,8 +19,8 @@ struct row_t {
 // What a value is. BYTES is a number of them, which tables show in units.
 enum class shape_t { FLAG, NUMBER, BYTES, TEXT, TEXTS, OBJECT, OBJECTS };
 
-// What the format 1 of the document holds, and the columns of its tables, never changes. A field that has none of OLD
-// and NEW is a column only.
+// What the format 1 of the document holds, and the columns of its tables, never changes. A field that has
+// none of OLD and NEW is a column only.
 enum : unsigned {
 	MAY_LACK = 1, // null in the document, "-" in a table
 	OLD = 2,      // stands in the document of format 1 ...
@@ -50,8 +50,9 @@ struct field_t {
 	unsigned traits;
 	const char *what; // a line for the schema: unit, range, where it comes from
 	void (*put)(const row_t &row, sink_t &to);
-	fields_t inner = {};                           // of an OBJECT, or of each of the OBJECTS
-	std::string (*cell)(const row_t &row) = nullptr; // in a table, where the value itself does not read well
+	fields_t inner = {}; // of an OBJECT, or of each of the OBJECTS
+	std::string (*cell)(const row_t &row) =
+		nullptr; // in a table, where the value itself does not read well
 };
 
 inline const field_t *fields_t::begin() const

@@ -43,14 +43,17 @@ static constexpr field_t FIELDS[] = {
 	bytes<&array_t::size>("size", "SIZE", "bytes"),
 	bytes<&array_t::chunk_size>("chunk_size", "CHUNK", "bytes; null for levels that have none"),
 	number<&array_t::layout>("layout", "LAYOUT", "the level's own number"),
-	text<&array_t::sync_action>("sync_action", "SYNC", "idle, resync, recover, check, repair, reshape, frozen"),
+	text<&array_t::sync_action>("sync_action", "SYNC",
+                                    "idle, resync, recover, check, repair, reshape, frozen"),
 	number<&array_t::sync_done>("sync_done", "DONE", "sectors of 512 bytes; null when nothing runs"),
 	number<&array_t::sync_total>("sync_total", "OF", "sectors of 512 bytes; null when nothing runs"),
 	number<&array_t::sync_speed>("sync_speed", "SPEED", "KiB a second; null when nothing runs"),
-	number<&array_t::mismatches>("mismatches", "MISMATCHES", "sectors that the last check found different"),
+	number<&array_t::mismatches>("mismatches", "MISMATCHES",
+                                     "sectors that the last check found different"),
 	text<&array_t::bitmap>("bitmap", "BITMAP", "none, file, or where the internal one lies"),
 	text<&array_t::consistency>("consistency", "CONSISTENCY", "bitmap, journal, ppl, resync, none"),
-	objects<&array_t::members, MEMBER_FIELDS>("members", "MEMBERS", "slots first, in their order", members_cell),
+	objects<&array_t::members, MEMBER_FIELDS>("members", "MEMBERS", "slots first, in their order",
+                                                  members_cell),
 };
 
 static answer_t ask(enquiry_t &from)

@@ -70,8 +70,8 @@ static void put_position(const row_t &row, sink_t &to)
 
 static constexpr field_t MEMBER_FIELDS[] = {
 	{"position", "POSITION", shape_t::NUMBER, OLD | NEW, "as the record holds it", put_position},
-	{"container", "CONTAINER", shape_t::NUMBER, NEW | MAY_LACK, "number of the container that is the member",
-         put_container},
+	{"container", "CONTAINER", shape_t::NUMBER, NEW | MAY_LACK,
+         "number of the container that is the member", put_container},
 	{"channel", "CHANNEL", shape_t::NUMBER, NEW | MAY_LACK, "of a disk", put_address_part<1>},
 	{"id", "ID", shape_t::NUMBER, NEW | MAY_LACK, "of a disk", put_address_part<2>},
 	{"lun", "LUN", shape_t::NUMBER, NEW | MAY_LACK, "of a disk", put_address_part<3>},
@@ -87,8 +87,8 @@ static void put_old_members(const row_t &row, sink_t &to)
 {
 	to.begin_list();
 	for (const int member : members_of(record_of<container_t>(row)))
-		put_object(is_container(member) ? fields_t(OLD_CONTAINER_FIELDS) : fields_t(ADDRESS_FIELDS), OLD,
-		           {&member}, to);
+		put_object(is_container(member) ? fields_t(OLD_CONTAINER_FIELDS) : fields_t(ADDRESS_FIELDS),
+		           OLD, {&member}, to);
 	to.end_list();
 }
 
@@ -115,16 +115,24 @@ static constexpr field_t FIELDS[] = {
 	number<&container_t::RaidType>("type", "TYPE CODE", "code of type_word"),
 	word<&container_t::RaidType, CONTAINER_TYPES>("type_word", "TYPE", "null for a code without a word"),
 	bytes<&container_t::nTotalSize>("total_size", "SIZE", "", OLD),
-	{"total_size", "SIZE", shape_t::BYTES, NEW | MAY_LACK, "bytes; null: the query tells no more than total_size_low32",
-         put_nothing},
-	low32<&container_t::nTotalSize>("total_size_low32", "SIZE MOD 4 GIB",
-                                        "total_size without whole multiples of 4 GiB, as the record holds it"),
+	{"total_size", "SIZE", shape_t::BYTES, NEW | MAY_LACK,
+         "bytes; null: the query tells no more than total_size_low32", put_nothing},
+	low32<&container_t::nTotalSize>(
+		"total_size_low32", "SIZE MOD 4 GIB",
+		"total_size without whole multiples of 4 GiB, as the record holds it"),
 	bytes<&container_t::nStripeSize>("stripe_size", "STRIPE", "", OLD),
-	{"stripe_size", "STRIPE", shape_t::BYTES, NEW | MAY_LACK, "bytes", known_member<&container_t::nStripeSize>, {},
+	{"stripe_size",
+         "STRIPE",
+         shape_t::BYTES,
+         NEW | MAY_LACK,
+         "bytes",
+         known_member<&container_t::nStripeSize>,
+         {},
          stripe_cell},
 	number<&container_t::Usage>("usage", "USAGE CODE", "code of usage_word"),
 	word<&container_t::Usage, USAGES>("usage_word", "USAGE", "null for a code without a word"),
-	address_field<&container_t::nHotSpare>("hot_spare", "HOT SPARE", "disk that waits to replace one of its own"),
+	address_field<&container_t::nHotSpare>("hot_spare", "HOT SPARE",
+                                               "disk that waits to replace one of its own"),
 	text<&container_t::szLabel>("label", "LABEL", "name that was given to it"),
 };
 

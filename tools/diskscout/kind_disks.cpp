@@ -16,8 +16,8 @@ static void put_address(const row_t &row, sink_t &to)
 {
 	const auto &d = record_of<disk_t>(row);
 	if (has_address(d))
-		to.text(fmt::format("{}:{}:{}:{}", d.nPosition >> 24, d.nPosition >> 16 & 0xff, d.nPosition >> 8 & 0xff,
-		                    d.nPosition & 0xff));
+		to.text(fmt::format("{}:{}:{}:{}", d.nPosition >> 24, d.nPosition >> 16 & 0xff,
+		                    d.nPosition >> 8 & 0xff, d.nPosition & 0xff));
 	else
 		to.absent();
 }
@@ -50,7 +50,8 @@ template <auto Member> static void geometry_member(const row_t &row, sink_t &to)
 		to.absent();
 }
 
-template <auto Member> static constexpr field_t geometry(const char *key, const char *heading, const char *what)
+template <auto Member>
+static constexpr field_t geometry(const char *key, const char *heading, const char *what)
 {
 	return {key, heading, shape_t::NUMBER, NEW | MAY_LACK, what, geometry_member<Member>};
 }
@@ -67,7 +68,8 @@ static constexpr field_t FIELDS[] = {
 	text<&disk_t::szMedia>("media", "MEDIA", "fixed word of the record"),
 	text<&disk_t::szVendor>("vendor", "VENDOR", "as /proc/scsi/scsi tells it"),
 	text<&disk_t::szModel>("model", "MODEL", "as /proc/ide or /proc/scsi/scsi tells it"),
-	text<&disk_t::szSerialNumber>("serial_number", "SERIAL", "as /proc/ide tells it; null for a SCSI disk"),
+	text<&disk_t::szSerialNumber>("serial_number", "SERIAL",
+                                      "as /proc/ide tells it; null for a SCSI disk"),
 	text<&disk_t::szFirmwareVersion>("firmware_version", "FIRMWARE", "revision"),
 	bytes<&disk_t::nSize>("size", "SIZE", "bytes", OLD),
 	{"size", "SIZE", shape_t::BYTES, NEW | MAY_LACK,
@@ -87,11 +89,13 @@ static constexpr field_t FIELDS[] = {
 	{"total_blocks", "BLOCKS", shape_t::NUMBER, NEW | MAY_LACK, "blocks of 1 KiB", put_count_of<1024>},
 	geometry<&disk_t::nTotalBlocks>("total_blocks_low32", "BLOCKS MOD 2^32",
                                         "total_blocks as the record holds it: the low 32 bits"),
-	{"total_sectors", "ALL SECTORS", shape_t::NUMBER, NEW | MAY_LACK, "sectors of 512 bytes", put_count_of<512>},
+	{"total_sectors", "ALL SECTORS", shape_t::NUMBER, NEW | MAY_LACK, "sectors of 512 bytes",
+         put_count_of<512>},
 	geometry<&disk_t::nTotalSectors>("total_sectors_low32", "SECTORS MOD 2^32",
                                          "total_sectors as the record holds it: the low 32 bits"),
 	number<&disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block of total_blocks"),
-	number<&disk_t::nBytesPerSector>("bytes_per_sector", "SECTOR BYTES", "bytes of a sector of total_sectors"),
+	number<&disk_t::nBytesPerSector>("bytes_per_sector", "SECTOR BYTES",
+                                         "bytes of a sector of total_sectors"),
 	number<&disk_t::nPartNumber>("part_number", "PARTITIONS", "partitions in /proc/partitions"),
 	flag<&disk_t::bUsedBySystem>("used_by_system", "SYSTEM", "/ or /boot lies on it"),
 	number<&disk_t::nExPartNumber>("ex_part_number", "EXTENDED", "extended ones of these partitions"),
@@ -111,7 +115,8 @@ const kind_t DISKS_KIND = {
 	side_t::HOST,
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,
 	FIELDS,
-	"device_name,interface,address,size,vendor,model,serial_number,firmware_version,part_number,ex_part_number,"
+	"device_name,interface,address,size,vendor,model,serial_number,firmware_version,part_number,ex_part_"
+        "number,"
 	"used_by_system",
 	nullptr,
 	ask,

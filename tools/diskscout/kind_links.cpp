@@ -10,7 +10,8 @@ static constexpr field_t FIELDS[] = {
 	always<&link_t::relation>("relation", "RELATION", "partition, slave or path"),
 	text<&link_t::address>("address", "ADDRESS", "of a path: where it leads through"),
 	text<&link_t::state>("state", "STATE", "of a path, as the kernel tells it"),
-	text<&link_t::access>("access", "ACCESS", "of a path of an NVMe namespace: optimized, non-optimized ..."),
+	text<&link_t::access>("access", "ACCESS",
+                              "of a path of an NVMe namespace: optimized, non-optimized ..."),
 };
 
 static answer_t ask(enquiry_t &from)

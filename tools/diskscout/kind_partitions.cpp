@@ -83,8 +83,9 @@ static std::string boot_cell(const row_t &row)
 static constexpr field_t FIELDS[] = {
 	{"device_name", "DEVICE", shape_t::TEXT, NEW | MAY_LACK, "device node", put_device_name},
 	text<&partition_t::szDiskDeviceName>("disk_device_name", "DISK", "device node of its disk"),
-	number<&partition_t::nPartIndex>("part_index", "INDEX",
-                                         "place in the partition table, from 0; from 4 on in extended partitions"),
+	number<&partition_t::nPartIndex>(
+		"part_index", "INDEX",
+		"place in the partition table, from 0; from 4 on in extended partitions"),
 	{"first_sector", "FIRST SECTOR", shape_t::NUMBER, 0, "sectors of 512 bytes from the disk's beginning",
          put_first_sector},
 	bytes<&partition_t::nStart>("start", "START", "bytes from the disk's beginning"),
@@ -99,7 +100,8 @@ static constexpr field_t FIELDS[] = {
 	text<&partition_t::szFileSystem>("file_system", "FILE SYSTEM", "type of the mounted file system"),
 	text<&partition_t::szMountPoint>("mount_point", "MOUNT POINTS", "", OLD),
 	{"mount_points", "MOUNT POINTS", shape_t::TEXTS, NEW,
-         "where it is mounted; of a text of more than 63 bytes the record holds 60 and \"...\"", put_mount_points},
+         "where it is mounted; of a text of more than 63 bytes the record holds 60 and \"...\"",
+         put_mount_points},
 	text<&partition_t::szLabel>("label", "LABEL", "always null: no label is read"),
 	bytes<&partition_t::nTotalSpace>("total_space", "TOTAL", "", OLD),
 	bytes<&partition_t::nUsedSpace>("used_space", "USED", "", OLD),
@@ -109,8 +111,8 @@ static constexpr field_t FIELDS[] = {
 	flag<&partition_t::bUsedBySystem>("used_by_system", "SYSTEM", "mounted at / or /boot"),
 	flag<&partition_t::bActive>("active", "BOOT", "", OLD),
 	{"bootable", "BOOT", shape_t::FLAG, NEW, "the boot byte is 128", put_bootable, {}, boot_cell},
-	{"boot_byte", "BOOT BYTE", shape_t::NUMBER, OLD | NEW, "boot byte of the table's entry: 128 bootable, 0 not",
-         put_boot_byte},
+	{"boot_byte", "BOOT BYTE", shape_t::NUMBER, OLD | NEW,
+         "boot byte of the table's entry: 128 bootable, 0 not", put_boot_byte},
 };
 
 static answer_t ask(enquiry_t &from)
@@ -127,7 +129,9 @@ const kind_t PARTITIONS_KIND = {
 	side_t::HOST,
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,
 	FIELDS,
-	"device_name,type,bootable,first_sector,size,file_system,mount_points,total_space,used_space,used_by_system",
-	"device_name,type,active,first_sector,size,file_system,mount_point,total_space,used_space,used_by_system",
+	"device_name,type,bootable,first_sector,size,file_system,mount_points,total_space,used_space,used_by_"
+        "system",
+	"device_name,type,active,first_sector,size,file_system,mount_point,total_space,used_space,used_by_"
+        "system",
 	ask,
 };

@@ -88,13 +88,16 @@ static std::string size_cell(const row_t &row)
 }
 
 static constexpr field_t FIELDS[] = {
-	address_field<&raid_disk_t::nPosition>("address", "ADDRESS", "channel, SCSI ID and LUN at the controller"),
+	address_field<&raid_disk_t::nPosition>("address", "ADDRESS",
+                                               "channel, SCSI ID and LUN at the controller"),
 	text<&raid_disk_t::szVendor>("vendor", "VENDOR", "with underscores for blanks"),
 	text<&raid_disk_t::szModel>("model", "MODEL", "with underscores for blanks"),
 	number<&raid_disk_t::DeviceType>("device_type", "TYPE CODE", "code of device_type_word"),
-	word<&raid_disk_t::DeviceType, DEVICE_TYPES>("device_type_word", "TYPE", "null for a code without a word"),
+	word<&raid_disk_t::DeviceType, DEVICE_TYPES>("device_type_word", "TYPE",
+                                                     "null for a code without a word"),
 	number<&raid_disk_t::nBlocks>("blocks", "BLOCKS", "", OLD),
-	{"blocks", "BLOCKS", shape_t::NUMBER, NEW | MAY_LACK, "blocks; null beyond what the record holds", put_blocks},
+	{"blocks", "BLOCKS", shape_t::NUMBER, NEW | MAY_LACK, "blocks; null beyond what the record holds",
+         put_blocks},
 	{"blocks_least", "BLOCKS AT LEAST", shape_t::NUMBER, NEW | MAY_LACK,
          "blocks as the record holds them: 2147483647 for all larger numbers", put_blocks_least},
 	number<&raid_disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block"),

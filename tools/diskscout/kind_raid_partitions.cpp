@@ -37,7 +37,14 @@ static void put_part_of(const row_t &row, sink_t &to)
 
 template <auto Member> static constexpr field_t size(const char *key, const char *heading, const char *what)
 {
-	return {key, heading, shape_t::BYTES, OLD | NEW, what, number_member<Member>, {}, signed_size_cell<Member>};
+	return {key,
+	        heading,
+	        shape_t::BYTES,
+	        OLD | NEW,
+	        what,
+	        number_member<Member>,
+	        {},
+	        signed_size_cell<Member>};
 }
 
 static constexpr field_t FIELDS[] = {
@@ -47,10 +54,12 @@ static constexpr field_t FIELDS[] = {
 	size<&raid_partition_t::nSize>("size", "SIZE", "bytes"),
 	number<&raid_partition_t::bRaidID>("raid_id", "CONTAINER", "number of the container that uses it"),
 	number<&raid_partition_t::RaidType>("type", "TYPE CODE", "code of type_word"),
-	word<&raid_partition_t::RaidType, CONTAINER_TYPES>("type_word", "TYPE", "null for a code without a word"),
+	word<&raid_partition_t::RaidType, CONTAINER_TYPES>("type_word", "TYPE",
+                                                           "null for a code without a word"),
 	number<&raid_partition_t::nMultilevelRaidID>("multilevel_raid_id", "OUTER CONTAINER",
                                                      "number of the container that raid_id is part of"),
-	number<&raid_partition_t::MultilevelType>("multilevel_type", "OUTER CODE", "code of multilevel_type_word"),
+	number<&raid_partition_t::MultilevelType>("multilevel_type", "OUTER CODE",
+                                                  "code of multilevel_type_word"),
 	word<&raid_partition_t::MultilevelType, MULTILEVEL_TYPES>("multilevel_type_word", "OUTER TYPE",
                                                                   "null for a code without a word"),
 	{"part_of", "PART OF", shape_t::TEXT, MAY_LACK, "container that raid_id is part of", put_part_of},

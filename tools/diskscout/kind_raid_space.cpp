@@ -29,19 +29,22 @@ template <auto Member> static constexpr field_t old_area(const char *key)
 	return {key, "", shape_t::NUMBER, OLD, "", area_number<Member>};
 }
 
-template <auto Member> static constexpr field_t low32_of_area(const char *key, const char *heading, const char *what)
+template <auto Member>
+static constexpr field_t low32_of_area(const char *key, const char *heading, const char *what)
 {
 	return {key, heading, shape_t::BYTES, NEW, what, area_low32<Member>, {}, area_cell<Member>};
 }
 
 static constexpr field_t FIELDS[] = {
-	address_field<&free_area_t::disk>("address", "DISK", "the disk: channel, SCSI ID and LUN at the controller"),
+	address_field<&free_area_t::disk>("address", "DISK",
+                                          "the disk: channel, SCSI ID and LUN at the controller"),
 	old_area<&HWRAID_SPACE_LIST::nOffset>("offset"),
 	old_area<&HWRAID_SPACE_LIST::nFreeSpace>("free_space"),
-	{"offset", "OFFSET", shape_t::BYTES, NEW | MAY_LACK, "bytes; null: the query tells no more than offset_low32",
-         put_nothing},
+	{"offset", "OFFSET", shape_t::BYTES, NEW | MAY_LACK,
+         "bytes; null: the query tells no more than offset_low32", put_nothing},
 	low32_of_area<&HWRAID_SPACE_LIST::nOffset>(
-		"offset_low32", "OFFSET MOD 4 GIB", "offset without whole multiples of 4 GiB, as the record holds it"),
+		"offset_low32", "OFFSET MOD 4 GIB",
+		"offset without whole multiples of 4 GiB, as the record holds it"),
 	{"free_space", "FREE", shape_t::BYTES, NEW | MAY_LACK,
          "bytes; null: the query tells no more than free_space_low32", put_nothing},
 	low32_of_area<&HWRAID_SPACE_LIST::nFreeSpace>(
@@ -65,13 +68,15 @@ static answer_t ask(enquiry_t &from)
 	answer.failed = disks.failed();
 	answer.where = disks.failed() ? " at the list of disks" : "";
 	for (const HWRAID_DISK_LIST *disk : disks.records<HWRAID_DISK_LIST>()) {
-		const item_list_t list = from.ask(CMD_GET_RAID_SPACE, argument_for(disk->nPosition, controller));
+		const item_list_t list =
+			from.ask(CMD_GET_RAID_SPACE, argument_for(disk->nPosition, controller));
 		if (list.failed()) {
 			answer.where += (answer.failed ? ", " : " for disk ") + address(disk->nPosition);
 			answer.failed = true;
 		}
 		for (const HWRAID_SPACE_LIST *area : list.records<HWRAID_SPACE_LIST>())
-			answer.rows.push_back({&areas->emplace_back(free_area_t{disk->nPosition, *area}), &from});
+			answer.rows.push_back(
+				{&areas->emplace_back(free_area_t{disk->nPosition, *area}), &from});
 	}
 	return answer;
 }

@@ -1,6 +1,6 @@
-// The kinds of things that are listed. One row of a table a kind: the words for it, whose things they are, what is
-// told of each, and how they are asked for. A new kind is a file kind_<word>.cpp and its line in kinds.cpp; nothing
-// else knows kinds.
+// The kinds of things that are listed. One row of a table a kind: the words for it, whose things they are,
+// what is told of each, and how they are asked for. A new kind is a file kind_<word>.cpp and its line in
+// kinds.cpp; nothing else knows kinds.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KINDS_H
 
@@ -16,10 +16,11 @@
 // What a plug-in answered.
 struct answer_t {
 	bool failed = false;
-	int error = 0;                             // errno of the failure; 0: the plug-in does not tell
-	std::string where = {};                    // of a failure, as words behind "the query failed"; may be empty
-	std::vector<row_t> rows = {};              // what it found, also before it failed
-	std::shared_ptr<const void> records = {};  // that the rows are about, unless a list of the enquiry holds them
+	int error = 0;                // errno of the failure; 0: the plug-in does not tell
+	std::string where = {};       // of a failure, as words behind "the query failed"; may be empty
+	std::vector<row_t> rows = {}; // what it found, also before it failed
+	std::shared_ptr<const void> records =
+		{}; // that the rows are about, unless a list of the enquiry holds them
 };
 
 // Who tells of them, and how many of them there are.
@@ -31,7 +32,11 @@ enum class side_t {
 };
 
 // What is listed when no kind is named.
-enum : unsigned { IN_TABLES = 1, IN_DOCUMENT = 2, WHEN_ANY = 4 /* its table only when it has rows or failed */ };
+enum : unsigned {
+	IN_TABLES = 1,
+	IN_DOCUMENT = 2,
+	WHEN_ANY = 4 /* its table only when it has rows or failed */
+};
 
 struct kind_t {
 	std::string_view word;     // on the command line and in the document: "raid_disks"

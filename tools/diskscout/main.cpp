@@ -1,8 +1,8 @@
 // diskscout: an inventory of this host's storage, for people and as JSON. It is also the reference agent: the
 // plug-ins are loaded, asked and given their lists back as every agent has to do it.
 //
-// Exit status: 0; 1 when a query or the output failed, or a list is known to be cut; 2 when the caller asked for what
-// cannot be done.
+// Exit status: 0; 1 when a query or the output failed, or a list is known to be cut; 2 when the caller asked
+// for what cannot be done.
 #include "document.h"
 #include "listing.h"
 #include "options.h"
@@ -50,7 +50,9 @@ static int answer(const options_t &opts, bool in_document)
 	if (!in_document)
 		return written(opts.answer, STATUS_FINE);
 	document_t document(host_names(false));
-	return written(document.end({{severity_t::NOTE, nullptr, opts.answer_code, opts.answer}}, STATUS_FINE), STATUS_FINE);
+	return written(
+		document.end({{severity_t::NOTE, nullptr, opts.answer_code, opts.answer}}, STATUS_FINE),
+		STATUS_FINE);
 }
 
 static int run(int argc, char **argv)
@@ -66,7 +68,8 @@ static int run(int argc, char **argv)
 		opts.block_plugin = plugin_file(opts.block_plugin, "diskscout-block.so");
 	if (!opts.sysroot.empty())
 		restart_on_captured_host(opts.sysroot, replayed_command_line(opts, argv[0]),
-		                         opts.is_old() ? host_fault_t::TOLD_BY_LIBRARY : host_fault_t::THROWN);
+		                         opts.is_old() ? host_fault_t::TOLD_BY_LIBRARY
+		                                       : host_fault_t::THROWN);
 	if (opts.replayed)
 		expect_captured_host();
 	return show(opts);

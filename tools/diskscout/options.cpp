@@ -152,8 +152,10 @@ struct table_option_t {
 static void check_table_options(const options_t &opts)
 {
 	const table_option_t options[] = {
-		{"--columns (-o)", !opts.columns.empty(), true}, {"--sort", !opts.sort.empty(), true},
-		{"--pairs", opts.pairs, true},              {"--bytes", opts.bytes, false},
+		{"--columns (-o)", !opts.columns.empty(), true},
+		{"--sort", !opts.sort.empty(), true},
+		{"--pairs", opts.pairs, true},
+		{"--bytes", opts.bytes, false},
 		{"--no-headings", opts.no_headings, true},
 	};
 	for (const table_option_t &option : options) {
@@ -190,8 +192,8 @@ static void check_classic(const options_t &opts)
 static void check_devices(const options_t &opts)
 {
 	if (!opts.devices.empty() && has(opts.kinds, is_classic))
-		throw usage_error_t(
-			fmt::format("a device, such as {}, is for {}", opts.devices.front(), words_of(is_block)));
+		throw usage_error_t(fmt::format("a device, such as {}, is for {}", opts.devices.front(),
+		                                words_of(is_block)));
 	if (opts.inverse && opts.devices.empty() && (opts.is_alone || !has(opts.kinds, is_tree)))
 		throw usage_error_t(fmt::format("--inverse is for {}, or for a device", words_of(is_tree)));
 	if (opts.inverse && opts.devices.empty() && (opts.json || opts.pairs || !opts.sort.empty()))
@@ -258,7 +260,8 @@ struct value_row_t {
 static const value_row_t VALUES[] = {
 	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin},
 	{"--controller", "NAME", "show this RAID controller, not the first one", &options_t::controller},
-	{"--format", "1|2", "format of the document; 1: everything as before there were formats", &options_t::format},
+	{"--format", "1|2", "format of the document; 1: everything as before there were formats",
+         &options_t::format},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
 };
@@ -287,7 +290,8 @@ static bool contains(const std::vector<std::string> &words, std::string_view wor
 	return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-// "; did you mean \"--json\"?" for the first long option that is none of ours. Dashes are not counted as letters.
+// "; did you mean \"--json\"?" for the first long option that is none of ours. Dashes are not counted as
+// letters.
 static std::string hint_for_option(const CLI::App &app, int argc, char **argv)
 {
 	const std::vector<std::string> known = names_of_options(app);
@@ -301,7 +305,8 @@ static std::string hint_for_option(const CLI::App &app, int argc, char **argv)
 			continue;
 		const std::string hint = suggestion(name.substr(2), letters);
 		const std::size_t quote = hint.find('"');
-		return quote == std::string::npos ? hint : hint.substr(0, quote + 1) + "--" + hint.substr(quote + 1);
+		return quote == std::string::npos ? hint
+		                                  : hint.substr(0, quote + 1) + "--" + hint.substr(quote + 1);
 	}
 	return "";
 }
@@ -321,7 +326,8 @@ static std::string refusal(const CLI::App &app, const CLI::ParseError &error, in
 static std::string answer_to(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
 {
 	if (error.get_exit_code() != 0)
-		throw usage_error_t(fmt::format("{} (see diskscout --help)", refusal(app, error, argc, argv)));
+		throw usage_error_t(
+			fmt::format("{} (see diskscout --help)", refusal(app, error, argc, argv)));
 	std::ostringstream answer;
 	app.exit(error, answer, answer);
 	return answer.str();
@@ -332,9 +338,13 @@ static void add_options(CLI::App &app, options_t &opts)
 	for (const flag_row_t &row : FLAGS)
 		app.add_flag(row.name, opts.*row.field, row.what);
 	for (const common_option_t &row : COMMON_OPTIONS)
-		app.add_option(row.name, opts.*row.field, row.what)->type_name(row.value)->check(refuse_empty);
+		app.add_option(row.name, opts.*row.field, row.what)
+			->type_name(row.value)
+			->check(refuse_empty);
 	for (const value_row_t &row : VALUES)
-		app.add_option(row.name, opts.*row.field, row.what)->type_name(row.value)->check(refuse_empty);
+		app.add_option(row.name, opts.*row.field, row.what)
+			->type_name(row.value)
+			->check(refuse_empty);
 	app.get_option("--format")->check(refuse_unknown_format);
 	// An empty group keeps an option out of the help: this one is between us and our second start.
 	app.add_flag(REPLAYED_OPTION, opts.replayed)->group("");
@@ -344,7 +354,8 @@ static void refuse_options_of_list(const CLI::App &app)
 {
 	for (const CLI::Option *option : app.get_options({})) {
 		if (option->count() > 0)
-			throw usage_error_t(fmt::format("schema takes no options, such as {}", option->get_name()));
+			throw usage_error_t(
+				fmt::format("schema takes no options, such as {}", option->get_name()));
 	}
 }
 
@@ -352,7 +363,8 @@ options_t parse_options(int argc, char **argv)
 {
 	options_t opts;
 	std::vector<std::string> words;
-	CLI::App app("Shows the storage that the plug-ins find on this host, hardware RAID included.", "diskscout");
+	CLI::App app("Shows the storage that the plug-ins find on this host, hardware RAID included.",
+	             "diskscout");
 	app.set_version_flag("--version", "diskscout " DISKSCOUT_VERSION);
 	add_options(app, opts);
 	app.require_subcommand(1);
@@ -370,7 +382,8 @@ options_t parse_options(int argc, char **argv)
 		app.parse(argc, argv);
 	} catch (const CLI::ParseError &error) {
 		opts.answer = answer_to(app, error, argc, argv);
-		opts.answer_code = dynamic_cast<const CLI::CallForVersion *>(&error) ? code_t::VERSION : code_t::HELP;
+		opts.answer_code =
+			dynamic_cast<const CLI::CallForVersion *>(&error) ? code_t::VERSION : code_t::HELP;
 		opts.command = command_t::ANSWER;
 		return opts;
 	}
@@ -393,7 +406,8 @@ bool wants_document(int argc, char **argv)
 		if (word == "--")
 			break;
 		wants |= word == "--json";
-		is_old |= word == "--format=1" || (word == "--format" && i + 1 < argc && argv[i + 1] == std::string_view("1"));
+		is_old |= word == "--format=1" ||
+		          (word == "--format" && i + 1 < argc && argv[i + 1] == std::string_view("1"));
 	}
 	return wants && !is_old;
 }

@@ -13,15 +13,15 @@ enum class command_t { LIST, SCHEMA, ANSWER };
 
 struct options_t : common_options_t {
 	command_t command = command_t::LIST;
-	std::string answer;               // ANSWER: text that --help or --version asks for ...
+	std::string answer;                // ANSWER: text that --help or --version asks for ...
 	code_t answer_code = code_t::HELP; // ... which it was
-	kinds_t kinds;                    // to be listed; each once, in the order of all_kinds()
-	bool is_alone = false;            // no kind was named
-	std::vector<std::string> devices; // paths: only these, and what stands on them
-	std::string block_plugin;         // empty: the one that comes with the program
+	kinds_t kinds;                     // to be listed; each once, in the order of all_kinds()
+	bool is_alone = false;             // no kind was named
+	std::vector<std::string> devices;  // paths: only these, and what stands on them
+	std::string block_plugin;          // empty: the one that comes with the program
 	std::string format = "2";
 	bool json = false;
-	bool classic = false; // what the classic codes answer, and nothing else
+	bool classic = false;   // what the classic codes answer, and nothing else
 	std::string controller; // empty: the first one
 
 	// Tables.
@@ -40,12 +40,12 @@ struct options_t : common_options_t {
 // Throws usage_error when the command line is none of ours.
 options_t parse_options(int argc, char **argv);
 
-// Whether a document is to be printed also when the command line cannot be understood: it asks for one, and not for
-// the old one, which is never printed then.
+// Whether a document is to be printed also when the command line cannot be understood: it asks for one, and
+// not for the old one, which is never printed then.
 bool wants_document(int argc, char **argv);
 
-// The command line that does the same on a captured host once the replay library is loaded. The plug-ins' paths, empty
-// where nothing is asked of one, are full ones: they must not be searched on the captured host.
+// The command line that does the same on a captured host once the replay library is loaded. The plug-ins'
+// paths, empty where nothing is asked of one, are full ones: they must not be searched on the captured host.
 std::vector<std::string> replayed_command_line(const options_t &opts, const std::string &program);
 
 #endif

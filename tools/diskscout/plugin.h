@@ -38,8 +38,8 @@ public:
 	// errno as the failed query left it; 0 when it left none.
 	int error() const { return error_; }
 
-	// All records, which live as long as this. Both the links and the length end the list: the links may go
-	// on.
+	// All records, which live as long as this. Both the links and the length end the list: the links may
+	// go on.
 	template <typename Record> std::vector<const Record *> records() const
 	{
 		std::vector<const Record *> result;

@@ -46,8 +46,14 @@ template <auto Member, const auto &Words> std::string word_cell(const row_t &row
 template <auto Member, const auto &Words>
 constexpr field_t word(const char *key, const char *heading, const char *what)
 {
-	return {key,  heading, shape_t::TEXT, OLD | NEW | MAY_LACK, what, word_member<Member, Words>,
-	        {},   word_cell<Member, Words>};
+	return {key,
+	        heading,
+	        shape_t::TEXT,
+	        OLD | NEW | MAY_LACK,
+	        what,
+	        word_member<Member, Words>,
+	        {},
+	        word_cell<Member, Words>};
 }
 
 // Types of containers, which two kinds of records hold.
@@ -69,7 +75,6 @@ std::string address(int position);
 void put_address(int position, sink_t &to);
 extern const field_t ADDRESS_FIELDS[4];
 
-
 template <auto Member> void address_member(const row_t &row, sink_t &to)
 {
 	put_address(value_of<Member>(row), to);
@@ -82,8 +87,14 @@ template <auto Member> std::string address_cell(const row_t &row)
 
 template <auto Member> constexpr field_t address_field(const char *key, const char *heading, const char *what)
 {
-	return {key,     heading,        shape_t::OBJECT,     OLD | NEW | MAY_LACK, what, address_member<Member>,
-	        ADDRESS_FIELDS, address_cell<Member>};
+	return {key,
+	        heading,
+	        shape_t::OBJECT,
+	        OLD | NEW | MAY_LACK,
+	        what,
+	        address_member<Member>,
+	        ADDRESS_FIELDS,
+	        address_cell<Member>};
 }
 
 // A size or an offset of a signed field. A negative one is an error of the tool's output, and looks like it.

@@ -1,10 +1,10 @@
 // What keeps a disk out of the list of disks. The checks stand in the order in which the classic code comes
 // to them.
 #include "reasons_lists.h"
-#include "unused.h"
 
 #include "partition_query.h"
 #include "reasons_node.h"
+#include "unused.h"
 
 #include <algorithm>
 #include <cerrno>

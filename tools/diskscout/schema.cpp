@@ -141,7 +141,8 @@ void schema_t::message()
 			texts("enum", {"error", "warning", "note"});
 			pair("description", "an error is there exactly when exit_status is not 0");
 		});
-		property("kind", [&] { described_text("the list that it is about; null: the whole run", true); });
+		property("kind",
+		         [&] { described_text("the list that it is about; null: the whole run", true); });
 		property("code", [&] {
 			texts("enum", code_words());
 			pair("description", "why, for programs");

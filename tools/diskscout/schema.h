@@ -4,7 +4,8 @@
 
 #include <string>
 
-// Draft 2020-12, made from the field tables that the document is written from. It allows nothing that they do not name.
+// Draft 2020-12, made from the field tables that the document is written from. It allows nothing that they do
+// not name.
 std::string document_schema();
 
 #endif

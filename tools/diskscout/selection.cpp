@@ -37,7 +37,8 @@ static const block_device *device_of_path(const devices_t &devices, std::string_
 static const block_device *device_of_number(const devices_t &devices, dev_t number)
 {
 	for (const block_device *device : devices) {
-		if (device->major == static_cast<int>(major(number)) && device->minor == static_cast<int>(minor(number)))
+		if (device->major == static_cast<int>(major(number)) &&
+		    device->minor == static_cast<int>(minor(number)))
 			return device;
 	}
 	return nullptr;
@@ -63,8 +64,8 @@ static const block_device &device_behind(const devices_t &devices, const std::st
 		throw usage_error_t(fmt::format("{} is no block device", path));
 	if (const block_device *known = device_of_number(devices, node.st_rdev))
 		return *known;
-	throw usage_error_t(fmt::format("{} has the number {}:{}, which no device has", path, major(node.st_rdev),
-	                                minor(node.st_rdev)));
+	throw usage_error_t(fmt::format("{} has the number {}:{}, which no device has", path,
+	                                major(node.st_rdev), minor(node.st_rdev)));
 }
 
 names_t devices_behind(const std::vector<std::string> &paths, bool inverse, enquiry_t &from)

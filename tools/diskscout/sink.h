@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
-// One value is put: absent, a flag, a number, a text, or a list or an object with values in it. Texts may hold
-// any bytes.
+// One value is put: absent, a flag, a number, a text, or a list or an object with values in it. Texts may
+// hold any bytes.
 class sink_t
 {
 public:
