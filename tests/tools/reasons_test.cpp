@@ -26,6 +26,7 @@ std::string line_of(const message_t &message)
 		{code_t::NO_SCSI_TABLE, "no_scsi_table"},
 		{code_t::NO_IDE_TABLE, "no_ide_table"},
 		{code_t::NO_PERMISSION, "no_permission"},
+		{code_t::NOT_OPENED, "not_opened"},
 		{code_t::NOT_IN_SCSI_TABLE, "not_in_scsi_table"},
 		{code_t::NOT_IN_IDE_TABLE, "not_in_ide_table"},
 		{code_t::NOT_IN_BLOCK_TABLE, "not_in_block_table"},
@@ -294,7 +295,7 @@ TEST_F(Reasons, NodesThatCannotBeOpenedTellWhy)
 		of_disks(),
 		ElementsAre("warning no_permission: /dev/sda, /dev/sdb: cannot be opened: Permission denied",
 	                    "note no_medium: sdc: no medium",
-	                    "note no_permission: /dev/sdd: cannot be opened: No such file or directory"));
+	                    "note not_opened: /dev/sdd: cannot be opened: No such file or directory"));
 }
 
 TEST_F(Reasons, DisksThatAreNoneInTheScsiTable)

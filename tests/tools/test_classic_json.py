@@ -30,7 +30,7 @@ PARTITION = {
     "device_name": "/dev/hda1",
     **without(PARTITIONS[0], *CHANGED),
     "total_sectors_low32": 4294967295,
-    "sectors": 262144,
+    "total_sectors": 262144,
     "mount_points": ["/", "/boot"],
     "bootable": True,
 }
@@ -38,7 +38,7 @@ LOGICAL_DRIVE = {
     "device_name": "/dev/hda5",
     **without(PARTITIONS[1], *CHANGED),
     "total_sectors_low32": 0,
-    "sectors": 1,
+    "total_sectors": 1,
     "mount_points": [],
     "total_space": None,
     "used_space": None,
@@ -89,7 +89,7 @@ def test_sizes_beyond_32_bits(tool, size):
 def test_hostile_partitions(tool):
     first, second = tool.made_document("--classic", "partitions", classic="hostile")["partitions"]
     assert (first["device_name"], first["disk_device_name"], first["part_index"]) == (None, None, 0)
-    assert (first["size"], first["sectors"]) == (None, None)
+    assert (first["size"], first["total_sectors"]) == (None, None)
     assert first["mount_points"] == ["/\ufffd/\U00010348"]
     assert (first["total_space"], first["used_space"]) == (1, 2**64 - 1)
     # No flag, though it is not 0.

@@ -107,7 +107,7 @@ def test_lines_below_the_tables(tool, beside):
         ("sixteen-disks", 0, []),
         ("scsi-seventeen", 1, [
             ("note", "disks", "not_in_scsi_table", 'sdq: "CD-ROM" in /proc/scsi/scsi, not "Direct-Access"'),
-            ("note", "disks", "no_permission", "/dev/sdr: cannot be opened: No such file or directory"),
+            ("note", "disks", "not_opened", "/dev/sdr: cannot be opened: No such file or directory"),
             ("note", "disks", "not_in_scsi_table", "sds: no SCSI address: No such device or address"),
             ("note", "disks", "not_in_scsi_table", "sdt: not in /proc/scsi/scsi"),
             ("error", "disks", "list_cut", "sdn: the list ends at 16 disks"),
@@ -121,7 +121,7 @@ def test_lines_below_the_tables(tool, beside):
         ]),
         ("shadowed-mounts", 0, [("note", "partitions", "cut_text", "/dev/hda9, /dev/hda14: mount points cut")]),
         ("missing-node", 1, [
-            ("note", "disks", "no_permission",
+            ("note", "disks", "not_opened",
              "/dev/hdb, /dev/sda: cannot be opened: No such file or directory"),
         ]),
     ],

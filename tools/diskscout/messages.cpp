@@ -19,6 +19,7 @@ static constexpr code_word_t CODES[] = {
 	{code_t::NO_SCSI_TABLE, "no_scsi_table"},
 	{code_t::NO_IDE_TABLE, "no_ide_table"},
 	{code_t::NO_PERMISSION, "no_permission"},
+	{code_t::NOT_OPENED, "not_opened"},
 	{code_t::NOT_IN_SCSI_TABLE, "not_in_scsi_table"},
 	{code_t::NOT_IN_IDE_TABLE, "not_in_ide_table"},
 	{code_t::NOT_IN_BLOCK_TABLE, "not_in_block_table"},

@@ -137,10 +137,10 @@ static void take_words(const std::vector<std::string> &words, options_t &opts)
 // ---- what goes together ----
 
 // An option that changes nothing is a misunderstanding.
-static void refuse_idle(const char *option, bool is_given, const kinds_t &kinds, kind_test_t test)
+static void refuse_idle(const char *option, bool is_given, const options_t &opts, kind_test_t test)
 {
-	if (is_given && !has(kinds, test))
-		throw usage_error_t(fmt::format("{} is for {}", option, words_of(test)));
+	if (is_given && !has(opts.kinds, test))
+		throw usage_error_t(fmt::format("{} is for {}", option, words_of(test, opts.is_old())));
 }
 
 struct table_option_t {
@@ -213,12 +213,12 @@ bool options_t::asks_block() const
 
 static void check(const options_t &opts)
 {
-	refuse_idle("--controller", !opts.controller.empty(), opts.kinds, is_of_controller);
-	refuse_idle("--config", !opts.config.empty(), opts.kinds, is_of_raid);
+	refuse_idle("--controller", !opts.controller.empty(), opts, is_of_controller);
+	refuse_idle("--config", !opts.config.empty(), opts, is_of_raid);
 	check_classic(opts);
 	check_devices(opts);
 	check_table_options(opts);
-	refuse_idle("--plugin", !opts.plugin.empty(), opts.kinds, is_classic);
+	refuse_idle("--plugin", !opts.plugin.empty(), opts, is_classic);
 	if (!opts.block_plugin.empty() && !opts.asks_block())
 		throw usage_error_t(fmt::format("--block-plugin is for {}", words_of(is_block)));
 }

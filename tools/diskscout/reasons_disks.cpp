@@ -54,7 +54,9 @@ static maybe_reason_t block_table_reason(const known_device_t &disk, const block
 
 static reason_t unopened(int error)
 {
-	return {is_denied(error) ? severity_t::WARNING : severity_t::NOTE, code_t::NO_PERMISSION,
+	const bool denied = is_denied(error);
+	return {denied ? severity_t::WARNING : severity_t::NOTE,
+	        denied ? code_t::NO_PERMISSION : code_t::NOT_OPENED,
 	        fmt::format("cannot be opened: {}", strerror(error)), true};
 }
 
