@@ -116,7 +116,7 @@ const kind_t DISKS_KIND = {
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,
 	FIELDS,
 	"device_name,interface,address,size,vendor,model,serial_number,firmware_version,part_number,ex_part_"
-        "number,"
+	"number,"
 	"used_by_system",
 	nullptr,
 	ask,

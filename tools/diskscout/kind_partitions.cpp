@@ -130,8 +130,8 @@ const kind_t PARTITIONS_KIND = {
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,
 	FIELDS,
 	"device_name,type,bootable,first_sector,size,file_system,mount_points,total_space,used_space,used_by_"
-        "system",
+	"system",
 	"device_name,type,active,first_sector,size,file_system,mount_point,total_space,used_space,used_by_"
-        "system",
+	"system",
 	ask,
 };

@@ -2,203 +2,15 @@
 #include "options.h"
 
 #include "closest_word.h"
-#include "columns.h"
+#include "conflicts.h"
+#include "kind_sets.h"
 #include "usage_error.h"
+#include "words.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <fmt/format.h>
 #include <sstream>
-
-// ---- kinds ----
-
-using kind_test_t = bool (*)(const kind_t *k);
-
-static bool is_any(const kind_t *)
-{
-	return true;
-}
-
-static bool is_old(const kind_t *k)
-{
-	return !k->old_word.empty();
-}
-
-static bool is_block(const kind_t *k)
-{
-	return k->side == side_t::BLOCK;
-}
-
-static bool is_classic(const kind_t *k)
-{
-	return !is_block(k);
-}
-
-static bool is_of_host(const kind_t *k)
-{
-	return k->side == side_t::HOST;
-}
-
-static bool is_of_raid(const kind_t *k)
-{
-	return k->side == side_t::RAID || k->side == side_t::CONTROLLER;
-}
-
-static bool is_of_controller(const kind_t *k)
-{
-	return k->side == side_t::CONTROLLER;
-}
-
-static bool is_tree(const kind_t *k)
-{
-	return k == &DEVICES_KIND;
-}
-
-static std::string words_of(kind_test_t test, bool old = false)
-{
-	std::string words;
-	for (const kind_t *k : all_kinds()) {
-		if (test(k))
-			words.append(words.empty() ? "" : ", ").append(old ? k->old_word : k->word);
-	}
-	return words;
-}
-
-static bool has(const kinds_t &kinds, kind_test_t test)
-{
-	return std::any_of(kinds.begin(), kinds.end(), test);
-}
-
-static const kind_t *kind_named(std::string_view word, bool old)
-{
-	for (const kind_t *k : all_kinds()) {
-		if ((is_old(k) && word == k->old_word) || (!old && word == k->word))
-			return k;
-	}
-	return nullptr;
-}
-
-// What a mistyped word may have meant. A name below /dev is a device's, which only its path can tell.
-static std::string hint_for(const std::string &word)
-{
-	std::vector<std::string_view> known;
-	for (const kind_t *k : all_kinds())
-		known.push_back(k->word);
-	const std::string hint = suggestion(word, known);
-	if (!hint.empty())
-		return hint;
-	const std::string known_words = ", known are " + words_of(is_any);
-	return known_words + fmt::format("; a device is named by its path, such as /dev/{}", word);
-}
-
-[[noreturn]] static void refuse_kind(const std::string &word, bool old)
-{
-	throw usage_error_t(fmt::format("unknown kind \"{}\"{}", word,
-	                                old ? ", known are " + words_of(is_old, true) : hint_for(word)));
-}
-
-static kinds_t kinds_unasked(const options_t &opts)
-{
-	const unsigned wanted = opts.json ? IN_DOCUMENT : IN_TABLES;
-	kinds_t kinds;
-	for (const kind_t *k : all_kinds()) {
-		if (opts.classic ? is_of_host(k) : (k->unasked & wanted) != 0)
-			kinds.push_back(k);
-	}
-	return kinds;
-}
-
-// Words with a "/" are devices, all others kinds.
-static void take_words(const std::vector<std::string> &words, options_t &opts)
-{
-	kinds_t named;
-	for (const std::string &word : words) {
-		const kind_t *const k = kind_named(word, opts.is_old());
-		if (k)
-			named.push_back(k);
-		else if (!opts.is_old() && word.find('/') != std::string::npos)
-			opts.devices.push_back(word);
-		else
-			refuse_kind(word, opts.is_old());
-	}
-	opts.is_alone = words.empty();
-	if (named.empty() && !opts.devices.empty())
-		named.push_back(&DEVICES_KIND);
-	if (named.empty()) {
-		opts.kinds = kinds_unasked(opts);
-		return;
-	}
-	for (const kind_t *k : all_kinds()) {
-		if (std::find(named.begin(), named.end(), k) != named.end())
-			opts.kinds.push_back(k);
-	}
-}
-
-// ---- what goes together ----
-
-// An option that changes nothing is a misunderstanding.
-static void refuse_idle(const char *option, bool is_given, const options_t &opts, kind_test_t test)
-{
-	if (is_given && !has(opts.kinds, test))
-		throw usage_error_t(fmt::format("{} is for {}", option, words_of(test, opts.is_old())));
-}
-
-struct table_option_t {
-	const char *name;
-	bool is_given;
-	bool is_of_one_kind;
-};
-
-static void check_table_options(const options_t &opts)
-{
-	const table_option_t options[] = {
-		{"--columns (-o)", !opts.columns.empty(), true},
-		{"--sort", !opts.sort.empty(), true},
-		{"--pairs", opts.pairs, true},
-		{"--bytes", opts.bytes, false},
-		{"--no-headings", opts.no_headings, true},
-	};
-	for (const table_option_t &option : options) {
-		if (!option.is_given)
-			continue;
-		if (opts.is_old())
-			throw usage_error_t(fmt::format("{} is for format 2", option.name));
-		if (opts.json)
-			throw usage_error_t(
-				fmt::format("{} is for tables, the document is always whole", option.name));
-		if (option.is_of_one_kind && opts.kinds.size() != 1)
-			throw usage_error_t(fmt::format("{} is for the table of one kind", option.name));
-	}
-	if (opts.pairs && (opts.bytes || opts.no_headings))
-		throw usage_error_t("--pairs are in bytes and without headings by themselves");
-	if (opts.kinds.size() == 1) {
-		columns_of(*opts.kinds.front(), opts.columns);
-		if (!opts.sort.empty())
-			column_of(*opts.kinds.front(), opts.sort);
-	}
-}
-
-static void check_classic(const options_t &opts)
-{
-	const auto today = std::find_if(opts.kinds.begin(), opts.kinds.end(), is_block);
-	if (opts.classic && today != opts.kinds.end())
-		throw usage_error_t(
-			fmt::format("--classic is for {}, not for {}", words_of(is_classic),
-		                    opts.devices.empty() ? (*today)->word : opts.devices.front()));
-	if (opts.is_old() && !opts.block_plugin.empty())
-		throw usage_error_t("--block-plugin is for format 2");
-}
-
-static void check_devices(const options_t &opts)
-{
-	if (!opts.devices.empty() && has(opts.kinds, is_classic))
-		throw usage_error_t(fmt::format("a device, such as {}, is for {}", opts.devices.front(),
-		                                words_of(is_block)));
-	if (opts.inverse && opts.devices.empty() && (opts.is_alone || !has(opts.kinds, is_tree)))
-		throw usage_error_t(fmt::format("--inverse is for {}, or for a device", words_of(is_tree)));
-	if (opts.inverse && opts.devices.empty() && (opts.json || opts.pairs || !opts.sort.empty()))
-		throw usage_error_t("--inverse is for the tree, or for a device");
-}
 
 bool options_t::asks_classic() const
 {
@@ -210,20 +22,6 @@ bool options_t::asks_block() const
 {
 	return has(kinds, is_block) || (!classic && has(kinds, is_of_host));
 }
-
-static void check(const options_t &opts)
-{
-	refuse_idle("--controller", !opts.controller.empty(), opts, is_of_controller);
-	refuse_idle("--config", !opts.config.empty(), opts, is_of_raid);
-	check_classic(opts);
-	check_devices(opts);
-	check_table_options(opts);
-	refuse_idle("--plugin", !opts.plugin.empty(), opts, is_classic);
-	if (!opts.block_plugin.empty() && !opts.asks_block())
-		throw usage_error_t(fmt::format("--block-plugin is for {}", words_of(is_block)));
-}
-
-// ---- reading ----
 
 static std::string refuse_empty(const std::string &value)
 {
@@ -394,7 +192,7 @@ options_t parse_options(int argc, char **argv)
 	}
 	opts.classic |= opts.is_old();
 	take_words(words, opts);
-	check(opts);
+	refuse_conflicts(opts);
 	return opts;
 }
 
