@@ -1,6 +1,8 @@
 // Which word somebody meant who mistyped one.
 #include "closest_word.h"
 
+#include "text.h"
+
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -31,15 +33,8 @@ static std::size_t most_edits(std::string_view mistyped)
 	return std::min<std::size_t>(2, (mistyped.size() + 1) / 3);
 }
 
-static std::string in_small_letters(std::string_view word)
-{
-	std::string small(word);
-	for (char &letter : small)
-		letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-	return small;
-}
-
-std::string suggestion(std::string_view mistyped, const std::vector<std::string_view> &words)
+std::string suggestion(std::string_view mistyped, const std::vector<std::string_view> &words,
+                       std::string_view before)
 {
 	// Much longer ones are no words of ours, and comparing takes its time.
 	constexpr std::size_t LONGEST = 64;
@@ -55,5 +50,5 @@ std::string suggestion(std::string_view mistyped, const std::vector<std::string_
 			bound = distance;
 		}
 	}
-	return closest.empty() ? "" : fmt::format("; did you mean \"{}\"?", closest);
+	return closest.empty() ? "" : fmt::format("; did you mean \"{}{}\"?", before, closest);
 }

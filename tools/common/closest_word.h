@@ -12,6 +12,8 @@ std::size_t edit_distance(std::string_view one, std::string_view other);
 // "; did you mean \"list\"?" for the closest word, the first of equals; empty when none is close: one edit
 // away for a word of two to four letters, two for a longer one. The words are in small letters; the mistyped
 // one need not be.
-std::string suggestion(std::string_view mistyped, const std::vector<std::string_view> &words);
+// `before` is written in front of it.
+std::string suggestion(std::string_view mistyped, const std::vector<std::string_view> &words,
+                       std::string_view before = "");
 
 #endif

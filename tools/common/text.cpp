@@ -23,6 +23,14 @@ std::string printable(std::string_view text)
 	return result;
 }
 
+std::string in_small_letters(std::string_view word)
+{
+	std::string small(word);
+	for (char &letter : small)
+		letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+	return small;
+}
+
 std::size_t width_of(std::string_view printable_text)
 {
 	const auto opens = [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; };

@@ -17,6 +17,9 @@ template <std::size_t Size> std::string text_of(const char (&field)[Size])
 // anything, and nothing that it reports may steer a terminal or break a line.
 std::string printable(std::string_view text);
 
+// Letters of ASCII alone, whatever the locale.
+std::string in_small_letters(std::string_view word);
+
 // Columns that a printable text takes: one a character; only a locale would know the wide ones.
 std::size_t width_of(std::string_view printable_text);
 

@@ -2,6 +2,7 @@
 #include "columns.h"
 
 #include "closest_word.h"
+#include "text.h"
 #include "usage_error.h"
 
 #include <algorithm>
@@ -10,14 +11,6 @@
 static bool is_only_old(const field_t &field)
 {
 	return (field.traits & (OLD | NEW)) == OLD;
-}
-
-static std::string in_small_letters(std::string_view word)
-{
-	std::string small(word);
-	for (char &letter : small)
-		letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-	return small;
 }
 
 static std::vector<std::string_view> split(std::string_view list)

@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstring>
 #include <fmt/format.h>
 #include <sstream>
 
@@ -67,18 +68,23 @@ static const value_row_t VALUES[] = {
 static std::vector<std::string> names_of_commands(const CLI::App &app)
 {
 	std::vector<std::string> names;
-	for (const CLI::App *command : app.get_subcommands({}))
+	const auto commands = app.get_subcommands({});
+	names.reserve(commands.size());
+	for (const CLI::App *command : commands)
 		names.push_back(command->get_name());
 	return names;
 }
 
+static const char DASHES[] = "--";
+
+// Of the long options, without their dashes.
 static std::vector<std::string> names_of_options(const CLI::App &app)
 {
 	std::vector<std::string> names;
 	for (const CLI::Option *option : app.get_options({})) {
 		// One that no help shows has no name.
 		if (!option->get_name().empty())
-			names.push_back(option->get_name());
+			names.push_back(option->get_name().substr(strlen(DASHES)));
 	}
 	return names;
 }
@@ -88,23 +94,17 @@ static bool contains(const std::vector<std::string> &words, std::string_view wor
 	return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-// "; did you mean \"--json\"?" for the first long option that is none of ours. Dashes are not counted as
-// letters.
+// For the first long option that is none of ours.
 static std::string hint_for_option(const CLI::App &app, int argc, char **argv)
 {
 	const std::vector<std::string> known = names_of_options(app);
-	std::vector<std::string_view> letters;
-	for (const std::string &name : known)
-		letters.push_back(std::string_view(name).substr(2));
 	for (int i = 1; i < argc; i++) {
 		const std::string_view word = argv[i];
-		const std::string_view name = word.substr(0, word.find('='));
-		if (name.size() <= 2 || name.substr(0, 2) != "--" || contains(known, name))
+		if (word.size() <= strlen(DASHES) || word.substr(0, strlen(DASHES)) != DASHES)
 			continue;
-		const std::string hint = suggestion(name.substr(2), letters);
-		const std::size_t quote = hint.find('"');
-		return quote == std::string::npos ? hint
-		                                  : hint.substr(0, quote + 1) + "--" + hint.substr(quote + 1);
+		const std::string_view name = word.substr(strlen(DASHES), word.find('=') - strlen(DASHES));
+		if (!contains(known, name))
+			return suggestion(name, {known.begin(), known.end()}, DASHES);
 	}
 	return "";
 }

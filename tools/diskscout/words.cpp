@@ -23,7 +23,7 @@ static std::string hint_for(const std::string &word)
 	std::vector<std::string_view> known;
 	for (const kind_t *k : all_kinds())
 		known.push_back(k->word);
-	const std::string hint = suggestion(word, known);
+	std::string hint = suggestion(word, known);
 	if (!hint.empty())
 		return hint;
 	const std::string known_words = ", known are " + words_of(is_any);
