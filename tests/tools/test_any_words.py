@@ -8,7 +8,8 @@ from documents import KINDS, errors_of
 
 WORDS = [
     *KINDS,
-    *("raid-disks", "raid-space", "list", "schema", "tapes", "devcies", "sda", "", "-", "--", "\x1b[31m", "größe", "a\nb"),
+    *("raid-disks", "raid-space", "list", "schema", "tapes", "devcies", "sda", "", "-", "--"),
+    *("\x1b[31m", "größe", "a\nb"),
     *("/dev/null", "/nowhere", "/", ".", "./x"),
     *("--classic", "--bytes", "--no-headings", "--pairs", "--inverse", "--help", "--version", "-h", "--frobnicate"),
     *("--format=2", "--format=3", "--format=", "--json", "--columns=name", "--columns=+uuid", "--columns=,", "-oname"),

@@ -15,7 +15,7 @@ TESTS = pathlib.Path(__file__).resolve().parents[1]
 sys.path.insert(0, str(TESTS / "block"))
 from unfold import hosts_in, unfold  # noqa: E402
 
-HOSTS = [*hosts_in(TESTS / "hosts"), *hosts_in(TESTS / "block" / "hosts")]
+HOSTS = [host for room in ("", "block", "tools") for host in hosts_in(TESTS / room / "hosts")]
 
 
 def uname_of(host):
