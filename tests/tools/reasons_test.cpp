@@ -19,25 +19,9 @@ const kind_t KIND = {};
 // A message as one line: "note no_medium: sdb: no medium".
 std::string line_of(const message_t &message)
 {
-	static const char *const SEVERITIES[] = {"note", "warning", "error"};
-	static const std::map<code_t, std::string> CODES = {
-		{code_t::LIST_CUT, "list_cut"},
-		{code_t::NO_CLASSIC_NAME, "no_classic_name"},
-		{code_t::NO_SCSI_TABLE, "no_scsi_table"},
-		{code_t::NO_IDE_TABLE, "no_ide_table"},
-		{code_t::NO_PERMISSION, "no_permission"},
-		{code_t::NOT_OPENED, "not_opened"},
-		{code_t::NOT_IN_SCSI_TABLE, "not_in_scsi_table"},
-		{code_t::NOT_IN_IDE_TABLE, "not_in_ide_table"},
-		{code_t::NOT_IN_BLOCK_TABLE, "not_in_block_table"},
-		{code_t::NO_MEDIUM, "no_medium"},
-		{code_t::PROTECTIVE_ENTRY, "protective_entry"},
-		{code_t::OUTSIDE_DISK, "outside_disk"},
-		{code_t::CUT_TEXT, "cut_text"},
-	};
 	EXPECT_EQ(message.kind, &KIND);
-	return std::string(SEVERITIES[static_cast<int>(message.severity)]) + " " + CODES.at(message.code) +
-	       ": " + message.text;
+	return std::string(word_of(message.severity)) + " " + std::string(word_of(message.code)) + ": " +
+	       message.text;
 }
 
 std::vector<std::string> lines_of(const messages_t &messages)

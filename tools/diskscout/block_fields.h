@@ -4,6 +4,7 @@
 #define DISKSCOUT_TOOLS_DISKSCOUT_BLOCK_FIELDS_H
 
 #include "member.h"
+#include "selection.h"
 
 #include "diskscout_block.h"
 
@@ -97,6 +98,12 @@ constexpr field_t objects(const char *key, const char *heading, const char *what
                           std::string (*cell)(const row_t &row))
 {
 	return {key, heading, shape_t::OBJECTS, NEW, what, told_objects<Member, Fields>, Fields, cell};
+}
+
+// For a kind of devices, or of what is on one each.
+template <typename Record> bool is_named(const row_t &row, const names_t &devices)
+{
+	return devices.count(record_of<Record>(row).name) > 0;
 }
 
 #endif

@@ -56,16 +56,6 @@ static constexpr field_t FIELDS[] = {
                                                   members_cell),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<array_t>(from.block_list(CMD_GET_BLOCK_ARRAYS), from);
-}
-
-static bool concerns(const row_t &row, const names_t &devices)
-{
-	return devices.count(record_of<array_t>(row).name) > 0;
-}
-
 const kind_t ARRAYS_KIND = {
 	"arrays",
 	"",
@@ -77,7 +67,7 @@ const kind_t ARRAYS_KIND = {
 	FIELDS,
 	"name,level,state,size,wanted,active,failed,spare,sync_action,members",
 	nullptr,
-	ask,
+	ask_for_block<array_t, CMD_GET_BLOCK_ARRAYS>,
 	{},
-	concerns,
+	is_named<array_t>,
 };

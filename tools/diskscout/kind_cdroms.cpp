@@ -33,11 +33,6 @@ static constexpr field_t FIELDS[] = {
          known_member<&cdrom_t::nTotalSpace>},
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<cdrom_t>(from.list(CMD_GET_CDROMS), from);
-}
-
 const kind_t CDROMS_KIND = {
 	"cdroms",
 	"cdroms",
@@ -49,5 +44,5 @@ const kind_t CDROMS_KIND = {
 	FIELDS,
 	"device_name,interface,model,serial_number,firmware_version,mount_point,total_space",
 	nullptr,
-	ask,
+	ask_for<cdrom_t, CMD_GET_CDROMS>,
 };

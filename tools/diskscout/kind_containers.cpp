@@ -136,11 +136,6 @@ static constexpr field_t FIELDS[] = {
 	text<&container_t::szLabel>("label", "LABEL", "name that was given to it"),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<container_t>(from.list_of_controller(CMD_GET_CONTAINERS), from);
-}
-
 const kind_t CONTAINERS_KIND = {
 	"containers",
 	"containers",
@@ -152,6 +147,6 @@ const kind_t CONTAINERS_KIND = {
 	FIELDS,
 	"raid_id,label,type_word,usage_word,total_size_low32,stripe_size,hot_spare,disk_number,members",
 	nullptr,
-	ask,
+	ask_for_controller<container_t, CMD_GET_CONTAINERS>,
 	"MOD 4 GIB leaves out whole multiples of 4 GiB; raid-partitions shows sizes in full.",
 };

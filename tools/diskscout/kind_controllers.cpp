@@ -21,11 +21,6 @@ static constexpr field_t FIELDS[] = {
                                                      "null for a code without a word"),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<controller_t>(from.controllers(), from);
-}
-
 const kind_t CONTROLLERS_KIND = {
 	"controllers",
 	"controllers",
@@ -37,5 +32,5 @@ const kind_t CONTROLLERS_KIND = {
 	FIELDS,
 	"controller_id,adapter_name,adapter_type,availability_word,clustering_word",
 	nullptr,
-	ask,
+	ask_for<controller_t, CMD_GET_CONTROLLERS>,
 };

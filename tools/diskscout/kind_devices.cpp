@@ -96,16 +96,6 @@ static constexpr field_t FIELDS[] = {
          put_mount_points},
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<device_t>(from.block_list(CMD_GET_BLOCK_DEVICES), from);
-}
-
-static bool concerns(const row_t &row, const names_t &devices)
-{
-	return devices.count(record_of<device_t>(row).name) > 0;
-}
-
 const kind_t DEVICES_KIND = {
 	"devices",
 	"",
@@ -117,7 +107,7 @@ const kind_t DEVICES_KIND = {
 	FIELDS,
 	"name,kind,size,transport,model,serial,mount_points",
 	nullptr,
-	ask,
+	ask_for_block<device_t, CMD_GET_BLOCK_DEVICES>,
 	{},
-	concerns,
+	is_named<device_t>,
 };

@@ -101,11 +101,6 @@ static constexpr field_t FIELDS[] = {
 	number<&disk_t::nExPartNumber>("ex_part_number", "EXTENDED", "extended ones of these partitions"),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<disk_t>(from.list(CMD_GET_DISKS), from);
-}
-
 const kind_t DISKS_KIND = {
 	"disks",
 	"disks",
@@ -119,5 +114,5 @@ const kind_t DISKS_KIND = {
 	"number,"
 	"used_by_system",
 	nullptr,
-	ask,
+	ask_for<disk_t, CMD_GET_DISKS>,
 };

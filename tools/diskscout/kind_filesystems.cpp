@@ -58,16 +58,6 @@ static constexpr field_t FIELDS[] = {
 	text<&content_t::version>("version", "VERSION", "of the format"),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<content_t>(from.block_list(CMD_GET_BLOCK_CONTENTS), from);
-}
-
-static bool concerns(const row_t &row, const names_t &devices)
-{
-	return devices.count(record_of<content_t>(row).name) > 0;
-}
-
 const kind_t FILESYSTEMS_KIND = {
 	"filesystems",
 	"",
@@ -79,7 +69,7 @@ const kind_t FILESYSTEMS_KIND = {
 	FIELDS,
 	"name,type,version,label,uuid,table,partitions,source,reason",
 	nullptr,
-	ask,
+	ask_for_block<content_t, CMD_GET_BLOCK_CONTENTS>,
 	{},
-	concerns,
+	is_named<content_t>,
 };

@@ -14,11 +14,6 @@ static constexpr field_t FIELDS[] = {
                               "of a path of an NVMe namespace: optimized, non-optimized ..."),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<link_t>(from.block_list(CMD_GET_BLOCK_LINKS), from);
-}
-
 static bool concerns(const row_t &row, const names_t &devices)
 {
 	const auto &link = record_of<link_t>(row);
@@ -37,7 +32,7 @@ const kind_t LINKS_KIND = {
 	FIELDS,
 	"upper,relation,lower,address,state,access",
 	nullptr,
-	ask,
+	ask_for_block<link_t, CMD_GET_BLOCK_LINKS>,
 	{},
 	concerns,
 };

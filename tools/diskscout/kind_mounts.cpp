@@ -50,11 +50,6 @@ static constexpr field_t FIELDS[] = {
          put_priority},
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<mount_t>(from.block_list(CMD_GET_BLOCK_MOUNTS), from);
-}
-
 static bool concerns(const row_t &row, const names_t &devices)
 {
 	for (const block_text *device = record_of<mount_t>(row).devices; device; device = device->next) {
@@ -75,7 +70,7 @@ const kind_t MOUNTS_KIND = {
 	FIELDS,
 	"mount_point,source,type,total,used,available,devices,shadowed",
 	nullptr,
-	ask,
+	ask_for_block<mount_t, CMD_GET_BLOCK_MOUNTS>,
 	{},
 	concerns,
 };

@@ -115,11 +115,6 @@ static constexpr field_t FIELDS[] = {
          "boot byte of the table's entry: 128 bootable, 0 not", put_boot_byte},
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<partition_t>(from.list(CMD_GET_PARTITIONS), from);
-}
-
 const kind_t PARTITIONS_KIND = {
 	"partitions",
 	"partitions",
@@ -133,5 +128,5 @@ const kind_t PARTITIONS_KIND = {
 	"system",
 	"device_name,type,active,first_sector,size,file_system,mount_point,total_space,used_space,used_by_"
 	"system",
-	ask,
+	ask_for<partition_t, CMD_GET_PARTITIONS>,
 };

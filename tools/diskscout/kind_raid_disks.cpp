@@ -109,11 +109,6 @@ static constexpr field_t FIELDS[] = {
 	number<&raid_disk_t::nRate>("rate", "RATE", "MB a second that the bus is run at"),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<raid_disk_t>(from.list_of_controller(CMD_GET_RAID_DISKS), from);
-}
-
 const kind_t RAID_DISKS_KIND = {
 	"raid_disks",
 	"raid-disks",
@@ -125,5 +120,5 @@ const kind_t RAID_DISKS_KIND = {
 	FIELDS,
 	"address,device_type_word,size,vendor,model,usage_word,shared_word,rate",
 	nullptr,
-	ask,
+	ask_for_controller<raid_disk_t, CMD_GET_RAID_DISKS>,
 };

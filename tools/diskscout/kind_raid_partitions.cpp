@@ -69,11 +69,6 @@ static constexpr field_t FIELDS[] = {
                                                               "null for a code without a word"),
 };
 
-static answer_t ask(enquiry_t &from)
-{
-	return answer_of<raid_partition_t>(from.list_of_controller(CMD_GET_RAID_PARTITIONS), from);
-}
-
 const kind_t RAID_PARTITIONS_KIND = {
 	"raid_partitions",
 	"raid-partitions",
@@ -85,5 +80,5 @@ const kind_t RAID_PARTITIONS_KIND = {
 	FIELDS,
 	"address,offset,size,raid_id,type_word,part_of,read_write_attribute_word",
 	nullptr,
-	ask,
+	ask_for_controller<raid_partition_t, CMD_GET_RAID_PARTITIONS>,
 };

@@ -84,4 +84,20 @@ template <typename Record> answer_t answer_of(const item_list_t &list, enquiry_t
 	return answer;
 }
 
+// How most kinds ask: for the list of one query, of whoever tells it.
+template <typename Record, UINT Query> answer_t ask_for(enquiry_t &from)
+{
+	return answer_of<Record>(from.list(Query), from);
+}
+
+template <typename Record, UINT Query> answer_t ask_for_block(enquiry_t &from)
+{
+	return answer_of<Record>(from.block_list(Query), from);
+}
+
+template <typename Record, UINT Query> answer_t ask_for_controller(enquiry_t &from)
+{
+	return answer_of<Record>(from.list_of_controller(Query), from);
+}
+
 #endif
