@@ -183,3 +183,20 @@ def test_an_ordinary_user_is_told_what_was_not_permitted(tool, tmp_path):
     result = tool.run("list", "partitions", "--sysroot", host)
     assert result.returncode == 1
     assert "at /dev/hda: Permission denied" in result.stderr
+
+
+def test_an_ordinary_user_is_told_which_values_root_alone_gets(tool, tmp_path):
+    host = unfolded(TODAY / "mapper", tmp_path / "mapper")
+    assert told(tool, host, "devices") == []
+    with open(host / "host.txt", "a", encoding="utf-8") as table:
+        table.write("device /dev/mapper/control\n\topen fails EACCES\n")
+    text = "targets are not told, /dev/mapper/control cannot be opened: Permission denied"
+    for device, names in (
+        ([], "dm-0, dm-1, dm-2, dm-3, dm-4, dm-10"),
+        (["/dev/dm-0"], "dm-0, dm-1, dm-2"),
+    ):
+        assert told(tool, host, "devices", *device) == [("warning", "devices", "no_permission", f"{names}: {text}")]
+    # a column that nobody sees lacks nothing
+    for columns, lacks in (("name", False), ("+dm_target", True)):
+        result = tool.run("list", "devices", "-o", columns, "--sysroot", host)
+        assert (result.returncode, text in result.stdout) == (0, lacks)

@@ -6,6 +6,7 @@
 #include "reasons.h"
 #include "selection.h"
 #include "text.h"
+#include "withheld.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -100,6 +101,8 @@ sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 	}
 	add_failures(sections, from, opts, messages);
 	if (!opts.classic) {
+		for (message_t &reason : withheld(sections, opts))
+			messages.push_back(std::move(reason));
 		for (message_t &reason : reasons(from, opts.kinds, has_devices(opts.kinds)))
 			messages.push_back(std::move(reason));
 	}

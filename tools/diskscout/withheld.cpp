@@ -1,0 +1,53 @@
+// Values that the kernel tells to root alone. The plug-in leaves them out without a word.
+#include "withheld.h"
+
+#include "columns.h"
+#include "diskscout_block.h"
+#include "member.h"
+#include "reasons_lines.h"
+#include "reasons_node.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fmt/format.h>
+
+static bool is_shown(const kind_t &kind, const char *key, const options_t &opts)
+{
+	if (opts.json)
+		return true;
+	const columns_t columns = columns_of(kind, opts.columns);
+	return std::find(columns.begin(), columns.end(), &column_of(kind, key)) != columns.end();
+}
+
+// The tables of all mappings are asked for at one node.
+static void add_mappings(const section_t &devices, reason_lines_t *lines)
+{
+	static const char CONTROL[] = "/dev/mapper/control";
+	std::vector<std::string> names;
+	for (const row_t &row : devices.answer.rows) {
+		const auto &device = record_of<block_device>(row);
+		if (device.dm_kind && !device.dm_target)
+			names.emplace_back(device.name);
+	}
+	const int error = names.empty() ? 0 : node_t(CONTROL).error();
+	if (error != EACCES && error != EPERM)
+		return;
+	const reason_t reason = {
+		severity_t::WARNING, code_t::NO_PERMISSION,
+		fmt::format("targets are not told, {} cannot be opened: {}", CONTROL, strerror(error))};
+	for (const std::string &name : names)
+		lines->add(name, reason);
+}
+
+messages_t withheld(const sections_t &sections, const options_t &opts)
+{
+	for (const section_t &section : sections) {
+		if (section.kind != &DEVICES_KIND || !is_shown(*section.kind, "dm_target", opts))
+			continue;
+		reason_lines_t lines(*section.kind);
+		add_mappings(section, &lines);
+		return lines.messages();
+	}
+	return {};
+}
