@@ -62,7 +62,10 @@ BELOW = {
     "block": {"request", "today"},
     "replay": set(),
     "tools/common": {"classic", "request", "today"},
-    "tools/diskscout": {"classic", "request", "today", "tools/common"},
+    "tools/diskscout/show": {"tools/common"},
+    "tools/diskscout/kinds": {"classic", "request", "today", "tools/common", "tools/diskscout/show"},
+    "tools/diskscout/reasons": {"classic", "today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds"},
+    "tools/diskscout": {"today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds", "tools/diskscout/reasons"},
     "tools/stcli": {"classic", "request", "tools/common"},
     "tools/disks": {"today", "request"},
     "tools/mirror": {"classic", "request"},
@@ -76,7 +79,8 @@ BELOW = {
 EXPORTED = {"src/define_command.h": "request", "src/diskscout.h": "classic", "src/diskscout_raid.h": "classic",
             "block/diskscout_block.h": "today"}
 # Where the build looks for headers, behind the folder of the file that includes.
-INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/common", "block", "src"), "src": ("src",), "replay": (".",)}
+INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/diskscout", *(f"tools/diskscout/{room}" for room in ("kinds", "reasons", "show")),
+                           "tools/common", "block", "src"), "src": ("src",), "replay": (".",)}
 
 
 def room_of(path):
