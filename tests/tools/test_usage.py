@@ -53,6 +53,11 @@ def test_version(tool):
     assert len(version.split(".")) == 3
 
 
+def test_help_of_list_says_where_its_options_are(tool):
+    """They are the program's, and stand before or behind the word."""
+    assert "options of diskscout --help" in tool.run("list", "--help").stdout
+
+
 @pytest.mark.parametrize("arguments", [["--help"], ["list", "--help"]])
 def test_help_tells_the_kinds_or_the_options(tool, arguments):
     result = tool.run(*arguments)

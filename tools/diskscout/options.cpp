@@ -175,6 +175,7 @@ options_t parse_options(int argc, char **argv)
 		->type_name("");
 	// Options of the program are taken behind the subcommand too.
 	list->fallthrough();
+	list->footer("The options of diskscout --help belong here, too.\n" + app.get_footer());
 	const CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
 	try {
 		app.parse(argc, argv);
