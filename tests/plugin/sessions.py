@@ -2,6 +2,7 @@
 
 import os
 import re
+import shlex
 import subprocess
 import sys
 
@@ -45,7 +46,8 @@ class Reader:
         for name in ("docs", "tests", "tools"):
             (self.place / name).symlink_to(source_dir / name)
         wrapper = run / "diskscout"
-        wrapper.write_text(WRAPPER.format(program=build_dir / "diskscout", host=unfolded / "notebook"))
+        wrapper.write_text(WRAPPER.format(program=shlex.quote(str(build_dir / "diskscout")),
+                                          host=shlex.quote(str(unfolded / "notebook"))))
         wrapper.chmod(0o755)
         kept = {name: value for name, value in os.environ.items()
                 if not name.startswith(("LC_", "REPLAY_")) and name not in ("LANG", "LANGUAGE", "COLUMNS")}
