@@ -9,6 +9,9 @@ absent, false or empty, but: sectors have 512 bytes, disks rotate, and a partiti
   {"read": VALUE}    what only the device itself tells
   "$QEMU"            QEMU's version, as a controller tells it
   unknown_to_udev    udev's rules leave the device out: its contents are told to who may read it
+
+Under SAID stands what a listing of all kinds has to say beside its lists, message by message: a text behind the names
+of these devices, a note to everybody unless it says otherwise ("to": "user").
 """
 
 import json
@@ -24,8 +27,22 @@ ENTRY = ("part_start", "part_size", "part_type", "part_uuid", "part_label", "par
 SETS = ("parents", "paths", "mounts", "under")
 OF_THE_DISK = ("transport", "controller_pci", "logical_sector", "physical_sector", "rotational", "removable",
                "read_only")
+SAID = "what is said beside the lists"
+NAMES_SHOWN = 8  # of a message that is about more
 FIELDS = ("kind", "size", "logical_sector", "physical_sector", "rotational", "removable", "read_only", "part_number",
           *TEXTS, *CONTENT, *ENTRY, *SETS)
+
+
+def _by_numbers(name):
+    """The order of devices: numbers in names by their value."""
+    return [int(piece) if piece.isdigit() else piece for piece in re.split(r"(\d+)", name)]
+
+
+def _sentence(names, text):
+    if not names:
+        return text
+    more = f" and {len(names) - NAMES_SHOWN} more" if len(names) > NAMES_SHOWN else ""
+    return f"{', '.join(names[:NAMES_SHOWN])}{more}: {text}"
 
 
 def _qemu_version():
@@ -39,6 +56,7 @@ class Expected:
     def __init__(self, machine):
         said = json.loads((machine.scenario / "expected.json").read_text(encoding="utf-8"))
         self._said = {role: said.get(entry.get("like"), {}) | entry for role, entry in said.items() if " " not in role}
+        self._messages = said.get(SAID, [])
         self._names = machine.names
         self._qemu = _qemu_version()
 
@@ -80,6 +98,17 @@ class Expected:
                 array["members"] = {self.name(member): place for member, place in array["members"].items()}
                 arrays[self.name(role)] = array
         return arrays
+
+    def said(self, stage, kinds):
+        """[(the message, the names of all devices that it is about)] of a listing of these kinds."""
+        messages = []
+        for entry in self._messages:
+            if entry["kind"] not in kinds or not stage.endswith(entry.get("to", "")):
+                continue
+            names = sorted((self.name(role) for role in entry.get("of", ())), key=_by_numbers)
+            messages.append(({"severity": entry.get("severity", "note"), "kind": entry["kind"], "code": entry["code"],
+                              "text": _sentence(names, entry["text"])}, names))
+        return messages
 
     def _device(self, role, sources):
         said = dict(self._said[role])

@@ -5,10 +5,12 @@ usage: run.py --build-dir DIR --source-dir DIR [--keep DIR] [--capture] [unittes
 
 Each test class is one scenario, booted once.  What the library for today's hosts tells of its devices is compared with
 what the scenario itself says of them (expected.py) and with the answers of its peers in the same boot (peers.py), as
-root and as an ordinary user, with udevd and without.  Exit status 77: this host cannot run the machines.
+root and as an ordinary user, with udevd and without; so is what the program lists of them (listing_tests.py).  Exit
+status 77: this host cannot run the machines.
 """
 
 import argparse
+import errno
 import json
 import pathlib
 import sys
@@ -19,6 +21,7 @@ sys.path.insert(1, str(HERE.parent / "vm"))
 
 import answers  # noqa: E402
 import expected  # noqa: E402
+import listing_tests  # noqa: E402
 import peers  # noqa: E402
 import scenario  # noqa: E402
 import stock_machine  # noqa: E402
@@ -26,7 +29,7 @@ import stock_machine  # noqa: E402
 SKIPPED = 77
 
 
-class Stock(scenario.Booted):
+class Stock(listing_tests.Listing, scenario.Booted):
     """What holds in every machine."""
 
     kind = stock_machine.Machine
@@ -179,6 +182,9 @@ class Mappings(Stock, unittest.TestCase):
                 self.assertEqual(sorted(ours), sorted(devices))
                 for name, device in devices.items():
                     self.assertEqual({field: ours[name].get(field) for field in device}, device, name)
+        contents = listing_tests.document(self.machine, "hung-root", "named-json")["filesystems"]
+        self.assertEqual({content["name"]: content["error"] for content in contents if content["error"] is not None},
+                         {self.text.name("frozen"): errno.EBUSY})
 
 
 def main():

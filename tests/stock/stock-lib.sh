@@ -159,15 +159,17 @@ ask() {
 	echo $? > "$into.status"
 }
 
-# stage NAME QUERIES: as root and as an ordinary user who cannot open a device
+# stage NAME: as root and as an ordinary user who cannot open a device
 stage() {
-	mkdir "$seen/$1-root" "$seen/$1-user"
-	while read -r name command; do
-		# shellcheck disable=SC2086 # words
-		ask "$1-root" "$name" $command
-		# shellcheck disable=SC2086 # words
-		ask "$1-user" "$name" $programs/setpriv --reuid $user --regid $user --clear-groups $command
-	done < "$2"
+	for who in root user; do
+		as=
+		[ $who = root ] || as="$programs/setpriv --reuid $user --regid $user --clear-groups"
+		mkdir "$seen/$1-$who"
+		while read -r name command; do
+			# shellcheck disable=SC2086 # words
+			ask "$1-$who" "$name" $as $command
+		done < "queries/$1-$who"
+	done
 	step "$1"
 }
 

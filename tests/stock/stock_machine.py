@@ -23,11 +23,25 @@ UDEV_RULES = ("01-md-raid-creating", "50-udev-default", "55-dm", "56-lvm", "60-b
 UDEV = pathlib.Path("/usr/lib/udev")
 STAGES = ("udev-root", "udev-user", "bare-root", "bare-user")
 OURS = ("block-json", "diskscout", "diskscout-block.so", "diskscout.so")
-# What each stage asks: a name for the answer, and the words as they stand in the machine. Beside a device that never
-# answers the peers are not asked.
 OUR_QUERY = ("block", "./block-json ./diskscout-block.so")
 CLASSIC_QUERY = ("classic", "./diskscout list --classic --format 1 --json")
-QUERIES = (("lsblk", "lsblk -J -b -O"), CLASSIC_QUERY, OUR_QUERY)
+# {answer: the kinds that are keys of it}
+DOCUMENTS = {"list-json": ("devices", "links", "mounts", "disks", "partitions", "cdroms"),
+             "named-json": ("devices", "filesystems", "arrays", "mounts")}
+LIST_QUERY = ("list-json", "./diskscout list --json")
+NAMED_QUERY = ("named-json", f"./diskscout list {' '.join(DOCUMENTS['named-json'])} --json")
+TABLE_QUERIES = (("list", "./diskscout list"), ("names", "./diskscout list devices -o name --no-headings"))
+EVERYWHERE = (("lsblk", "lsblk -J -b -O"), CLASSIC_QUERY, OUR_QUERY, LIST_QUERY, NAMED_QUERY)
+# What each stage asks: a name for the answer, and the words as they stand in the machine. Beside a device that never
+# answers the peers are not asked. A table shows what a document tells: two of them will do.
+QUERIES = {
+    "udev-root": EVERYWHERE + TABLE_QUERIES,
+    "udev-user": EVERYWHERE,
+    "hung-root": (OUR_QUERY, NAMED_QUERY),
+    "hung-user": (OUR_QUERY, LIST_QUERY),
+    "bare-root": EVERYWHERE,
+    "bare-user": EVERYWHERE + TABLE_QUERIES,
+}
 
 
 def found(program):
@@ -64,11 +78,17 @@ class Machine(machine.Machine):
         shutil.copy(self.scenario / "guest.sh", self.payload)
         if self.capture:
             shutil.copy(HERE / "capture-host", self.payload)
-        for file, queries in (("queries", QUERIES), ("hung-queries", (OUR_QUERY,))):
-            (self.payload / file).write_text("".join(f"{name} {words}\n" for name, words in queries))
+        (self.payload / "queries").mkdir()
+        for stage, queries in QUERIES.items():
+            (self.payload / "queries" / stage).write_text("".join(f"{name} {words}\n" for name, words in queries))
 
     def _options(self, kernel):
         return ["--memory", "768", "--kernel-tree", kernel]
+
+    def answered(self, *names):
+        """[(stage, name)] of those that were asked for."""
+        return [(stage, name) for stage, queries in QUERIES.items() if (self.seen / stage).is_dir()
+                for name, _ in queries if name in names]
 
     @property
     def names(self):
