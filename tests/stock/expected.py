@@ -66,6 +66,9 @@ class Expected:
         disk, _, number = role.rpartition(".")
         return self._names[disk] + ("p" if self._names[disk][-1].isdigit() else "") + number
 
+    def names(self, roles):
+        return [self.name(role) for role in roles]
+
     def devices(self, stage):
         """{device name: {field: value}} in this stage, of all fields of FIELDS."""
         sources = {"udev": stage.startswith("udev"), "read": stage.endswith("root")}
@@ -105,7 +108,7 @@ class Expected:
         for entry in self._messages:
             if entry["kind"] not in kinds or not stage.endswith(entry.get("to", "")):
                 continue
-            names = sorted((self.name(role) for role in entry.get("of", ())), key=_by_numbers)
+            names = sorted(self.names(entry.get("of", ())), key=_by_numbers)
             messages.append(({"severity": entry.get("severity", "note"), "kind": entry["kind"], "code": entry["code"],
                               "text": _sentence(names, entry["text"])}, names))
         return messages

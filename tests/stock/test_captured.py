@@ -4,6 +4,7 @@ What is on the devices is not captured: udev's database knows of it, as an ordin
 devices of its machine out.
 """
 
+import json
 import os
 import pathlib
 import subprocess
@@ -13,9 +14,10 @@ import pytest
 
 HERE = pathlib.Path(__file__).resolve().parent
 BLOCK = HERE.parent / "block"
-sys.path[1:1] = [str(BLOCK)]
+sys.path[1:1] = [str(BLOCK), str(HERE.parent / "tools")]
 
 import answers  # noqa: E402
+import documents  # noqa: E402
 import expected  # noqa: E402
 from unfold import unfold  # noqa: E402
 
@@ -32,9 +34,10 @@ class Captured:
         self.scenario = HERE / "scenarios" / host.name
         self.names = dict(line.split() for line in (host / "names").read_text(encoding="utf-8").splitlines())
         self.seen = into
+        self.root = unfold(host, into / "host")
         (into / STAGE).mkdir()
         environment = dict(os.environ, LD_PRELOAD=str(into / "replay.so"), ASAN_OPTIONS="verify_asan_link_order=0",
-                           REPLAY_SYSROOT=str(unfold(host, into / "host")))
+                           REPLAY_SYSROOT=str(self.root))
         # The loader splits LD_PRELOAD at blanks and colons.
         (into / "replay.so").symlink_to(build / "diskscout-replay.so")
         with open(into / STAGE / "block.out", "wb") as document:
@@ -50,6 +53,9 @@ class Text(expected.Expected):
             return super().name(role)
         except KeyError:
             return f"({role})"
+
+    def names(self, roles):
+        return [self._names[role] for role in roles if role in self._names]
 
 
 @pytest.fixture(scope="module", params=HOSTS, ids=lambda host: host.name)
@@ -90,3 +96,22 @@ def test_arrays_are_as_the_machine_made_them(captured):
         wanted = arrays[name]
         assert array["state"] in wanted.pop("state"), name
         assert {field: array[field] for field in wanted} == wanted, name
+
+
+def test_listing_tells_the_same(captured, pytestconfig):
+    program = pathlib.Path(pytestconfig.getoption("--build-dir")).resolve() / "diskscout"
+    # Without it nothing is known of partitions. It was not captured: the other side reads the kernel's own.
+    (captured.root / "etc").mkdir()
+    (captured.root / "etc" / "mtab").touch()
+    command = [str(program), "list", "--json", "--sysroot", str(captured.root)]
+    result = subprocess.run(command, env=dict(os.environ, ASAN_OPTIONS="verify_asan_link_order=0"),
+                            capture_output=True, check=True, timeout=60, encoding="utf-8")
+    documents.check_document(program, result)
+    told = json.loads(result.stdout)
+    ours = json.loads((captured.seen / STAGE / "block.out").read_bytes())
+    for kind in ("devices", "links", "mounts"):
+        assert told[kind] == ours[kind], kind
+    # who may ask the device mapper was not captured
+    said = Text(captured).said(STAGE, documents.HOST_KINDS)
+    assert told["messages"] == [message for message, _ in said]
+    assert (told["disks"], told["partitions"], told["cdroms"]) == ([], [], [])
