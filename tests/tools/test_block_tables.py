@@ -150,6 +150,15 @@ def headings(text):
     return re.split(r"  +", text.splitlines()[1].strip())
 
 
+def test_columns_by_their_headings(tool):
+    """What a person reads above them, where no column has that for its name."""
+    by_names = tool.made_text("mounts", "-o", "mount_point,total,used")
+    assert tool.made_text("mounts", "-o", "Mount Point,SIZE,used") == by_names
+    assert tool.made_text("mounts", "--sort", "size") == tool.made_text("mounts", "--sort", "total")
+    refused = tool.made("list", "mounts", "-o", "total,size")
+    assert (refused.returncode, refused.stderr) == (2, 'diskscout: column "total" is named twice\n')
+
+
 def test_further_columns(tool):
     usual = headings(tool.made_text("devices"))
     more = headings(tool.made_text("devices", "-o", "+nguid,eui64"))

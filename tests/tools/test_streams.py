@@ -59,6 +59,34 @@ def test_narrow_form(tool):
     assert len([line for line in lines if line.startswith(f"{headings[0]}: ")]) == 6
 
 
+SPARED = [
+    ("name,kind,size,transport,model,mount_points", "SERIAL"),
+    ("name,kind,size,model,mount_points", "SERIAL, BUS"),
+    ("name,kind,size,mount_points", "SERIAL, BUS, MODEL"),
+]
+
+
+def test_a_narrow_terminal_has_fewer_columns_of_the_tree(tool):
+    before = tool.made("list", "devices", env=UTF8).stdout
+    for columns, left_out in SPARED:
+        table = tool.made("list", "devices", "-o", columns, env=UTF8).stdout
+        assert width_of(table) < width_of(before)
+        told = f"{table}Left out for want of room: {left_out}.\n"
+        for room in (width_of(before) - 1, width_of(table)):
+            assert on_terminal(tool, room, "list", "devices", env=UTF8)[1] == told
+        before = table
+    # Where that does not help nothing is left out.
+    _, blocks = on_terminal(tool, width_of(before) - 1, "list", "devices", env=UTF8)
+    assert "SERIAL: " in blocks and "Left out" not in blocks
+
+
+def test_columns_that_are_named_are_not_left_out(tool):
+    columns = ["-o", "name,serial,model,links"]
+    width = width_of(tool.made("list", "devices", *columns).stdout)
+    _, blocks = on_terminal(tool, width - 1, "list", "devices", *columns)
+    assert "SERIAL: " in blocks and "MODEL: " in blocks and "Left out" not in blocks
+
+
 def test_tree_in_a_narrow_terminal(tool):
     for words in (["list"], ["list", "devices"], ["list", "devices", "--inverse"]):
         for block in ("plain", "hostile", "deep"):

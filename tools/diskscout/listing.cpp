@@ -54,15 +54,47 @@ static bool is_tree(const section_t &section, const options_t &opts)
 	return section.kind == &DEVICES_KIND && opts.sort.empty() && !opts.pairs;
 }
 
-static table_t table_of(section_t &section, enquiry_t &from, const options_t &opts)
+static table_t table_with(const columns_t &columns, const section_t &section, enquiry_t &from,
+                          const options_t &opts)
 {
-	const columns_t columns = columns_of(*section.kind, opts.columns);
 	const sizes_t sizes = opts.bytes ? sizes_t::IN_BYTES : sizes_t::IN_UNITS;
 	table_t table = is_tree(section, opts)
 	                        ? draw_tree(columns, section.answer.rows, from, opts.inverse, sizes)
 	                        : draw_rows(columns, section.answer.rows, sizes);
 	table.has_headings = !opts.no_headings;
 	return table;
+}
+
+static std::string headings_of(const columns_t &columns)
+{
+	std::string text;
+	for (const field_t *column : columns)
+		text += fmt::format("{}{}", text.empty() ? "" : ", ", column->heading);
+	return text;
+}
+
+/*
+ * The table as wide as the terminal allows. Where nobody named columns, those that can be done without are
+ * left out one by one, which is told below it; where that does not help, the rows become blocks of lines with
+ * all of them.
+ */
+static std::string table_of(const section_t &section, enquiry_t &from, const options_t &opts)
+{
+	const auto room = terminal_columns(STDOUT_FILENO);
+	columns_t columns = columns_of(*section.kind, opts.columns);
+	const table_t whole = table_with(columns, section, from, opts);
+	if (!room || !opts.columns.empty() || opts.no_headings || width_of_table(whole) <= *room)
+		return format_table(whole, room);
+	columns_t left_out;
+	for (const field_t *spare : spare_columns_of(*section.kind)) {
+		columns.erase(std::remove(columns.begin(), columns.end(), spare), columns.end());
+		left_out.push_back(spare);
+		const table_t smaller = table_with(columns, section, from, opts);
+		if (width_of_table(smaller) <= *room)
+			return format_table(smaller) +
+			       fmt::format("Left out for want of room: {}.\n", headings_of(left_out));
+	}
+	return format_table(whole, room);
 }
 
 static std::string pairs_of(const section_t &section, const options_t &opts)
@@ -100,8 +132,7 @@ static std::string body_of(section_t &section, enquiry_t &from, const options_t 
 	const std::string unused = is_overview ? take_out_unused(section.answer.rows) : "";
 	if (section.answer.rows.empty())
 		return nothing_of(section, from) + unused;
-	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO)) + unused +
-	       note_of(*section.kind);
+	return table_of(section, from, opts) + unused + note_of(*section.kind);
 }
 
 // Of those that nobody named, only what there is.
@@ -118,7 +149,7 @@ static std::string rows_alone(section_t &section, enquiry_t &from, const options
 		return "";
 	if (opts.pairs)
 		return pairs_of(section, opts);
-	return format_table(table_of(section, from, opts), terminal_columns(STDOUT_FILENO));
+	return table_of(section, from, opts);
 }
 
 static std::string with_headings(sections_t &sections, enquiry_t &from, const options_t &opts,

@@ -13,6 +13,13 @@ static bool is_only_old(const field_t &field)
 	return (field.traits & (OLD | NEW)) == OLD;
 }
 
+static std::string words_of(std::string_view heading)
+{
+	std::string words = in_small_letters(heading);
+	std::replace(words.begin(), words.end(), ' ', '_');
+	return words;
+}
+
 static std::vector<std::string_view> split(std::string_view list)
 {
 	std::vector<std::string_view> words;
@@ -51,10 +58,25 @@ const field_t &column_of(const kind_t &kind, std::string_view name)
 			return field;
 		known.emplace_back(field.key);
 	}
+	// People read headings.
+	for (const field_t &field : kind.fields) {
+		if (!is_only_old(field) && words_of(field.heading) == words_of(key))
+			return field;
+	}
 	const std::string hint = suggestion(key, known);
 	throw usage_error_t(
 		fmt::format("{} have no column \"{}\"{}", kind.word, name,
 	                    hint.empty() ? fmt::format(", known are {}", fmt::join(known, ", ")) : hint));
+}
+
+columns_t spare_columns_of(const kind_t &kind)
+{
+	columns_t columns;
+	for (const std::string_view key : split(kind.spare_columns)) {
+		if (!key.empty())
+			columns.push_back(&column_of(kind, key));
+	}
+	return columns;
 }
 
 static void add(columns_t &columns, const field_t &column)

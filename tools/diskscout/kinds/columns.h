@@ -17,6 +17,9 @@ columns_t old_columns_of(const kind_t &kind);
 // or that is there twice.
 columns_t columns_of(const kind_t &kind, const std::string &named);
 
+// The spare ones of the kind.
+columns_t spare_columns_of(const kind_t &kind);
+
 // The column of this name. Throws usage_error when there is none.
 const field_t &column_of(const kind_t &kind, std::string_view name);
 

@@ -51,7 +51,7 @@ static constexpr field_t FIELDS[] = {
                                                       "entries of the partition table", entries_cell),
 	text<&content_t::usage>("usage", "USAGE", "filesystem, raid, crypto or other"),
 	text<&content_t::type>("type", "TYPE", "ext4, linux_raid_member, LVM2_member, crypto_LUKS, swap ..."),
-	text<&content_t::label>("label", "LABEL", "label"),
+	text<&content_t::label>("label", "LABEL", "of the file system, the array or the pool"),
 	text<&content_t::uuid>("uuid", "UUID", "of file system, array or pool"),
 	text<&content_t::uuid_sub>("uuid_sub", "MEMBER UUID",
                                    "of this member, where uuid is that of the whole"),

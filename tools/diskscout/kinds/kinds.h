@@ -54,6 +54,9 @@ struct kind_t {
 	std::string_view note = {}; // under its table, for what its headings cannot say
 	// Whether it is about one of these devices; null: a device means nothing to it.
 	bool (*concerns)(const row_t &row, const names_t &devices) = nullptr;
+	// Of its columns those that can be done without where there is no room for all, the first one first;
+	// empty: none.
+	std::string_view spare_columns = {};
 };
 
 extern const kind_t DEVICES_KIND;

@@ -95,16 +95,26 @@ static std::string format_blocks(const table_t &table)
 	return text;
 }
 
-std::string format_table(const table_t &table, std::optional<std::size_t> most_columns)
+// Every line of the table, ready to be printed.
+template <typename Visitor> static void for_each_text(const table_t &table, const Visitor &visit)
 {
 	const std::vector<std::size_t> widths = widths_of(table);
+	for_each_line(table, [&](const cells_t &cells) { visit(format_line(cells, table.columns, widths)); });
+}
+
+std::size_t width_of_table(const table_t &table)
+{
 	std::size_t widest = 0;
+	for_each_text(table, [&](const std::string &line) { widest = std::max(widest, width_of(line)); });
+	return widest;
+}
+
+std::string format_table(const table_t &table, std::optional<std::size_t> most_columns)
+{
+	if (most_columns && table.has_headings && !table.rows.empty() &&
+	    width_of_table(table) > *most_columns)
+		return format_blocks(table);
 	std::string text;
-	for_each_line(table, [&](const cells_t &cells) {
-		const std::string line = format_line(cells, table.columns, widths);
-		widest = std::max(widest, width_of(line));
-		text += line + "\n";
-	});
-	const bool is_too_wide = most_columns && widest > *most_columns;
-	return is_too_wide && table.has_headings && !table.rows.empty() ? format_blocks(table) : text;
+	for_each_text(table, [&](const std::string &line) { text += line + "\n"; });
+	return text;
 }

@@ -30,6 +30,9 @@ struct table_t {
 	bool has_headings = true;
 };
 
+// Columns of a terminal that its longest line takes.
+std::size_t width_of_table(const table_t &table);
+
 // The lines of a table, each ended with a newline. Two blanks part the columns, no column is ever cut, no
 // line ends in blanks that are not a cell's own. Where the table is wider than what is there for it, each row
 // becomes a block of lines "HEADING: value" instead, a blank line between two of them, without the lines of a
