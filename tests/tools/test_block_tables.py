@@ -104,6 +104,15 @@ def test_mount_points_stand_below_each_other(tool):
     assert lines[at].lstrip(DRAWN) == "/home"
 
 
+def test_rows_of_shorter_records(tool):
+    """Of the mappings neither the administrators' names nor their purposes are there."""
+    assert outline(rows(tool, "devices", "name", block="shorter")) == TREE
+    assert rows(tool, "devices", "name,kind", "--sort", "name", block="shorter")[:2] == [
+        "dm-0       dm",
+        "dm-1       dm",
+    ]
+
+
 def test_without_a_kind(tool):
     text = tool.made_text()
     sections = [line for line in text.splitlines() if line in ("DEVICES", "DISKS", "PARTITIONS", "CD-ROMS")]

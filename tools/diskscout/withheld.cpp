@@ -1,9 +1,8 @@
 // Values that the kernel tells to root alone. The plug-in leaves them out without a word.
 #include "withheld.h"
 
+#include "block_fields.h"
 #include "columns.h"
-#include "diskscout_block.h"
-#include "member.h"
 #include "reasons_lines.h"
 #include "reasons_node.h"
 
@@ -26,9 +25,8 @@ static void add_mappings(const section_t &devices, reason_lines_t *lines)
 	static const char CONTROL[] = "/dev/mapper/control";
 	std::vector<std::string> names;
 	for (const row_t &row : devices.answer.rows) {
-		const auto &device = record_of<block_device>(row);
-		if (device.dm_kind && !device.dm_target)
-			names.emplace_back(device.name);
+		if (text_within<&block_device::dm_kind>(row) && !text_within<&block_device::dm_target>(row))
+			names.emplace_back(record_of<block_device>(row).name);
 	}
 	const int error = names.empty() ? 0 : node_t(CONTROL).error();
 	if (error != EACCES && error != EPERM)

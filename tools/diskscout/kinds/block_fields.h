@@ -17,11 +17,17 @@ template <auto Member> const auto *member_within(const row_t &row)
 	return needed <= record_of<record_with_t<Member>>(row).record_size ? member : nullptr;
 }
 
-template <auto Member> void told_text(const row_t &row, sink_t &to)
+// Null when it is absent.
+template <auto Member> const char *text_within(const row_t &row)
 {
 	const auto *const member = member_within<Member>(row);
-	if (member && *member)
-		to.text(*member);
+	return member ? *member : nullptr;
+}
+
+template <auto Member> void told_text(const row_t &row, sink_t &to)
+{
+	if (const char *const text = text_within<Member>(row))
+		to.text(text);
 	else
 		to.absent();
 }

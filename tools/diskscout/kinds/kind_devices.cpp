@@ -19,14 +19,15 @@ static void put_mount_points(const row_t &row, sink_t &to)
 // People know a mapping by the name that its administrator gave it.
 static std::string name_cell(const row_t &row)
 {
-	const auto &d = record_of<device_t>(row);
-	return d.dm_name ? fmt::format("{} ({})", d.name, d.dm_name) : d.name;
+	const char *const name = record_of<device_t>(row).name;
+	const char *const given = text_within<&device_t::dm_name>(row);
+	return given ? fmt::format("{} ({})", name, given) : name;
 }
 
 static std::string kind_cell(const row_t &row)
 {
-	const auto &d = record_of<device_t>(row);
-	return d.dm_kind && strcmp(d.dm_kind, "unknown") != 0 ? d.dm_kind : d.kind;
+	const char *const purpose = text_within<&device_t::dm_kind>(row);
+	return purpose && strcmp(purpose, "unknown") != 0 ? purpose : record_of<device_t>(row).kind;
 }
 
 static constexpr field_t FIELDS[] = {

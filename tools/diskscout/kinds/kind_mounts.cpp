@@ -18,7 +18,7 @@ static void put_priority(const row_t &row, sink_t &to)
 
 static std::string place_cell(const row_t &row)
 {
-	const char *const place = record_of<mount_t>(row).mount_point;
+	const char *const place = text_within<&mount_t::mount_point>(row);
 	return place ? place : "[SWAP]";
 }
 
