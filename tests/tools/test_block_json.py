@@ -316,6 +316,15 @@ def test_failed_query_leaves_the_others(tool, kind):
     assert [message["kind"] for message in errors_of(document)] == [kind]
 
 
+@pytest.mark.parametrize("kind", ["links", "mounts"])
+def test_unasked_list_that_alone_has_no_file(tool, kind):
+    """Only a host that tells no devices at all is one of another time."""
+    env = {"FAKE_BLOCK_FAILS": str(CODES[kind]), "FAKE_BLOCK_ERRNO": str(errno.ENOENT)}
+    document = tool.made_document(env=env, status=1)
+    assert document[kind] is None
+    assert [message["kind"] for message in errors_of(document)] == [kind]
+
+
 def test_failed_block_side_leaves_the_classic_one(tool):
     env = {"FAKE_BLOCK_FAILS": " ".join(map(str, CODES.values()))}
     document = tool.made_document(env=env, status=1)

@@ -1,5 +1,7 @@
 """The tables of today's devices: tree, columns, order, pairs, and devices named on the command line."""
 
+import errno
+import os
 import re
 
 import pytest
@@ -111,6 +113,44 @@ def test_rows_of_shorter_records(tool):
         "dm-0       dm",
         "dm-1       dm",
     ]
+
+
+@pytest.mark.parametrize(
+    "words, links, mounts",
+    [
+        ((), True, True),
+        (("devices",), True, True),
+        (("devices", "-o", "name"), True, False),
+        (("devices", "-o", "name", "--sort", "size"), False, False),
+        (("devices", "-o", "name", "--sort", "MOUNT_POINTS"), False, True),
+        (("devices", "--pairs"), False, True),
+        (("links", "mounts"), True, True),
+        (("arrays",), False, False),
+    ],
+    ids=str,
+)
+def test_lists_that_are_drawn_with_others(tool, words, links, mounts):
+    """A list that the table needs and that fails is told as if it had been asked for."""
+    for code, name, is_needed in [("223100", "link", links), ("225100", "mount", mounts)]:
+        for error in (errno.ENOENT, errno.EIO):
+            env = {"FAKE_BLOCK_FAILS": code, "FAKE_BLOCK_ERRNO": str(error)}
+            result = tool.made("list", *words, env=env)
+            lines = [f"diskscout: the {name} query failed: {os.strerror(error)}; it found nothing before"]
+            assert (result.returncode, result.stderr.splitlines()) == ((1, lines) if is_needed else (0, []))
+
+
+@pytest.mark.parametrize("kinds", [(), ("devices",), ("mounts",), ("filesystems", "links")], ids=str)
+@pytest.mark.parametrize("code, name", [("222100", "devices"), ("223100", "links")])
+def test_lists_that_tell_what_a_device_is(tool, kinds, code, name):
+    """Nobody can say that there is no such device."""
+    env = {"FAKE_BLOCK_FAILS": code, "FAKE_BLOCK_ERRNO": str(errno.EIO)}
+    result = tool.made("list", "/dev/sda", *kinds, env=env)
+    assert result.returncode == 1
+    lines = result.stderr.splitlines()
+    assert len(lines) == max(1, len(kinds))
+    assert all(f"query failed at the list of {name}: Input/output error;" in line for line in lines)
+    document = tool.made_document("/dev/sda", *kinds, env=env, status=1)
+    assert [document[kind] for kind in kinds or ("devices",)] == [None] * len(lines)
 
 
 def test_without_a_kind(tool):

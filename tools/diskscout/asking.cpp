@@ -1,7 +1,10 @@
 // The kinds that were asked for.
 #include "asking.h"
 
+#include "columns.h"
 #include "diagnosis.h"
+#include "diskscout_block.h"
+#include "kind_sets.h"
 #include "partition_query.h"
 #include "reasons.h"
 #include "selection.h"
@@ -35,18 +38,36 @@ std::string failure_of(const section_t &section)
 	return fmt::format("the {} query failed{}; {}", section.kind->name, section.answer.where, rest);
 }
 
+static std::string cause_of(int error)
+{
+	return error ? fmt::format(": {}", strerror(error)) : "";
+}
+
 static void find_cause(section_t &section, enquiry_t &from)
 {
 	answer_t &answer = section.answer;
 	if (section.kind->side == side_t::BLOCK && answer.error)
-		answer.where = fmt::format(": {}", strerror(answer.error));
+		answer.where = cause_of(answer.error);
 	if (section.kind == &PARTITIONS_KIND)
 		answer.where = fmt::format(": {}", partition_failure(from));
 }
 
-bool is_of_another_time(const section_t &section, const options_t &opts)
+bool is_of_another_time(const section_t &section, enquiry_t &from, const options_t &opts)
 {
-	return opts.is_alone && section.kind->side == side_t::BLOCK && section.answer.error == ENOENT;
+	return opts.is_alone && section.kind->side == side_t::BLOCK && section.answer.error == ENOENT &&
+	       from.block_list(CMD_GET_BLOCK_DEVICES).error() == ENOENT;
+}
+
+static void add_failure(section_t &section, enquiry_t &from, const options_t &opts, messages_t &messages)
+{
+	if (!is_of_another_time(section, from, opts)) {
+		find_cause(section, from);
+		messages.push_back(
+			{severity_t::ERROR, section.kind, code_t::QUERY_FAILED, failure_of(section)});
+	} else if (section.kind == &DEVICES_KIND) {
+		messages.push_back({severity_t::NOTE, section.kind, code_t::NO_SYSFS,
+		                    "this host has no /sys: devices of today cannot be told"});
+	}
 }
 
 static void add_failures(sections_t &sections, enquiry_t &from, const options_t &opts, messages_t &messages)
@@ -58,22 +79,41 @@ static void add_failures(sections_t &sections, enquiry_t &from, const options_t 
 			                    "no RAID controller was found"});
 		if (!section.answer.failed)
 			continue;
-		if (is_of_another_time(section, opts)) {
-			if (section.kind == &DEVICES_KIND)
-				messages.push_back(
-					{severity_t::NOTE, section.kind, code_t::NO_SYSFS,
-				         "this host has no /sys: devices of today cannot be told"});
-			continue;
-		}
-		find_cause(section, from);
-		messages.push_back(
-			{severity_t::ERROR, section.kind, code_t::QUERY_FAILED, failure_of(section)});
-		hardware_failed |=
-			section.kind->side == side_t::RAID || section.kind->side == side_t::CONTROLLER;
+		add_failure(section, from, opts, messages);
+		hardware_failed |= is_of_raid(section.kind);
 	}
 	// One cause, most probably: one hint.
 	if (hardware_failed)
 		messages.push_back({severity_t::ERROR, nullptr, code_t::QUERY_FAILED, diagnosis(from)});
+}
+
+static bool is_asked(const kind_t &kind, const options_t &opts)
+{
+	return std::find(opts.kinds.begin(), opts.kinds.end(), &kind) != opts.kinds.end();
+}
+
+static bool needs_mounts(const options_t &opts)
+{
+	static constexpr std::string_view PLACES = "mount_points";
+	return has_column(DEVICES_KIND, opts.columns, PLACES) ||
+	       (!opts.sort.empty() && column_of(DEVICES_KIND, opts.sort).key == PLACES);
+}
+
+// The table of the devices is drawn with lists of others. Without them it would lack something silently.
+static void add_failures_beside(const section_t &devices, enquiry_t &from, const options_t &opts,
+                                messages_t &messages)
+{
+	if (devices.answer.failed || opts.json)
+		return;
+	const auto ask_beside = [&](const kind_t &kind) {
+		section_t section = {&kind, ask(kind, from)};
+		if (section.answer.failed && !is_asked(kind, opts))
+			add_failure(section, from, opts, messages);
+	};
+	if (opts.draws_tree())
+		ask_beside(LINKS_KIND);
+	if (needs_mounts(opts))
+		ask_beside(MOUNTS_KIND);
 }
 
 static void keep(const names_t &names, section_t &section)
@@ -83,27 +123,54 @@ static void keep(const names_t &names, section_t &section)
 	rows.erase(std::remove_if(rows.begin(), rows.end(), is_of_others), rows.end());
 }
 
-static bool has_devices(const kinds_t &kinds)
+// What concerns a named device is told by two lists. Without one of them nobody can say.
+static std::string list_that_failed(enquiry_t &from)
 {
-	return std::find(kinds.begin(), kinds.end(), &DEVICES_KIND) != kinds.end();
+	struct needed_t {
+		UINT query;
+		const char *what;
+	};
+	for (const needed_t needed :
+	     {needed_t{CMD_GET_BLOCK_DEVICES, "devices"}, needed_t{CMD_GET_BLOCK_LINKS, "links"}}) {
+		const item_list_t &list = from.block_list(needed.query);
+		if (list.failed())
+			return fmt::format(" at the list of {}{}", needed.what, cause_of(list.error()));
+	}
+	return "";
+}
+
+static sections_t ask_kinds(enquiry_t &from, const options_t &opts)
+{
+	sections_t sections;
+	const bool are_named = !opts.devices.empty();
+	const std::string failed = are_named ? list_that_failed(from) : "";
+	names_t names;
+	if (are_named && failed.empty())
+		names = devices_behind(opts.devices, opts.inverse, from);
+	for (const kind_t *kind : opts.kinds) {
+		if (!failed.empty()) {
+			sections.push_back({kind, {true, 0, failed}});
+			continue;
+		}
+		sections.push_back({kind, ask(*kind, from)});
+		if (are_named)
+			keep(names, sections.back());
+	}
+	return sections;
 }
 
 sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 {
-	sections_t sections;
-	names_t names;
-	if (!opts.devices.empty())
-		names = devices_behind(opts.devices, opts.inverse, from);
-	for (const kind_t *kind : opts.kinds) {
-		sections.push_back({kind, ask(*kind, from)});
-		if (!opts.devices.empty())
-			keep(names, sections.back());
-	}
+	sections_t sections = ask_kinds(from, opts);
 	add_failures(sections, from, opts, messages);
+	for (const section_t &section : sections) {
+		if (section.kind == &DEVICES_KIND)
+			add_failures_beside(section, from, opts, messages);
+	}
 	if (!opts.classic) {
 		for (message_t &reason : withheld(sections, opts))
 			messages.push_back(std::move(reason));
-		for (message_t &reason : reasons(from, opts.kinds, has_devices(opts.kinds)))
+		for (message_t &reason : reasons(from, opts.kinds, is_asked(DEVICES_KIND, opts)))
 			messages.push_back(std::move(reason));
 	}
 	// Names of devices and of controllers stand in them.

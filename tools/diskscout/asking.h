@@ -19,12 +19,12 @@ answer_t ask(const kind_t &kind, enquiry_t &from);
 // "the disk query failed; it found nothing before"
 std::string failure_of(const section_t &section);
 
-// A host without what a kind of today is told from is none of today's. That is a failure only for somebody
-// who asked for just that.
-bool is_of_another_time(const section_t &section, const options_t &opts);
+// A host without what the devices are told from is none of today's. That is a failure only for somebody who
+// asked for just that.
+bool is_of_another_time(const section_t &section, enquiry_t &from, const options_t &opts);
 
-// Asks for every kind. Messages are put behind those that are there already. Throws usage_error for a device
-// that is named and not there.
+// Asks for every kind, and for what the tables are drawn with. Messages are put behind those that are there
+// already. Throws usage_error for a device that is named and not there.
 sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages);
 
 bool has_error(const messages_t &messages);

@@ -49,16 +49,11 @@ listing_t list_as_document(enquiry_t &from, const options_t &opts, const host_na
 
 // ---- tables ----
 
-static bool is_tree(const section_t &section, const options_t &opts)
-{
-	return section.kind == &DEVICES_KIND && opts.sort.empty() && !opts.pairs;
-}
-
 static table_t table_with(const columns_t &columns, const section_t &section, enquiry_t &from,
                           const options_t &opts)
 {
 	const sizes_t sizes = opts.bytes ? sizes_t::IN_BYTES : sizes_t::IN_UNITS;
-	table_t table = is_tree(section, opts)
+	table_t table = section.kind == &DEVICES_KIND && opts.draws_tree()
 	                        ? draw_tree(columns, section.answer.rows, from, opts.inverse, sizes)
 	                        : draw_rows(columns, section.answer.rows, sizes);
 	table.has_headings = !opts.no_headings;
@@ -126,7 +121,7 @@ static std::string messages_about(const kind_t *kind, const messages_t &messages
 static std::string body_of(section_t &section, enquiry_t &from, const options_t &opts)
 {
 	// A message tells why.
-	if (is_of_another_time(section, opts))
+	if (is_of_another_time(section, from, opts))
 		return "";
 	const bool is_overview = opts.is_alone && section.kind == &DEVICES_KIND;
 	const std::string unused = is_overview ? take_out_unused(section.answer.rows) : "";

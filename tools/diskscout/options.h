@@ -33,6 +33,7 @@ struct options_t : common_options_t {
 	bool inverse = false; // what the devices stand on, in place of what stands on them
 
 	bool is_old() const { return format == "1"; }
+	bool draws_tree() const { return sort.empty() && !pairs; }
 	bool asks_classic() const;
 	bool asks_block() const;
 };

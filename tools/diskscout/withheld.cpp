@@ -6,18 +6,9 @@
 #include "reasons_lines.h"
 #include "reasons_node.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fmt/format.h>
-
-static bool is_shown(const kind_t &kind, const char *key, const options_t &opts)
-{
-	if (opts.json)
-		return true;
-	const columns_t columns = columns_of(kind, opts.columns);
-	return std::find(columns.begin(), columns.end(), &column_of(kind, key)) != columns.end();
-}
 
 // The tables of all mappings are asked for at one node.
 static void add_mappings(const section_t &devices, reason_lines_t *lines)
@@ -41,7 +32,8 @@ static void add_mappings(const section_t &devices, reason_lines_t *lines)
 messages_t withheld(const sections_t &sections, const options_t &opts)
 {
 	for (const section_t &section : sections) {
-		if (section.kind != &DEVICES_KIND || !is_shown(*section.kind, "dm_target", opts))
+		if (section.kind != &DEVICES_KIND ||
+		    (!opts.json && !has_column(DEVICES_KIND, opts.columns, "dm_target")))
 			continue;
 		reason_lines_t lines(*section.kind);
 		add_mappings(section, &lines);

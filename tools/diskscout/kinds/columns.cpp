@@ -100,3 +100,9 @@ columns_t columns_of(const kind_t &kind, const std::string &named)
 		add(columns, column_of(kind, name));
 	return columns;
 }
+
+bool has_column(const kind_t &kind, const std::string &named, std::string_view name)
+{
+	const columns_t columns = columns_of(kind, named);
+	return std::find(columns.begin(), columns.end(), &column_of(kind, name)) != columns.end();
+}

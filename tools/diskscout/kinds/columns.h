@@ -20,6 +20,9 @@ columns_t columns_of(const kind_t &kind, const std::string &named);
 // The spare ones of the kind.
 columns_t spare_columns_of(const kind_t &kind);
 
+// Whether columns that are named so have the one of this name.
+bool has_column(const kind_t &kind, const std::string &named, std::string_view name);
+
 // The column of this name. Throws usage_error when there is none.
 const field_t &column_of(const kind_t &kind, std::string_view name);
 
