@@ -201,6 +201,14 @@ def test_operand_that_is_no_device(tool, tmp_path):
         assert only_message(result)["code"] == "usage"
 
 
+def test_flag_with_a_value(tool):
+    for word in ("--json=true", "--json=1", "--json=on", "--json=maybe"):
+        assert only_message(tool.made("list", "tapes", word))["code"] == "usage"
+    for word in ("--json=false", "--json=0", "--json=no"):
+        result = tool.made("list", "tapes", word)
+        assert (result.returncode, result.stdout) == (2, "")
+
+
 def test_very_long_words(tool):
     for words in (["list", 5000 * "x"], ["list", "devices", "-o", 5000 * "x,"], ["list", "/" + 5000 * "x"]):
         checked(tool.made(*words))

@@ -197,6 +197,17 @@ options_t parse_options(int argc, char **argv)
 	return opts;
 }
 
+// A flag may be given a value; all but one that says no ask for it, also those that will be refused.
+static bool asks_for_json(std::string_view word)
+{
+	static constexpr std::string_view NAME = "--json";
+	if (word.substr(0, NAME.size()) != NAME)
+		return false;
+	const std::string value(word.substr(NAME.size()));
+	bool on = false;
+	return value.empty() || (value[0] == '=' && (!CLI::detail::lexical_cast(value.substr(1), on) || on));
+}
+
 bool wants_document(int argc, char **argv)
 {
 	bool wants = false, is_old = false;
@@ -204,7 +215,7 @@ bool wants_document(int argc, char **argv)
 		const std::string_view word = argv[i];
 		if (word == "--")
 			break;
-		wants |= word == "--json";
+		wants |= asks_for_json(word);
 		is_old |= word == "--format=1" ||
 		          (word == "--format" && i + 1 < argc && argv[i + 1] == std::string_view("1"));
 	}
