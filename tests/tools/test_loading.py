@@ -40,6 +40,28 @@ def test_plugin(tool, unusable, words, which):
         assert str(unusable[which]) in sentence
 
 
+@pytest.mark.parametrize("kept", [100, 1000, 4096, 20000])
+@pytest.mark.parametrize(
+    "name, words, code",
+    [
+        ("diskscout.so", ["disks", "--classic"], "plugin_not_loaded"),
+        ("diskscout-block.so", ["devices"], "plugin_not_loaded"),
+        ("diskscout-replay.so", ["disks"], "captured_host_not_loaded"),
+    ],
+)
+def test_library_without_its_end(tool, tmp_path, name, words, code, kept):
+    """The loader would map it, and touch what is not there."""
+    program = tool.complete_copy(tmp_path / "bin")
+    library = tmp_path / "bin" / name
+    library.write_bytes(library.read_bytes()[:kept])
+    if name == "diskscout-replay.so":
+        (tmp_path / "host.txt").write_text("")
+        words = [*words, "--sysroot", tmp_path]
+    result = tool.run("list", *words, "--json", program=program)
+    assert refused(result, code)
+    assert tool.run("list", *words, program=program).returncode == 2
+
+
 def test_program_without_any_plugin(tool, tmp_path):
     program = tool.copy_program(tmp_path / "bin")
     for kind, name in (("disks", "diskscout.so"), ("devices", "diskscout-block.so")):

@@ -2,6 +2,7 @@
 #include "loaded_plugin.h"
 
 #include "companion.h"
+#include "cut_library.h"
 #include "text.h"
 #include "usage_error.h"
 
@@ -21,10 +22,13 @@ void loaded_plugin_t::unloader_t::operator()(void *handle) const
 	dlclose(handle);
 }
 
-// RTLD_NOW: what is missing is missed here, and not in the middle of a query.
 loaded_plugin_t::loaded_plugin_t(const std::filesystem::path &file)
-    : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
 {
+	if (is_cut_library(file))
+		throw plugin_error_t(
+			fmt::format("the plug-in cannot be loaded: {}: its end is missing", file.string()));
+	// RTLD_NOW: what is missing is missed here, and not in the middle of a query.
+	handle_.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
 	if (!handle_)
 		throw plugin_error_t(fmt::format("the plug-in cannot be loaded: {}", dlerror()));
 }

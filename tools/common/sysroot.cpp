@@ -3,6 +3,7 @@
 #include "sysroot.h"
 
 #include "companion.h"
+#include "cut_library.h"
 #include "usage_error.h"
 
 #include <cerrno>
@@ -50,6 +51,9 @@ static std::string loadable_name(const fs::path &library)
 
 static void preload(const fs::path &library)
 {
+	if (is_cut_library(library))
+		throw captured_host_error_t(
+			fmt::format("{} cannot be loaded: its end is missing", library.string()));
 	const std::string others = get_variable("LD_PRELOAD");
 	const std::string ours = loadable_name(library);
 	set_variable("LD_PRELOAD", others.empty() ? ours : ours + ":" + others);
