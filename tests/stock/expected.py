@@ -11,7 +11,7 @@ absent, false or empty, but: sectors have 512 bytes, disks rotate, and a partiti
   unknown_to_udev    udev's rules leave the device out: its contents are told to who may read it
 
 Under SAID stands what a listing of all kinds has to say beside its lists, message by message: a text behind the names
-of these devices, a note to everybody unless it says otherwise ("to": "user").
+of these devices ("of") or mount points ("at"), a note to everybody unless it says otherwise ("to": "user").
 """
 
 import json
@@ -108,7 +108,7 @@ class Expected:
         for entry in self._messages:
             if entry["kind"] not in kinds or not stage.endswith(entry.get("to", "")):
                 continue
-            names = sorted(self.names(entry.get("of", ())), key=_by_numbers)
+            names = entry.get("at") or sorted(self.names(entry.get("of", ())), key=_by_numbers)
             messages.append(({"severity": entry.get("severity", "note"), "kind": entry["kind"], "code": entry["code"],
                               "text": _sentence(names, entry["text"])}, names))
         return messages

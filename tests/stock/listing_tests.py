@@ -144,12 +144,12 @@ class Listing:
         def check(stage, name):
             root = document(self.machine, stage.replace("user", "root"), name)
             user = document(self.machine, stage, name)
-            said = [(message["kind"], device) for message, names in self.text.said(stage, documents.KINDS)
-                    for device in names if message["code"] == "no_permission" and message in user["messages"]]
+            said = [(message["kind"], one) for message, names in self.text.said(stage, documents.KINDS)
+                    for one in names if message["code"] == "no_permission" and message in user["messages"]]
             for kind in stock_machine.DOCUMENTS[name]:
                 self.assertEqual(len(root[kind]), len(user[kind]), kind)
                 for row, other in zip(root[kind], user[kind]):
                     less = poorer(row, other) - MOVING.get(kind, set())
                     if less and other.get("error") is None:
-                        self.assertIn((kind, row.get("name")), said, less)
+                        self.assertIn((kind, row.get("name", row.get("mount_point"))), said, less)
         self.in_each_document(check, ("udev-user", "bare-user"))

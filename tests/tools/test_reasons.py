@@ -200,3 +200,41 @@ def test_an_ordinary_user_is_told_which_values_root_alone_gets(tool, tmp_path):
     for columns, lacks in (("name", False), ("+dm_target", True)):
         result = tool.run("list", "devices", "-o", columns, "--sysroot", host)
         assert (result.returncode, text in result.stdout) == (0, lacks)
+
+
+def shut_mounts(host, *points, error="EACCES"):
+    """Nobody tells their space any more."""
+    lines = (host / "host.txt").read_text(encoding="latin-1").splitlines()
+    for number, line in enumerate(lines):
+        if line.startswith("mount ") and line.split()[1] in points:
+            lines[number] = f"mount {line.split()[1]} fails {error}"
+    (host / "host.txt").write_text("\n".join(lines) + "\n", encoding="latin-1")
+
+
+def test_space_that_root_alone_is_told(tool, tmp_path):
+    host = unfolded(TODAY / "desktop", tmp_path / "desktop")
+    assert told(tool, host, "mounts") == []
+    shut_mounts(host, "/private/srv", "/boot", "/boot/efi", "/mnt/back\\134slash")
+    text = "space is not told: Permission denied"
+    names = "/boot, /boot/efi, /private/srv, /mnt/back\\x5cslash"
+    assert told(tool, host, "mounts") == [("warning", "mounts", "no_permission", f"{names}: {text}")]
+    # the way to this one leads over another that is not shown
+    assert told(tool, host, "mounts", "/dev/sda1") == [("warning", "mounts", "no_permission", f"/boot/efi: {text}")]
+    for columns, lacks in (("mount_point", False), ("total", True)):
+        result = tool.run("list", "mounts", "-o", columns, "--sysroot", host)
+        assert (result.returncode, text in result.stdout) == (0, lacks)
+
+
+def test_space_that_nobody_is_told_was_not_withheld(tool, tmp_path):
+    host = unfolded(TODAY / "desktop", tmp_path / "desktop")
+    shut_mounts(host, "/private/srv", error="EIO")
+    # the way there may wait for somebody
+    shut_mounts(host, "/boot", error="ENOENT")
+    shut_mounts(host, "/boot/efi")
+    assert told(tool, host, "mounts") == []
+
+
+def test_beside_a_suspended_mapping_nobody_is_asked_for_space(tool, tmp_path):
+    host = unfolded(TODAY / "mappings", tmp_path / "mappings")
+    shut_mounts(host, "/boot")
+    assert told(tool, host, "mounts") == []

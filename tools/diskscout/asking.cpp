@@ -168,7 +168,7 @@ sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 			add_failures_beside(section, from, opts, messages);
 	}
 	if (!opts.classic) {
-		for (message_t &reason : withheld(sections, opts))
+		for (message_t &reason : withheld(sections, from, opts))
 			messages.push_back(std::move(reason));
 		for (message_t &reason : reasons(from, opts.kinds, is_asked(DEVICES_KIND, opts)))
 			messages.push_back(std::move(reason));

@@ -6,6 +6,6 @@
 #include "messages.h"
 
 // Only for what is shown: a column that nobody sees lacks nothing.
-messages_t withheld(const sections_t &sections, const options_t &opts);
+messages_t withheld(const sections_t &sections, enquiry_t &from, const options_t &opts);
 
 #endif

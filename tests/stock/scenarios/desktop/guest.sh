@@ -40,7 +40,8 @@ mounts() {
 	at "$(part sys 2)" /boot -t ext4
 	at "$(part sys 1)" /boot/efi -t vfat -o umask=077
 	at "$(part data 1)" /data -t ext4
-	at "$(part data 5)" /srv -t ext4 -o noatime,nodev
+	at "$(part data 5)" /private/srv -t ext4 -o noatime,nodev
+	chmod 700 /private      # an ordinary user does not come there
 	at "$(node dvd)" /media/cdrom -t iso9660 -o ro
 	at "$(node plain)" '/mnt/two words' -t xfs
 	at "$(node v1)" /home -t btrfs
