@@ -272,6 +272,15 @@ def test_pairs(tool):
     }
 
 
+def test_size_of_which_only_the_least_is_known(tool):
+    """In figures it would look like the true one."""
+    cells = [line.strip() for line in rows(tool, "raid_disks", "size")]
+    assert cells == ["1.0 GiB", "at least 1.0 TiB"]
+    assert [line.strip() for line in rows(tool, "raid_disks", "size", "--bytes")] == ["1073741824", "-"]
+    pairs = tool.made_text("raid_disks", "-o", "size", "--pairs").splitlines()
+    assert pairs == ['SIZE="1073741824"', 'SIZE=""']
+
+
 def test_pairs_of_what_a_shell_would_take_for_its_own(tool):
     lines = tool.made_text("devices", "--pairs", "-o", "name,serial,model", block="hostile").splitlines()
     assert lines[0] == (

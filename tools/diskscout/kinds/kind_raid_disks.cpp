@@ -70,10 +70,11 @@ static std::uint64_t bytes_of(const raid_disk_t &d)
 	return static_cast<std::uint64_t>(d.nBlocks) * static_cast<std::uint64_t>(d.nBytesPerBlock);
 }
 
+// A plain number has no place for "at least".
 static void put_size(const row_t &row, sink_t &to)
 {
 	const auto &d = record_of<raid_disk_t>(row);
-	if (is_sized(d))
+	if (is_sized(d) && !is_cut(d))
 		to.large(bytes_of(d));
 	else
 		to.absent();
@@ -101,7 +102,7 @@ static constexpr field_t FIELDS[] = {
 	{"blocks_least", "BLOCKS AT LEAST", shape_t::NUMBER, NEW | MAY_LACK,
          "blocks as the record holds them: 2147483647 for all larger numbers", put_blocks_least},
 	number<&raid_disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block"),
-	{"size", "SIZE", shape_t::BYTES, 0, "bytes of blocks_least", put_size, {}, size_cell},
+	{"size", "SIZE", shape_t::BYTES, 0, "bytes of blocks", put_size, {}, size_cell},
 	number<&raid_disk_t::Usage>("usage", "USAGE CODE", "code of usage_word"),
 	word<&raid_disk_t::Usage, USAGES>("usage_word", "USAGE", "null for a code without a word"),
 	number<&raid_disk_t::Shared>("shared", "SHARED CODE", "code of shared_word"),
