@@ -40,6 +40,20 @@ def test_plugin(tool, unusable, words, which):
         assert str(unusable[which]) in sentence
 
 
+@pytest.mark.parametrize(
+    "words",
+    [["tapes"], ["--wrong"], ["/nowhere/at/all"], ["--plugin", "/none.so"], ["--block-plugin", "/none.so"], ["--help"]],
+    ids=str,
+)
+def test_document_of_nothing_on_a_captured_host(tool, tmp_path, words):
+    """It never tells the names of the running one."""
+    (tmp_path / "host.txt").write_text("")
+    (tmp_path / "sys").mkdir()
+    for sysroot in (["--sysroot", tmp_path], [f"--sysroot={tmp_path}"], ["--sysroot", tmp_path / "none"]):
+        result = tool.run("list", *words, *sysroot, "--json")
+        assert json.loads(result.stdout)["host"] == {"name": None, "kernel": None}
+
+
 @pytest.mark.parametrize("kept", [100, 1000, 4096, 20000])
 @pytest.mark.parametrize(
     "name, words, code",

@@ -45,11 +45,11 @@ static int show(const options_t &opts)
 }
 
 // Reading the command line ended where it asked for this.
-static int answer(const options_t &opts, bool in_document)
+static int answer(const options_t &opts, int argc, char **argv)
 {
-	if (!in_document)
+	if (!wants_document(argc, argv))
 		return written(opts.answer, STATUS_FINE);
-	document_t document(host_names(false));
+	document_t document(host_names(means_captured_host(argc, argv)));
 	return written(
 		document.end({{severity_t::NOTE, nullptr, opts.answer_code, opts.answer}}, STATUS_FINE),
 		STATUS_FINE);
@@ -59,7 +59,7 @@ static int run(int argc, char **argv)
 {
 	options_t opts = parse_options(argc, argv);
 	if (opts.command == command_t::ANSWER)
-		return answer(opts, wants_document(argc, argv));
+		return answer(opts, argc, argv);
 	if (opts.command == command_t::SCHEMA)
 		return written(document_schema(), STATUS_FINE);
 	if (opts.asks_classic())
@@ -100,7 +100,7 @@ static int in_document(int argc, char **argv)
 	}
 	text = printable(text);
 	complain(text);
-	document_t document(host_names(false));
+	document_t document(host_names(means_captured_host(argc, argv)));
 	return written(document.end({{severity_t::ERROR, nullptr, code, text}}, status), status);
 }
 

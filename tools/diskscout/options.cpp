@@ -222,6 +222,17 @@ bool wants_document(int argc, char **argv)
 	return wants && !is_old;
 }
 
+bool means_captured_host(int argc, char **argv)
+{
+	static constexpr std::string_view NAME = "--sysroot";
+	bool means = false;
+	for (int i = 1; i < argc; i++) {
+		const std::string_view word = argv[i];
+		means |= word.substr(0, NAME.size()) == NAME || word == REPLAYED_OPTION;
+	}
+	return means;
+}
+
 std::vector<std::string> replayed_command_line(const options_t &opts, const std::string &program)
 {
 	std::vector<std::string> arguments = {program, REPLAYED_OPTION};

@@ -45,6 +45,10 @@ options_t parse_options(int argc, char **argv);
 // not for the old one, which is never printed then.
 bool wants_document(int argc, char **argv);
 
+// Whether the command line means a captured host, also when it cannot be understood: then nothing may be said
+// of the running one.
+bool means_captured_host(int argc, char **argv);
+
 // The command line that does the same on a captured host once the replay library is loaded. The plug-ins'
 // paths, empty where nothing is asked of one, are full ones: they must not be searched on the captured host.
 std::vector<std::string> replayed_command_line(const options_t &opts, const std::string &program);
