@@ -18,7 +18,7 @@
 
 bool lacks_controller(const kind_t &kind, enquiry_t &from)
 {
-	return kind.side == side_t::CONTROLLER && !from.controller();
+	return is_of_controller(&kind) && !from.controller();
 }
 
 answer_t ask(const kind_t &kind, enquiry_t &from)
@@ -46,7 +46,7 @@ static std::string cause_of(int error)
 static void find_cause(section_t &section, enquiry_t &from)
 {
 	answer_t &answer = section.answer;
-	if (section.kind->side == side_t::BLOCK && answer.error)
+	if (is_block(section.kind) && answer.error)
 		answer.where = cause_of(answer.error);
 	if (section.kind == &PARTITIONS_KIND)
 		answer.where = fmt::format(": {}", partition_failure(from));
@@ -54,7 +54,7 @@ static void find_cause(section_t &section, enquiry_t &from)
 
 bool is_of_another_time(const section_t &section, enquiry_t &from, const options_t &opts)
 {
-	return opts.is_alone && section.kind->side == side_t::BLOCK && section.answer.error == ENOENT &&
+	return opts.is_alone && is_block(section.kind) && section.answer.error == ENOENT &&
 	       from.block_list(CMD_GET_BLOCK_DEVICES).error() == ENOENT;
 }
 

@@ -1,13 +1,14 @@
 // What stands over and in place of a table.
 #include "heading.h"
 
+#include "kind_sets.h"
 #include "text.h"
 
 #include <fmt/format.h>
 
 std::string heading_of(const kind_t &kind, enquiry_t &from)
 {
-	if (kind.side != side_t::CONTROLLER || lacks_controller(kind, from))
+	if (!is_of_controller(&kind) || lacks_controller(kind, from))
 		return fmt::format("{}\n", kind.heading);
 	return fmt::format("{} ON {}\n", kind.heading, printable(*from.controller()));
 }

@@ -6,6 +6,7 @@
 #include "document.h"
 #include "drawing.h"
 #include "heading.h"
+#include "kind_sets.h"
 #include "output.h"
 #include "pairs.h"
 #include "program.h"
@@ -34,12 +35,8 @@ listing_t list_as_document(enquiry_t &from, const options_t &opts, const host_na
 	messages_t messages;
 	const sections_t sections = ask_all(from, opts, messages);
 	document_t document(host);
-	for (const kind_t *kind : opts.kinds) {
-		if (kind->side == side_t::CONTROLLER) {
-			document.controller(from.controller());
-			break;
-		}
-	}
+	if (has(opts.kinds, is_of_controller))
+		document.controller(from.controller());
 	for (const section_t &section : sections)
 		document.list(*section.kind, section.answer);
 	complain_about(messages, severity_t::ERROR);

@@ -5,11 +5,11 @@
 #include "drawing.h"
 #include "heading.h"
 #include "json_writer.h"
+#include "kind_sets.h"
 #include "listing.h"
 #include "output.h"
 #include "program.h"
 
-#include <algorithm>
 #include <functional>
 
 using visitor_t = std::function<void(const section_t &section)>;
@@ -26,7 +26,7 @@ static std::vector<std::string_view> visit_all(enquiry_t &from, const kinds_t &k
 			continue;
 		complain(failure_of(section));
 		failed.push_back(kind->old_word);
-		hardware_failed |= kind->side != side_t::HOST;
+		hardware_failed |= is_of_raid(kind);
 	}
 	// One cause, most probably: one hint.
 	if (hardware_failed)
@@ -57,8 +57,7 @@ static listing_t as_document(enquiry_t &from, const kinds_t &kinds)
 	to.begin_object();
 	to.key("format");
 	to.number(1);
-	const auto is_of_one = [](const kind_t *kind) { return kind->side == side_t::CONTROLLER; };
-	if (std::any_of(kinds.begin(), kinds.end(), is_of_one)) {
+	if (has(kinds, is_of_controller)) {
 		const std::optional<std::string> controller = from.controller();
 		to.key("controller");
 		if (controller)

@@ -1,4 +1,4 @@
-// Kinds that have something in common, for what is said about options.
+// Kinds that have something in common.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KIND_SETS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KIND_SETS_H
 
