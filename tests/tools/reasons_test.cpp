@@ -263,7 +263,7 @@ TEST_F(Reasons, DisksBehindThe32ndOfTheKernelsTable)
 	node("sdaf", 1);
 	EXPECT_THAT(of_disks(),
 	            ElementsAre("error list_cut: sdae: the list ends at 16 disks",
-	                        "note not_in_block_table: sdaf: behind the 32nd disk of /proc/partitions"));
+	                        "error list_cut: sdaf: behind the 32nd disk of /proc/partitions"));
 }
 
 TEST_F(Reasons, NodesThatCannotBeOpenedTellWhy)
@@ -322,7 +322,7 @@ TEST_F(Reasons, DevicesBehindThe32ndOfTheScsiTable)
 	for (int id = 0; id <= 32; id++)
 		scsi(id);
 	EXPECT_THAT(of_disks(),
-	            ElementsAre("note not_in_scsi_table: sda: behind the 32nd device of /proc/scsi/scsi"));
+	            ElementsAre("error list_cut: sda: behind the 32nd device of /proc/scsi/scsi"));
 }
 
 TEST_F(Reasons, DisksThatAreNoneInTheIdeTable)
@@ -378,8 +378,7 @@ TEST_F(Reasons, TheNinthIdeDriveIsNotRead)
 	for (const char *name : {"hda0", "hda17", "hdu", "ide0"})
 		ide(name, "disk");
 	today("hdi", "rom");
-	EXPECT_THAT(of_cdroms(),
-	            ElementsAre("note not_in_ide_table: hdi: behind the 8th drive of /proc/ide"));
+	EXPECT_THAT(of_cdroms(), ElementsAre("error list_cut: hdi: behind the 8th drive of /proc/ide"));
 	// One that cannot be read takes no place.
 	std::filesystem::remove(host() / "proc/ide/hdb/model");
 	EXPECT_THAT(of_cdroms(), ElementsAre("note not_in_ide_table: hdi: no cause was found"));
@@ -638,7 +637,7 @@ TEST_F(Reasons, DisksThatAreNotListedHaveNoPartitionsHere)
 	                        "note no_classic_name: arrays, mappings and loop devices have no "
 	                        "classic name"));
 	EXPECT_THAT(of_partitions(true),
-	            ElementsAre("note no_scsi_table: sda, vda: not among the disks, hence no partitions"));
+	            ElementsAre("note not_among_disks: sda, vda: not among the disks, hence no partitions"));
 }
 
 TEST_F(Reasons, WithoutSysfsTheKernelsTableTellsPartitions)

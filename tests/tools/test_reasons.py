@@ -65,7 +65,7 @@ CDROMS_BESIDE = [("note", "cdroms", "no_classic_name", "sr0: no classic name for
 
 
 def test_todays_devices_beside_the_old_tables(tool, beside):
-    of_others = ("note", "partitions", "no_classic_name", "nvme0n1: not among the disks, hence no partitions")
+    of_others = ("note", "partitions", "not_among_disks", "nvme0n1: not among the disks, hence no partitions")
     expected = DISKS_BESIDE + ROWS_BESIDE + [of_others] + CDROMS_BESIDE
     assert told(tool, beside) == expected
     assert told(tool, beside, *CLASSIC) == expected
@@ -101,10 +101,14 @@ def test_lines_below_the_tables(tool, beside):
         ("ide-four-drives", 0, [
             ("note", "disks", "not_in_ide_table", "hdd: this kernel has no /proc/ide/hdd/media"),
         ]),
-        ("thirty-three-lines", 0, [
-            ("note", "disks", "not_in_block_table", "sdb: behind the 32nd disk of /proc/partitions"),
+        ("thirty-three-lines", 1, [
+            ("error", "disks", "list_cut", "sdb: behind the 32nd disk of /proc/partitions"),
         ]),
         ("sixteen-disks", 0, []),
+        ("forty-mounts", 1, [
+            ("error", "partitions", "list_cut", "/dev/hda1: mounted behind the 32nd line of /etc/mtab"),
+            ("error", "cdroms", "list_cut", "/dev/hdc: mounted behind the 32nd line of /etc/mtab"),
+        ]),
         ("scsi-seventeen", 1, [
             ("note", "disks", "not_in_scsi_table", 'sdq: "CD-ROM" in /proc/scsi/scsi, not "Direct-Access"'),
             ("note", "disks", "not_opened", "/dev/sdr: cannot be opened: No such file or directory"),
@@ -200,6 +204,15 @@ def test_an_ordinary_user_is_told_which_values_root_alone_gets(tool, tmp_path):
     for columns, lacks in (("name", False), ("+dm_target", True)):
         result = tool.run("list", "devices", "-o", columns, "--sysroot", host)
         assert (result.returncode, text in result.stdout) == (0, lacks)
+
+
+def test_what_could_not_be_read_is_told_where_no_column_tells_it(tool, tmp_path):
+    host = unfolded(TODAY / "notebook", tmp_path)
+    everything = "dm-0, dm-1, dm-2, nvme0n1, nvme0n1p1, nvme0n1p2, nvme0n1p3"
+    shown = ["list", "filesystems", "/dev/nvme0n1", "--sysroot", host, "-o"]
+    assert tool.run(*shown, "name,type").stdout.endswith(f"\n{everything}: not read: Permission denied.\n")
+    for column in ("reason", "error"):
+        assert "not read" not in tool.run(*shown, f"name,type,{column}").stdout
 
 
 def shut_mounts(host, *points, error="EACCES"):

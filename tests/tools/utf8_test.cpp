@@ -77,4 +77,27 @@ TEST(Utf8, ControlCharactersAreOfBothSets)
 	EXPECT_FALSE(is_control("\xc3\x80"));
 }
 
+TEST(Utf8, WhatTurnsALineRoundIsAControlCharacter)
+{
+	// U+061B, U+061C, U+061D.
+	EXPECT_FALSE(is_control("\xd8\x9b"));
+	EXPECT_TRUE(is_control("\xd8\x9c"));
+	EXPECT_FALSE(is_control("\xd8\x9d"));
+	// U+200D to U+2010.
+	EXPECT_FALSE(is_control("\xe2\x80\x8d"));
+	EXPECT_TRUE(is_control("\xe2\x80\x8e"));
+	EXPECT_TRUE(is_control("\xe2\x80\x8f"));
+	EXPECT_FALSE(is_control("\xe2\x80\x90"));
+	// U+2027, U+2028, U+202E, U+202F.
+	EXPECT_FALSE(is_control("\xe2\x80\xa7"));
+	EXPECT_TRUE(is_control("\xe2\x80\xa8"));
+	EXPECT_TRUE(is_control("\xe2\x80\xae"));
+	EXPECT_FALSE(is_control("\xe2\x80\xaf"));
+	// U+2065, U+2066, U+2069, U+206A.
+	EXPECT_FALSE(is_control("\xe2\x81\xa5"));
+	EXPECT_TRUE(is_control("\xe2\x81\xa6"));
+	EXPECT_TRUE(is_control("\xe2\x81\xa9"));
+	EXPECT_FALSE(is_control("\xe2\x81\xaa"));
+}
+
 } // namespace

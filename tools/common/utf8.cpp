@@ -1,6 +1,9 @@
 // UTF-8, byte by byte.
 #include "utf8.h"
 
+#include <algorithm>
+#include <iterator>
+
 // First bytes of characters, how many bytes follow them, and the bounds of the second byte, by which
 // over-long forms, surrogates and what is beyond U+10FFFF are told.
 struct opening_t {
@@ -46,6 +49,19 @@ utf8_front_t utf8_front(std::string_view text)
 
 bool is_control(std::string_view character)
 {
-	const unsigned char first = byte_at(character, 0);
-	return first < 0x20 || first == 0x7f || (first == 0xc2 && byte_at(character, 1) < 0xa0);
+	struct range_t {
+		std::string_view first, last;
+	};
+	// The bytes of characters are in the order of their numbers.
+	static constexpr range_t RANGES[] = {
+		{{"\x00", 1}, "\x1f"},
+		{"\x7f", "\x7f"},
+		{"\xc2\x80", "\xc2\x9f"},
+		{"\xd8\x9c", "\xd8\x9c"},
+		{"\xe2\x80\x8e", "\xe2\x80\x8f"},
+		{"\xe2\x80\xa8", "\xe2\x80\xae"},
+		{"\xe2\x81\xa6", "\xe2\x81\xa9"},
+	};
+	const auto holds = [&](const range_t &r) { return r.first <= character && character <= r.last; };
+	return std::any_of(std::begin(RANGES), std::end(RANGES), holds);
 }

@@ -146,6 +146,18 @@ static void add_mounts(const section_t &section, enquiry_t &from, reason_lines_t
 	}
 }
 
+// Columns of theirs tell that, unless others are wanted.
+static void add_contents(const section_t &section, reason_lines_t *lines)
+{
+	for (const row_t &row : section.answer.rows) {
+		const auto *const error = member_within<&block_content::error>(row);
+		if (error && is_denied(*error))
+			lines->add(record_of<block_content>(row).name,
+			           {severity_t::WARNING, code_t::NO_PERMISSION,
+			            fmt::format("not read: {}", strerror(*error))});
+	}
+}
+
 static bool is_shown(const kind_t &kind, std::initializer_list<const char *> names, const options_t &opts)
 {
 	return opts.json || std::any_of(names.begin(), names.end(), [&](const char *name) {
@@ -163,6 +175,8 @@ messages_t withheld(const sections_t &sections, enquiry_t &from, const options_t
 			add_mappings(section, &lines);
 		if (&kind == &MOUNTS_KIND && is_shown(kind, {"total", "used", "available"}, opts))
 			add_mounts(section, from, &lines);
+		if (&kind == &FILESYSTEMS_KIND && !is_shown(kind, {"reason", "error"}, opts))
+			add_contents(section, &lines);
 		for (message_t &message : lines.messages())
 			messages.push_back(std::move(message));
 	}

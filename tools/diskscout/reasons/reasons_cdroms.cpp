@@ -39,7 +39,7 @@ maybe_reason_t ide_reason(const std::string &name, const std::string &media, con
 	if (drive->media != media)
 		return note(fmt::format("\"{}\" in /proc/ide, not \"{}\"", drive->media, media));
 	if (is_behind_the_last(*drive, table))
-		return note(fmt::format("behind the {}th drive of /proc/ide", DRIVES_READ));
+		return cut(fmt::format("behind the {}th drive of /proc/ide", DRIVES_READ));
 	return std::nullopt;
 }
 
@@ -71,5 +71,6 @@ messages_t cdrom_reasons(const facts_t &facts, const kernel_tables_t &tables, co
 		if (is_optical(device, tables.ide) && listed == facts.cdroms.end())
 			lines.add(device.name, cdrom_reason(device.name, tables.ide));
 	}
+	take_late_mounts(tables.mounts, facts.cdroms, &lines);
 	return lines.messages();
 }

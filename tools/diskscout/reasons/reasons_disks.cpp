@@ -26,6 +26,11 @@ static reason_t note(code_t code, const std::string &text)
 	return {severity_t::NOTE, code, text};
 }
 
+reason_t cut(const std::string &text)
+{
+	return {severity_t::ERROR, code_t::LIST_CUT, text};
+}
+
 reason_t unread_table(code_t code, const std::string &path, int error)
 {
 	if (error == ENOENT)
@@ -47,8 +52,7 @@ static maybe_reason_t block_table_reason(const known_device_t &disk, const block
 		return note(code_t::NOT_IN_BLOCK_TABLE, "not in " + PATH);
 	}
 	if (row - table.disks.begin() >= static_cast<std::ptrdiff_t>(TABLE_ROWS))
-		return note(code_t::NOT_IN_BLOCK_TABLE,
-		            fmt::format("behind the {}nd disk of {}", TABLE_ROWS, PATH));
+		return cut(fmt::format("behind the {}nd disk of {}", TABLE_ROWS, PATH));
 	return std::nullopt;
 }
 
@@ -76,8 +80,7 @@ static maybe_reason_t scsi_reason(const std::string &name, const scsi_table_t &t
 	if (row == table.rows.end())
 		return note(code_t::NOT_IN_SCSI_TABLE, "not in " + PATH);
 	if (row - table.rows.begin() >= static_cast<std::ptrdiff_t>(TABLE_ROWS))
-		return note(code_t::NOT_IN_SCSI_TABLE,
-		            fmt::format("behind the {}nd device of {}", TABLE_ROWS, PATH));
+		return cut(fmt::format("behind the {}nd device of {}", TABLE_ROWS, PATH));
 	if (row->type != "Direct-Access")
 		return note(code_t::NOT_IN_SCSI_TABLE,
 		            fmt::format("\"{}\" in {}, not \"Direct-Access\"", row->type, PATH));

@@ -27,6 +27,9 @@ messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unl
                         const kernel_tables_t &tables, const kind_t &kind);
 messages_t cdrom_reasons(const facts_t &facts, const kernel_tables_t &tables, const kind_t &kind);
 
+// Those of these nodes, which are in the list, that are mounted where it does not look.
+void take_late_mounts(const mount_table_t &table, const std::vector<std::string> &nodes, reason_lines_t *lines);
+
 // Where the disks themselves are shown, their reasons are not told again.
 messages_t partition_reasons(const facts_t &facts, const std::vector<unlisted_t> &unlisted,
                              const kernel_tables_t &tables, const kind_t &kind, bool disks_are_shown);
@@ -36,6 +39,8 @@ extern const reason_t SOFTWARE_REASON; // of arrays, mappings and loop devices, 
 // The drive in /proc/ide that has this name and whose media is that word; else why not.
 std::optional<reason_t> ide_reason(const std::string &name, const std::string &media,
                                    const ide_table_t &table);
+// Of what a full list has no room for: the list is known to be cut.
+reason_t cut(const std::string &text);
 reason_t unread_table(code_t code, const std::string &path, int error);
 // An optical drive by today's word or the kernel's.
 bool is_optical(const known_device_t &device, const ide_table_t &table);

@@ -124,6 +124,15 @@ static void take_cut_lists(const facts_t &facts, reason_lines_t *lines)
 	}
 }
 
+static std::vector<std::string> nodes_of(const facts_t &facts)
+{
+	std::vector<std::string> nodes;
+	nodes.reserve(facts.partitions.size());
+	for (const known_partition_t &p : facts.partitions)
+		nodes.push_back("/dev/" + name_of(p));
+	return nodes;
+}
+
 // Names of devices that have partitions.
 static std::set<std::string> partitioned(const facts_t &facts, const block_table_t &table)
 {
@@ -170,11 +179,12 @@ messages_t partition_reasons(const facts_t &facts, const std::vector<unlisted_t>
 	reason_lines_t lines(kind);
 	take_rows(facts, &lines);
 	take_cut_lists(facts, &lines);
+	take_late_mounts(tables.mounts, nodes_of(facts), &lines);
 	const std::set<std::string> names = partitioned(facts, tables.block);
 	const std::vector<unlisted_t> disks = disks_without_rows(unlisted, names);
 	for (const unlisted_t &disk : disks) {
 		if (disks_are_shown)
-			lines.add(disk.name, {severity_t::NOTE, disks.front().reason.code,
+			lines.add(disk.name, {severity_t::NOTE, code_t::NOT_AMONG_DISKS,
 			                      "not among the disks, hence no partitions"});
 		else
 			lines.add(disk.name, disk.reason);

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <dirent.h>
 #include <memory>
+#include <mntent.h>
 
 // A file that is read line by line.
 class lines_t
@@ -227,7 +228,20 @@ const ide_drive_t *ide_table_t::drive(std::string_view name) const
 	return nullptr;
 }
 
+// That it cannot be read is told by the query that needs it.
+static mount_table_t read_mount_table()
+{
+	mount_table_t table;
+	FILE *const file = setmntent("/etc/mtab", "re");
+	if (!file)
+		return table;
+	while (const mntent *const line = getmntent(file))
+		table.sources.emplace_back(line->mnt_fsname);
+	endmntent(file);
+	return table;
+}
+
 kernel_tables_t read_kernel_tables()
 {
-	return {read_block_table(), read_scsi_table(), read_ide_table()};
+	return {read_block_table(), read_scsi_table(), read_ide_table(), read_mount_table()};
 }

@@ -52,10 +52,16 @@ struct ide_table_t {
 	const ide_drive_t *drive(std::string_view name) const; // or null
 };
 
+// /etc/mtab: the devices of its lines, whatever is mounted.
+struct mount_table_t {
+	std::vector<std::string> sources = {};
+};
+
 struct kernel_tables_t {
 	block_table_t block;
 	scsi_table_t scsi;
 	ide_table_t ide;
+	mount_table_t mounts = {};
 };
 
 kernel_tables_t read_kernel_tables();
