@@ -69,6 +69,12 @@ protected:
 		facts_.devices.push_back({name, kind, disk, size});
 	}
 
+	void mounted(const std::string &source, int times = 1)
+	{
+		for (int i = 0; i < times; i++)
+			mounts_ += source + " /m ext3 rw 0 0\n";
+	}
+
 	void listed(const std::string &name) { facts_.disks.push_back({"/dev/" + name, 1048576}); }
 
 	void row(const std::string &disk, unsigned index, std::uint64_t start, std::uint64_t sectors,
@@ -84,6 +90,8 @@ protected:
 			put("proc/partitions", "major minor  #blocks  name\n\n" + block_);
 		if (has_scsi_table)
 			put("proc/scsi/scsi", "Attached devices:\n" + scsi_);
+		if (has_mount_table)
+			put("etc/mtab", mounts_);
 		EXPECT_EQ(HostDir::show(table_), 0);
 		return read_kernel_tables();
 	}
@@ -109,9 +117,10 @@ protected:
 	std::string table_;
 	bool has_block_table = true;
 	bool has_scsi_table = true;
+	bool has_mount_table = true;
 
 private:
-	std::string block_, scsi_;
+	std::string block_, scsi_, mounts_;
 };
 
 // ---- names ----
@@ -367,6 +376,40 @@ TEST_F(Reasons, AnIdeCdromIsNoDisk)
 	EXPECT_THAT(of_cdroms(), ElementsAre("note not_in_ide_table: hdc: no cause was found"));
 	facts_.cdroms = {"/dev/hdc"};
 	EXPECT_THAT(of_cdroms(), IsEmpty());
+}
+
+TEST_F(Reasons, WhatIsMountedBehindThe32ndLineIsNotSeen)
+{
+	listed("hda");
+	row("hda", 0, 63, 1000);
+	row("hda", 1, 1063, 1000);
+	row("hda", 2, 2063, 1000);
+	facts_.cdroms = {"/dev/hdc"};
+	mounted("none", 31);
+	mounted("/dev/hda1");
+	EXPECT_THAT(of_partitions(), IsEmpty());
+	// Lines 33 to 37.
+	for (const char *source : {"/dev/hda3", "/dev/hdc", "/dev/hda1", "/dev/hda3", "/dev/hdx1"})
+		mounted(source);
+	EXPECT_THAT(
+		of_partitions(),
+		ElementsAre(
+			"error list_cut: /dev/hda3, /dev/hda1: mounted behind the 32nd line of /etc/mtab"));
+	EXPECT_THAT(of_cdroms(),
+	            ElementsAre("error list_cut: /dev/hdc: mounted behind the 32nd line of /etc/mtab"));
+}
+
+TEST_F(Reasons, WithoutTheMountTableTheRowsLackWhatItTells)
+{
+	has_mount_table = false;
+	EXPECT_THAT(of_disks(), IsEmpty());
+	EXPECT_THAT(of_cdroms(), IsEmpty());
+	listed("hda");
+	facts_.cdroms = {"/dev/hdc"};
+	const std::string unread =
+		"warning no_mount_table: /etc/mtab cannot be read: No such file or directory: ";
+	EXPECT_THAT(of_disks(), ElementsAre(unread + "no system disk is known"));
+	EXPECT_THAT(of_cdroms(), ElementsAre(unread + "no mount point is known"));
 }
 
 TEST_F(Reasons, TheNinthIdeDriveIsNotRead)
@@ -687,6 +730,7 @@ TEST_F(Reasons, TheSeventeenthDiskMakesTheQueryFail)
 
 TEST_F(Reasons, AMissingMountTableMakesTheQueryFail)
 {
+	has_mount_table = false;
 	EXPECT_EQ(failure(), "at /etc/mtab: No such file or directory");
 }
 

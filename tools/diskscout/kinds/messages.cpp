@@ -23,6 +23,7 @@ static constexpr code_word_t CODES[] = {
 	{code_t::NOT_IN_SCSI_TABLE, "not_in_scsi_table"},
 	{code_t::NOT_IN_IDE_TABLE, "not_in_ide_table"},
 	{code_t::NOT_IN_BLOCK_TABLE, "not_in_block_table"},
+	{code_t::NO_MOUNT_TABLE, "no_mount_table"},
 	{code_t::NOT_AMONG_DISKS, "not_among_disks"},
 	{code_t::NO_MEDIUM, "no_medium"},
 	{code_t::PROTECTIVE_ENTRY, "protective_entry"},

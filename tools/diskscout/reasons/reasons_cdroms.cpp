@@ -72,5 +72,7 @@ messages_t cdrom_reasons(const facts_t &facts, const kernel_tables_t &tables, co
 			lines.add(device.name, cdrom_reason(device.name, tables.ide));
 	}
 	take_late_mounts(tables.mounts, facts.cdroms, &lines);
-	return lines.messages();
+	messages_t messages = lines.messages();
+	take_unread_mounts(tables.mounts, !facts.cdroms.empty(), "no mount point is known", kind, &messages);
+	return messages;
 }

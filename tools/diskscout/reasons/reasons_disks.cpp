@@ -221,5 +221,6 @@ messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unl
 	if (!facts.knows_devices && tables.block.error)
 		messages.push_back(said(kind, unread_table(code_t::NOT_IN_BLOCK_TABLE, "/proc/partitions",
 		                                           tables.block.error)));
+	take_unread_mounts(tables.mounts, !facts.disks.empty(), "no system disk is known", kind, &messages);
 	return messages;
 }

@@ -27,8 +27,13 @@ messages_t disk_reasons(const facts_t &facts, const std::vector<unlisted_t> &unl
                         const kernel_tables_t &tables, const kind_t &kind);
 messages_t cdrom_reasons(const facts_t &facts, const kernel_tables_t &tables, const kind_t &kind);
 
+// What the rows of a list cannot tell when that table cannot be read.
+void take_unread_mounts(const mount_table_t &table, bool has_rows, const char *unknown, const kind_t &kind,
+                        messages_t *messages);
+
 // Those of these nodes, which are in the list, that are mounted where it does not look.
-void take_late_mounts(const mount_table_t &table, const std::vector<std::string> &nodes, reason_lines_t *lines);
+void take_late_mounts(const mount_table_t &table, const std::vector<std::string> &nodes,
+                      reason_lines_t *lines);
 
 // Where the disks themselves are shown, their reasons are not told again.
 messages_t partition_reasons(const facts_t &facts, const std::vector<unlisted_t> &unlisted,

@@ -228,13 +228,14 @@ const ide_drive_t *ide_table_t::drive(std::string_view name) const
 	return nullptr;
 }
 
-// That it cannot be read is told by the query that needs it.
 static mount_table_t read_mount_table()
 {
 	mount_table_t table;
 	FILE *const file = setmntent("/etc/mtab", "re");
-	if (!file)
+	if (!file) {
+		table.error = errno;
 		return table;
+	}
 	while (const mntent *const line = getmntent(file))
 		table.sources.emplace_back(line->mnt_fsname);
 	endmntent(file);

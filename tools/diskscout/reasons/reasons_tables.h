@@ -54,6 +54,7 @@ struct ide_table_t {
 
 // /etc/mtab: the devices of its lines, whatever is mounted.
 struct mount_table_t {
+	int error = 0;
 	std::vector<std::string> sources = {};
 };
 
