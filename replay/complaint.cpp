@@ -16,7 +16,7 @@ static bool keeping;
 // The path of a table, and what is wrong with it.
 static char kept[PATH_MAX + 256];
 
-static void keep(const char *format, va_list values)
+__attribute__((format(printf, 1, 0))) static void keep(const char *format, va_list values)
 {
 	if (kept[0] != '\0')
 		return;
