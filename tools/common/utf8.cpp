@@ -2,6 +2,7 @@
 #include "utf8.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 
 // First bytes of characters, how many bytes follow them, and the bounds of the second byte, by which
@@ -47,21 +48,27 @@ utf8_front_t utf8_front(std::string_view text)
 	return {1, false};
 }
 
+// U+20AC for its three bytes.
+static std::uint32_t number_of(std::string_view character)
+{
+	// The first byte gives the bits that its length leaves it, each further one six.
+	static constexpr unsigned char OF_FIRST[] = {0x7f, 0x1f, 0x0f, 0x07};
+	std::uint32_t number = byte_at(character, 0) & OF_FIRST[character.size() - 1];
+	for (std::size_t i = 1; i < character.size(); i++)
+		number = number << 6 | (byte_at(character, i) & 0x3fu);
+	return number;
+}
+
 bool is_control(std::string_view character)
 {
 	struct range_t {
-		std::string_view first, last;
+		std::uint32_t first, last;
 	};
-	// The bytes of characters are in the order of their numbers.
 	static constexpr range_t RANGES[] = {
-		{{"\x00", 1}, "\x1f"},
-		{"\x7f", "\x7f"},
-		{"\xc2\x80", "\xc2\x9f"},
-		{"\xd8\x9c", "\xd8\x9c"},
-		{"\xe2\x80\x8e", "\xe2\x80\x8f"},
-		{"\xe2\x80\xa8", "\xe2\x80\xae"},
-		{"\xe2\x81\xa6", "\xe2\x81\xa9"},
+		{0x00, 0x1f},     {0x7f, 0x9f},     {0x61c, 0x61c},
+		{0x200e, 0x200f}, {0x2028, 0x202e}, {0x2066, 0x2069},
 	};
-	const auto holds = [&](const range_t &r) { return r.first <= character && character <= r.last; };
-	return std::any_of(std::begin(RANGES), std::end(RANGES), holds);
+	const std::uint32_t number = number_of(character);
+	return std::any_of(std::begin(RANGES), std::end(RANGES),
+	                   [&](const range_t &r) { return r.first <= number && number <= r.last; });
 }
