@@ -18,7 +18,7 @@ WORDS = [
 ]
 
 
-RUNS = 150
+RUNS = 60
 
 
 def by_chance(seed):
