@@ -1,10 +1,13 @@
 """Why the classic lists lack what a host has, told by the program on captured hosts."""
 
-import importlib.util
 import json
+import sys
 
 import pytest
 from raid_site import SOURCES
+
+sys.path.insert(0, str(SOURCES / "tests" / "block"))
+from unfold import unfold  # noqa: E402
 
 HOSTS = SOURCES / "tests" / "hosts"
 TODAY = SOURCES / "tests" / "block" / "hosts"
@@ -12,18 +15,9 @@ NO_SYSFS = ("note", None, "no_sysfs", "this host has no /sys: what the lists lea
 CLASSIC = ("disks", "partitions", "cdroms")
 
 
-def unfolded(host, into):
-    """The host as files: of today's ones much is told in short."""
-    path = SOURCES / "tests" / "block" / "unfold.py"
-    loader = importlib.util.spec_from_file_location("unfold", path)
-    module = importlib.util.module_from_spec(loader)
-    loader.loader.exec_module(module)
-    return module.unfold(host, into)
-
-
 @pytest.fixture(name="beside")
 def beside_host(tmp_path):
-    return unfolded(SOURCES / "tests" / "tools" / "hosts" / "beside", tmp_path / "beside")
+    return unfold(SOURCES / "tests" / "tools" / "hosts" / "beside", tmp_path / "beside")
 
 
 def told(tool, host, *kinds, status=0):
@@ -163,7 +157,7 @@ def test_causes_of_a_failed_partition_query(tool, host, cause):
 def test_what_lsblk_would_show_is_listed_or_named(tool, tmp_path):
     """On every captured host of today: each disk and each optical drive, by more than a number."""
     for host in sorted(TODAY.glob("*/host.txt")):
-        at = unfolded(host.parent, tmp_path / host.parent.name)
+        at = unfold(host.parent, tmp_path / host.parent.name)
         result = tool.run("list", "devices", "disks", "cdroms", "--json", "--sysroot", at)
         document = json.loads(result.stdout)
         for kind, row in (("disk", "disks"), ("rom", "cdroms")):
@@ -177,7 +171,7 @@ def test_what_lsblk_would_show_is_listed_or_named(tool, tmp_path):
 
 
 def test_an_ordinary_user_is_told_what_was_not_permitted(tool, tmp_path):
-    host = unfolded(SOURCES / "tests" / "tools" / "hosts" / "beside", tmp_path / "shut")
+    host = unfold(SOURCES / "tests" / "tools" / "hosts" / "beside", tmp_path / "shut")
     table = (host / "host.txt").read_text()
     table = table.replace("\tnumber 8:16\n", "\tnumber 8:16\n\topen fails EACCES\n")
     table = table.replace("\tnumber 3:0\n", "\tnumber 3:0\n\topen fails EACCES\n")
@@ -190,7 +184,7 @@ def test_an_ordinary_user_is_told_what_was_not_permitted(tool, tmp_path):
 
 
 def test_an_ordinary_user_is_told_which_values_root_alone_gets(tool, tmp_path):
-    host = unfolded(TODAY / "mapper", tmp_path / "mapper")
+    host = unfold(TODAY / "mapper", tmp_path / "mapper")
     assert told(tool, host, "devices") == []
     with open(host / "host.txt", "a", encoding="utf-8") as table:
         table.write("device /dev/mapper/control\n\topen fails EACCES\n")
@@ -207,7 +201,7 @@ def test_an_ordinary_user_is_told_which_values_root_alone_gets(tool, tmp_path):
 
 
 def test_what_could_not_be_read_is_told_where_no_column_tells_it(tool, tmp_path):
-    host = unfolded(TODAY / "notebook", tmp_path)
+    host = unfold(TODAY / "notebook", tmp_path)
     everything = "dm-0, dm-1, dm-2, nvme0n1, nvme0n1p1, nvme0n1p2, nvme0n1p3"
     shown = ["list", "filesystems", "/dev/nvme0n1", "--sysroot", host, "-o"]
     assert tool.run(*shown, "name,type").stdout.endswith(f"\n{everything}: not read: Permission denied.\n")
@@ -225,7 +219,7 @@ def shut_mounts(host, *points, error="EACCES"):
 
 
 def test_space_that_root_alone_is_told(tool, tmp_path):
-    host = unfolded(TODAY / "desktop", tmp_path / "desktop")
+    host = unfold(TODAY / "desktop", tmp_path / "desktop")
     assert told(tool, host, "mounts") == []
     shut_mounts(host, "/private/srv", "/boot", "/boot/efi", "/mnt/back\\134slash")
     text = "space is not told: Permission denied"
@@ -239,7 +233,7 @@ def test_space_that_root_alone_is_told(tool, tmp_path):
 
 
 def test_space_that_nobody_is_told_was_not_withheld(tool, tmp_path):
-    host = unfolded(TODAY / "desktop", tmp_path / "desktop")
+    host = unfold(TODAY / "desktop", tmp_path / "desktop")
     shut_mounts(host, "/private/srv", error="EIO")
     # the way there may wait for somebody
     shut_mounts(host, "/boot", error="ENOENT")
@@ -248,6 +242,6 @@ def test_space_that_nobody_is_told_was_not_withheld(tool, tmp_path):
 
 
 def test_beside_a_suspended_mapping_nobody_is_asked_for_space(tool, tmp_path):
-    host = unfolded(TODAY / "mappings", tmp_path / "mappings")
+    host = unfold(TODAY / "mappings", tmp_path / "mappings")
     shut_mounts(host, "/boot")
     assert told(tool, host, "mounts") == []

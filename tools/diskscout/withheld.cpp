@@ -17,11 +17,6 @@
 #include <string_view>
 #include <sys/statvfs.h>
 
-static bool is_denied(int error)
-{
-	return error == EACCES || error == EPERM;
-}
-
 // The tables of all mappings are asked for at one node.
 static void add_mappings(const section_t &devices, reason_lines_t *lines)
 {

@@ -16,11 +16,6 @@ static constexpr std::size_t TABLE_ROWS = 32; // of /proc/partitions and of /pro
 
 using maybe_reason_t = std::optional<reason_t>;
 
-static bool is_denied(int error)
-{
-	return error == EACCES || error == EPERM;
-}
-
 static reason_t note(code_t code, const std::string &text)
 {
 	return {severity_t::NOTE, code, text};

@@ -2,10 +2,17 @@
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_NODE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_NODE_H
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+// Whether an errno says that somebody else may.
+inline bool is_denied(int error)
+{
+	return error == EACCES || error == EPERM;
+}
 
 class node_t
 {
