@@ -1,0 +1,38 @@
+// Processes that somebody started for us, and that shall not outlive what they were started for. The kernel
+// is asked past the C library: a captured host has a /proc of its own, in which nobody of ours is.
+#ifndef DISKSCOUT_TOOLS_COMMON_PROCESS_TREE_H
+#define DISKSCOUT_TOOLS_COMMON_PROCESS_TREE_H
+
+#include <chrono>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+using pids_t = std::vector<pid_t>;
+
+// From now on whoever loses its parent somewhere below this process becomes its child, also one that has
+// started a session of its own. Kernels before 3.4 know nothing of it: such processes get away there.
+void adopt_orphans();
+
+// All that are below this process, at whatever depth.
+pids_t descendants();
+
+// Those whose working directory this is, or lies in it.
+pids_t processes_in(const std::string &directory);
+
+// SIGTERM; to those that are still there after the grace, SIGKILL. All of them, not only those that were
+// there at first. Returns those that the kernel does not let go of, which wait for a device as a rule: they
+// are given up after another `patience`.
+struct ending_t {
+	std::chrono::milliseconds grace = std::chrono::seconds(1);
+	std::chrono::milliseconds patience = std::chrono::seconds(1);
+};
+pids_t end_descendants(ending_t how = {});
+
+// The same for these, which may be no children of ours.
+pids_t end_processes_in(const std::string &directory, ending_t how = {});
+
+// Whether this process has children, ended ones included.
+bool has_children();
+
+#endif
