@@ -3,7 +3,9 @@
 #define DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 
 #include "plugin.h"
+#include "worker.h"
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,7 +17,17 @@ class enquiry_t
 public:
 	// Plug-ins that nothing is asked of may be null. The controller is named by the caller of the
 	// program; empty: the first one of the list.
-	enquiry_t(const plugin_t *classic, const plugin_t *block, std::string controller);
+	// Each list is asked for under this limit; 0: none.
+	enquiry_t(const plugin_t *classic, const plugin_t *block, std::string controller,
+	          std::chrono::milliseconds limit = {});
+	void set_limit(std::chrono::milliseconds limit) { limit_ = limit; }
+
+	// Work that may hang, beside the lists: in a worker, under the same limit. The controller tool's work
+	// is done in a private directory, which is there until the end of this.
+	enum class place_t { HERE, PRIVATE };
+	worked_t work(const char *stage, place_t place, const work_t &what);
+	// Processes that the kernel did not let go of, of all work so far.
+	const pids_t &left_behind() const { return left_behind_; }
 
 	// The plug-in is asked at the first call for this list; the records are there as long as the enquiry.
 	const item_list_t &list(UINT query);               // of the classic plug-in, without an argument
