@@ -43,13 +43,25 @@ static std::string cause_of(int error)
 	return error ? fmt::format(": {}", strerror(error)) : "";
 }
 
+// Their tables are read once more for it.
+static std::string cause_of_partitions(enquiry_t &from)
+{
+	from.list(CMD_GET_DISKS);
+	const worked_t worked =
+		from.work("partition tables", enquiry_t::place_t::HERE,
+	                  [&](const worker_link_t &to) { to.result(partition_failure(from)); });
+	return worked.is_done ? std::string(worked.text()) : worked.failure;
+}
+
 static void find_cause(section_t &section, enquiry_t &from)
 {
 	answer_t &answer = section.answer;
+	if (!answer.where.empty())
+		return;
 	if (is_block(section.kind) && answer.error)
 		answer.where = cause_of(answer.error);
 	if (section.kind == &PARTITIONS_KIND)
-		answer.where = fmt::format(": {}", partition_failure(from));
+		answer.where = fmt::format(": {}", cause_of_partitions(from));
 }
 
 bool is_of_another_time(const section_t &section, enquiry_t &from, const options_t &opts)
@@ -62,8 +74,9 @@ static void add_failure(section_t &section, enquiry_t &from, const options_t &op
 {
 	if (!is_of_another_time(section, from, opts)) {
 		find_cause(section, from);
-		messages.push_back(
-			{severity_t::ERROR, section.kind, code_t::QUERY_FAILED, failure_of(section)});
+		messages.push_back({severity_t::ERROR, section.kind,
+		                    section.answer.timed_out ? code_t::TIMED_OUT : code_t::QUERY_FAILED,
+		                    failure_of(section)});
 	} else if (section.kind == &DEVICES_KIND) {
 		messages.push_back({severity_t::NOTE, section.kind, code_t::NO_SYSFS,
 		                    "this host has no /sys: devices of today cannot be told"});
@@ -134,7 +147,9 @@ static std::string list_that_failed(enquiry_t &from)
 	     {needed_t{CMD_GET_BLOCK_DEVICES, "devices"}, needed_t{CMD_GET_BLOCK_LINKS, "links"}}) {
 		const item_list_t &list = from.block_list(needed.query);
 		if (list.failed())
-			return fmt::format(" at the list of {}{}", needed.what, cause_of(list.error()));
+			return fmt::format(" at the list of {}{}", needed.what,
+			                   list.failure().empty() ? cause_of(list.error())
+			                                          : ": " + list.failure());
 	}
 	return "";
 }
@@ -149,7 +164,7 @@ static sections_t ask_kinds(enquiry_t &from, const options_t &opts)
 		names = devices_behind(opts.devices, opts.inverse, from);
 	for (const kind_t *kind : opts.kinds) {
 		if (!failed.empty()) {
-			sections.push_back({kind, {true, 0, failed}});
+			sections.push_back({kind, {true, false, 0, failed}});
 			continue;
 		}
 		sections.push_back({kind, ask(*kind, from)});
@@ -157,6 +172,35 @@ static sections_t ask_kinds(enquiry_t &from, const options_t &opts)
 			keep(names, sections.back());
 	}
 	return sections;
+}
+
+// Nodes and the kernel's tables are looked at for them, any of which may hang. So may a list that nobody has
+// asked for yet, which shall leave time for the others.
+static void add_reasons(enquiry_t &from, const options_t &opts, messages_t &messages)
+{
+	if (!has(opts.kinds, is_of_host))
+		return;
+	const auto look = [&](const worker_link_t &to) {
+		from.set_limit(from.limit() * 3 / 4);
+		to.result(packed(reasons(from, opts.kinds, is_asked(DEVICES_KIND, opts))));
+	};
+	const worked_t worked = from.work("what lists leave out", enquiry_t::place_t::HERE, look);
+	for (message_t &reason : unpacked_messages(worked.text()))
+		messages.push_back(std::move(reason));
+	if (!worked.is_done)
+		messages.push_back(
+			{severity_t::WARNING, nullptr,
+		         worked.is_timed_out ? code_t::TIMED_OUT : code_t::QUERY_FAILED,
+		         fmt::format("why lists are short could not be told: {}", worked.failure)});
+}
+
+messages_t left_behind(const enquiry_t &from)
+{
+	messages_t messages;
+	for (const pid_t pid : from.left_behind())
+		messages.push_back({severity_t::WARNING, nullptr, code_t::LEFT_BEHIND,
+		                    fmt::format("process {} cannot be ended: it waits in the kernel", pid)});
+	return messages;
 }
 
 sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
@@ -170,9 +214,10 @@ sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 	if (!opts.classic) {
 		for (message_t &reason : withheld(sections, from, opts))
 			messages.push_back(std::move(reason));
-		for (message_t &reason : reasons(from, opts.kinds, is_asked(DEVICES_KIND, opts)))
-			messages.push_back(std::move(reason));
+		add_reasons(from, opts, messages);
 	}
+	for (message_t &told : left_behind(from))
+		messages.push_back(std::move(told));
 	// Names of devices and of controllers stand in them.
 	for (message_t &message : messages)
 		message.text = printable(message.text);

@@ -27,6 +27,9 @@ bool is_of_another_time(const section_t &section, enquiry_t &from, const options
 // already. Throws usage_error for a device that is named and not there.
 sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages);
 
+// Processes that a limit of time could not end.
+messages_t left_behind(const enquiry_t &from);
+
 bool has_error(const messages_t &messages);
 
 #endif

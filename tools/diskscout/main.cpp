@@ -3,7 +3,9 @@
 //
 // Exit status: 0; 1 when a query or the output failed, or a list is known to be cut; 2 when the caller asked
 // for what cannot be done.
+#include "companion.h"
 #include "document.h"
+#include "keeper.h"
 #include "listing.h"
 #include "options.h"
 #include "output.h"
@@ -32,14 +34,16 @@ static listing_t list(enquiry_t &from, const options_t &opts)
 
 static int show(const options_t &opts)
 {
+	start_keeper();
 	std::optional<plugin_t> classic, block;
 	if (opts.asks_classic())
 		classic.emplace(opts.plugin);
 	if (opts.asks_block())
 		block.emplace(opts.block_plugin);
 	if (!opts.config.empty())
-		classic->set_configuration(opts.config);
-	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller);
+		classic->set_configuration(absolute_path(opts.config).string());
+	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller,
+	                opts.limit());
 	const listing_t shown = list(asked, opts);
 	return written(shown.text, shown.status);
 }

@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <fmt/format.h>
 #include <sstream>
@@ -32,6 +33,24 @@ static std::string refuse_empty(const std::string &value)
 static std::string refuse_unknown_format(const std::string &value)
 {
 	return value == "1" || value == "2" ? "" : fmt::format("{} is no format, known are 1 and 2", value);
+}
+
+static constexpr unsigned LONGEST_LIMIT = 86400;
+
+static std::string refuse_limit(const std::string &value)
+{
+	unsigned seconds = 0;
+	const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), seconds);
+	if (error == std::errc() && end == value.data() + value.size() && seconds <= LONGEST_LIMIT)
+		return "";
+	return fmt::format("{} is none of 0 to {} whole seconds", value, LONGEST_LIMIT);
+}
+
+std::chrono::milliseconds options_t::limit() const
+{
+	unsigned seconds = 0;
+	std::from_chars(timeout.data(), timeout.data() + timeout.size(), seconds);
+	return std::chrono::seconds(seconds);
 }
 
 struct flag_row_t {
@@ -63,6 +82,7 @@ static const value_row_t VALUES[] = {
          &options_t::format},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
+	{"--timeout", "SECONDS", "give up a list after this time; 0: never", &options_t::timeout},
 };
 
 static std::vector<std::string> names_of_commands(const CLI::App &app)
@@ -144,6 +164,7 @@ static void add_options(CLI::App &app, options_t &opts)
 			->type_name(row.value)
 			->check(refuse_empty);
 	app.get_option("--format")->check(refuse_unknown_format);
+	app.get_option("--timeout")->check(refuse_limit);
 	// An empty group keeps an option out of the help: this one is between us and our second start.
 	app.add_flag(REPLAYED_OPTION, opts.replayed)->group("");
 }

@@ -17,8 +17,21 @@
 #include <string_view>
 #include <sys/statvfs.h>
 
+// What a worker finds out; 0 when it does not come to an end.
+template <typename Look> static int answer_of_work(enquiry_t &from, const char *stage, const Look &look)
+{
+	const worked_t worked = from.work(stage, enquiry_t::place_t::HERE, [&](const worker_link_t &to) {
+		const int answer = look();
+		to.result(&answer, sizeof answer);
+	});
+	int answer = 0;
+	if (worked.is_done)
+		memcpy(&answer, worked.result(), sizeof answer);
+	return answer;
+}
+
 // The tables of all mappings are asked for at one node.
-static void add_mappings(const section_t &devices, reason_lines_t *lines)
+static void add_mappings(const section_t &devices, enquiry_t &from, reason_lines_t *lines)
 {
 	static const char CONTROL[] = "/dev/mapper/control";
 	std::vector<std::string> names;
@@ -26,7 +39,9 @@ static void add_mappings(const section_t &devices, reason_lines_t *lines)
 		if (text_within<&block_device::dm_kind>(row) && !text_within<&block_device::dm_target>(row))
 			names.emplace_back(record_of<block_device>(row).name);
 	}
-	const int error = names.empty() ? 0 : node_t(CONTROL).error();
+	if (names.empty())
+		return;
+	const int error = answer_of_work(from, "device mapper", [] { return node_t(CONTROL).error(); });
 	if (!is_denied(error))
 		return;
 	const reason_t reason = {
@@ -135,9 +150,16 @@ static void add_mounts(const section_t &section, enquiry_t &from, reason_lines_t
 	}
 	const reason_t reason = {severity_t::WARNING, code_t::NO_PERMISSION,
 	                         fmt::format("space is not told: {}", strerror(EACCES))};
-	for (const block_mount *mount : lacking) {
-		if (is_withheld(*mount, mounts))
-			lines->add(mount->mount_point, reason);
+	const worked_t worked = from.work("mounts", enquiry_t::place_t::HERE, [&](const worker_link_t &to) {
+		std::string denied;
+		for (const block_mount *mount : lacking)
+			denied += is_withheld(*mount, mounts) ? 'y' : 'n';
+		to.result(denied);
+	});
+	const std::string_view denied = worked.text();
+	for (std::size_t i = 0; i < denied.size(); i++) {
+		if (denied[i] == 'y')
+			lines->add(lacking[i]->mount_point, reason);
 	}
 }
 
@@ -167,7 +189,7 @@ messages_t withheld(const sections_t &sections, enquiry_t &from, const options_t
 		const kind_t &kind = *section.kind;
 		reason_lines_t lines(kind);
 		if (&kind == &DEVICES_KIND && is_shown(kind, {"dm_target"}, opts))
-			add_mappings(section, &lines);
+			add_mappings(section, from, &lines);
 		if (&kind == &MOUNTS_KIND && is_shown(kind, {"total", "used", "available"}, opts))
 			add_mounts(section, from, &lines);
 		if (&kind == &FILESYSTEMS_KIND && !is_shown(kind, {"reason", "error"}, opts))

@@ -3,6 +3,7 @@
 #define DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 
 #include "plugin.h"
+#include "private_directory.h"
 #include "worker.h"
 
 #include <chrono>
@@ -17,10 +18,11 @@ class enquiry_t
 public:
 	// Plug-ins that nothing is asked of may be null. The controller is named by the caller of the
 	// program; empty: the first one of the list.
-	// Each list is asked for under this limit; 0: none.
+	// Each list is asked for by a worker, under this limit; 0: none.
 	enquiry_t(const plugin_t *classic, const plugin_t *block, std::string controller,
 	          std::chrono::milliseconds limit = {});
 	void set_limit(std::chrono::milliseconds limit) { limit_ = limit; }
+	std::chrono::milliseconds limit() const { return limit_; }
 
 	// Work that may hang, beside the lists: in a worker, under the same limit. The controller tool's work
 	// is done in a private directory, which is there until the end of this.
@@ -33,7 +35,7 @@ public:
 	const item_list_t &list(UINT query);               // of the classic plug-in, without an argument
 	const item_list_t &block_list(UINT query);         // of the block plug-in
 	const item_list_t &list_of_controller(UINT query); // with the controller as its argument
-	item_list_t ask(UINT query, const std::string &argument) const; // of the classic plug-in, anew
+	item_list_t ask(UINT query, const std::string &argument); // of the classic plug-in, anew
 
 	const item_list_t &controllers() { return list(CMD_GET_CONTROLLERS); }
 	// Where the device of this name is mounted, "[SWAP]" for a swap area; nowhere when that cannot be
@@ -46,11 +48,16 @@ public:
 	std::string configuration() const { return classic_->configuration(); }
 
 private:
+	worked_t ask_plugin(const plugin_t &of, UINT query, const std::string &argument);
 	const item_list_t &remembered(const plugin_t &of, UINT query, const std::string &argument);
+	const std::string &private_directory();
 
 	const plugin_t *classic_;
 	const plugin_t *block_;
 	std::string named_;
+	std::chrono::milliseconds limit_;
+	std::optional<private_directory_t> directory_;
+	pids_t left_behind_;
 	std::map<UINT, item_list_t> lists_;
 	using places_t = std::map<std::string_view, std::vector<std::string_view>>;
 	std::optional<places_t> places_;

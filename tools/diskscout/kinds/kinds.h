@@ -16,6 +16,7 @@
 // What a plug-in answered.
 struct answer_t {
 	bool failed = false;
+	bool timed_out = false;
 	int error = 0;                // errno of the failure; 0: the plug-in does not tell
 	std::string where = {};       // of a failure, as words behind "the query failed"; may be empty
 	std::vector<row_t> rows = {}; // what it found, also before it failed
@@ -81,7 +82,8 @@ const kinds_t &all_kinds();
 // The rows of a list that the enquiry holds.
 template <typename Record> answer_t answer_of(const item_list_t &list, enquiry_t &from)
 {
-	answer_t answer = {list.failed(), list.error()};
+	answer_t answer = {list.failed(), list.timed_out(), list.error()};
+	answer.where = list.failure().empty() ? "" : ": " + list.failure();
 	for (const Record *record : list.records<Record>())
 		answer.rows.push_back({record, &from});
 	return answer;

@@ -1,6 +1,9 @@
 // What a run has to say beside its lists.
 #include "messages.h"
 
+#include <algorithm>
+#include <cstring>
+
 struct code_word_t {
 	code_t code;
 	std::string_view word;
@@ -12,6 +15,8 @@ static constexpr code_word_t CODES[] = {
 	{code_t::CAPTURED_HOST_NOT_LOADED, "captured_host_not_loaded"},
 	{code_t::FAILED, "failed"},
 	{code_t::QUERY_FAILED, "query_failed"},
+	{code_t::TIMED_OUT, "timed_out"},
+	{code_t::LEFT_BEHIND, "left_behind"},
 	{code_t::NO_CONTROLLER, "no_controller"},
 	{code_t::LIST_CUT, "list_cut"},
 	{code_t::NO_SYSFS, "no_sysfs"},
@@ -32,6 +37,40 @@ static constexpr code_word_t CODES[] = {
 	{code_t::HELP, "help"},
 	{code_t::VERSION, "version"},
 };
+
+// In front of each text.
+struct packed_message_t {
+	severity_t severity;
+	const kind_t *kind;
+	code_t code;
+	std::size_t length;
+};
+
+std::string packed(const messages_t &messages)
+{
+	std::string bytes;
+	for (const message_t &message : messages) {
+		const packed_message_t head = {message.severity, message.kind, message.code,
+		                               message.text.size()};
+		bytes.append(reinterpret_cast<const char *>(&head), sizeof head);
+		bytes += message.text;
+	}
+	return bytes;
+}
+
+messages_t unpacked_messages(std::string_view bytes)
+{
+	messages_t messages;
+	while (bytes.size() >= sizeof(packed_message_t)) {
+		packed_message_t head;
+		memcpy(&head, bytes.data(), sizeof head);
+		bytes.remove_prefix(sizeof head);
+		messages.push_back(
+			{head.severity, head.kind, head.code, std::string(bytes.substr(0, head.length))});
+		bytes.remove_prefix(std::min(head.length, bytes.size()));
+	}
+	return messages;
+}
 
 std::string_view word_of(severity_t severity)
 {

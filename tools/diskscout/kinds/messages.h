@@ -18,6 +18,8 @@ enum class code_t {
 	CAPTURED_HOST_NOT_LOADED,
 	FAILED,
 	QUERY_FAILED,
+	TIMED_OUT,
+	LEFT_BEHIND,
 	NO_CONTROLLER,
 	LIST_CUT,
 	NO_SYSFS,
@@ -47,6 +49,10 @@ struct message_t {
 };
 
 using messages_t = std::vector<message_t>;
+
+// As bytes, from a worker to whoever it works for: they are copies of one program.
+std::string packed(const messages_t &messages);
+messages_t unpacked_messages(std::string_view bytes);
 
 // The words of the document: "error", "list_cut".
 std::string_view word_of(severity_t severity);

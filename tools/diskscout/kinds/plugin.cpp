@@ -34,16 +34,24 @@ int plugin_t::set(UINT command, void **result) const
 	return set_item_info_(&cmd, result);
 }
 
-item_list_t::item_list_t(const plugin_t &from, UINT query, const std::string &argument)
+plugin_list_t::plugin_list_t(const plugin_t &from, UINT query, const std::string &argument)
     : plugin_(from), query_(query)
 {
+	int length = 0;
 	errno = 0;
-	failed_ = from.get(query, argument, &head_, &length_) != 0;
-	error_ = failed_ ? errno : 0;
+	const bool has_failed = from.get(query, argument, &records_, &length) != 0;
+	head_ = {records_, length, has_failed ? errno : 0, has_failed};
 }
 
-item_list_t::~item_list_t()
+plugin_list_t::~plugin_list_t()
 {
 	// The release code of a query is the query code plus one. Nobody is left to hear of a failed release.
-	plugin_.set(query_ + 1, &head_);
+	plugin_.set(query_ + 1, &records_);
+}
+
+item_list_t::item_list_t(UINT query, worked_t worked)
+    : worked_(std::move(worked)), head_({nullptr, 0, 0, true})
+{
+	if (worked_.is_done)
+		head_ = unpack(query_of(query), worked_.result());
 }

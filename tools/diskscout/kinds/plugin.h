@@ -4,6 +4,8 @@
 
 #include "diskscout.h"
 #include "loaded_plugin.h"
+#include "packed_list.h"
+#include "worker.h"
 
 #include <filesystem>
 #include <string>
@@ -24,38 +26,54 @@ private:
 	decltype(&SetItemInfo) set_item_info_;
 };
 
-// The answer to one query. The records are the plug-in's; they go back with the release code of the query,
-// after a failed query too: it may have left the records that it made before it failed.
+// The answer to one query, in the process that asks. The records are the plug-in's; they go back with the
+// release code of the query, after a failed query too: it may have left the records that it made before it
+// failed.
+class plugin_list_t
+{
+public:
+	plugin_list_t(const plugin_t &from, UINT query, const std::string &argument);
+	~plugin_list_t();
+	plugin_list_t(const plugin_list_t &) = delete;
+	plugin_list_t &operator=(const plugin_list_t &) = delete;
+
+	const list_head_t &head() const { return head_; }
+
+private:
+	const plugin_t &plugin_;
+	UINT query_;
+	void *records_ = nullptr;
+	list_head_t head_;
+};
+
+// The same where it was asked by a worker: the records are a copy that lives as long as this.
 class item_list_t
 {
 public:
-	item_list_t(const plugin_t &from, UINT query, const std::string &argument = {});
-	~item_list_t();
+	item_list_t(UINT query, worked_t worked);
 	item_list_t(const item_list_t &) = delete;
 	item_list_t &operator=(const item_list_t &) = delete;
 
-	bool failed() const { return failed_; }
+	bool failed() const { return head_.has_failed; }
 	// errno as the failed query left it; 0 when it left none.
-	int error() const { return error_; }
+	int error() const { return head_.error; }
+	// Why the plug-in did not come to answer at all: "timed out after 5 s at disk list"; else empty.
+	const std::string &failure() const { return worked_.failure; }
+	bool timed_out() const { return worked_.is_timed_out; }
 
-	// All records, which live as long as this. Both the links and the length end the list: the links may
-	// go on.
+	// All records. Both the links and the length end the list: the links may go on.
 	template <typename Record> std::vector<const Record *> records() const
 	{
 		std::vector<const Record *> result;
-		auto record = static_cast<const Record *>(head_);
-		for (int i = 0; record && i < length_; i++, record = record->next)
+		auto record = static_cast<const Record *>(head_.first);
+		for (int i = 0; record && i < head_.length; i++, record = record->next)
 			result.push_back(record);
 		return result;
 	}
 
 private:
-	const plugin_t &plugin_;
-	UINT query_;
-	void *head_ = nullptr;
-	int length_ = 0;
-	int error_ = 0;
-	bool failed_;
+	worked_t worked_;
+	list_head_t head_;
 };
 
 #endif

@@ -5,10 +5,10 @@
 #include "usage_error.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <fmt/format.h>
-#include <memory>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
@@ -44,28 +44,43 @@ static const block_device *device_of_number(const devices_t &devices, dev_t numb
 	return nullptr;
 }
 
-// Links that udev knows need not be looked at; all others are followed to a node, whatever its name.
-static const block_device &device_behind(const devices_t &devices, const std::string &path)
+// Where a path leads, and what is there.
+struct target_t {
+	dev_t number;
+	bool is_block;
+	char path[PATH_MAX];
+};
+
+static void look_at(const std::string &path, const worker_link_t &to)
 {
-	struct free_t {
-		void operator()(char *text) const { free(text); }
-	};
+	target_t target = {};
+	struct stat node;
+	if (!realpath(path.c_str(), target.path) || stat(target.path, &node) != 0)
+		return to.failure(strerror(errno));
+	target.number = node.st_rdev;
+	target.is_block = S_ISBLK(node.st_mode);
+	to.result(&target, sizeof target);
+}
+
+// Links that udev knows need not be looked at; all others are followed to a node, whatever its name.
+static const block_device &device_behind(const devices_t &devices, const std::string &path, enquiry_t &from)
+{
 	if (const block_device *known = device_of_path(devices, path))
 		return *known;
-	const std::unique_ptr<char, free_t> real(realpath(path.c_str(), nullptr));
-	if (!real)
-		throw usage_error_t(fmt::format("{}: {}", path, strerror(errno)));
-	if (const block_device *known = device_of_path(devices, real.get()))
+	const worked_t worked = from.work("the path", enquiry_t::place_t::HERE,
+	                                  [&](const worker_link_t &to) { look_at(path, to); });
+	if (!worked.is_done)
+		throw usage_error_t(fmt::format("{}: {}", path, worked.failure));
+	target_t target;
+	memcpy(&target, worked.result(), sizeof target);
+	if (const block_device *known = device_of_path(devices, target.path))
 		return *known;
-	struct stat node;
-	if (stat(real.get(), &node) != 0)
-		throw usage_error_t(fmt::format("{}: {}", path, strerror(errno)));
-	if (!S_ISBLK(node.st_mode))
+	if (!target.is_block)
 		throw usage_error_t(fmt::format("{} is no block device", path));
-	if (const block_device *known = device_of_number(devices, node.st_rdev))
+	if (const block_device *known = device_of_number(devices, target.number))
 		return *known;
 	throw usage_error_t(fmt::format("{} has the number {}:{}, which no device has", path,
-	                                major(node.st_rdev), minor(node.st_rdev)));
+	                                major(target.number), minor(target.number)));
 }
 
 names_t devices_behind(const std::vector<std::string> &paths, bool inverse, enquiry_t &from)
@@ -75,7 +90,7 @@ names_t devices_behind(const std::vector<std::string> &paths, bool inverse, enqu
 	std::vector<std::string_view> open;
 	open.reserve(paths.size());
 	for (const std::string &path : paths)
-		open.emplace_back(device_behind(devices, path).name);
+		open.emplace_back(device_behind(devices, path, from).name);
 	std::multimap<std::string_view, std::string_view> next;
 	for (const block_link *link : links)
 		next.emplace(inverse ? link->upper : link->lower, inverse ? link->lower : link->upper);
