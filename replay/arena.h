@@ -1,7 +1,8 @@
 // Memory for one host table: handed out in order, given back all at once.
 //
 // It comes from mmap and not from malloc, so that a test which compares the heap before and after a call into
-// the plug-in finds no byte of ours there.
+// the plug-in finds no byte of ours there. Processes that are forked off share it: a device that has gone
+// away is gone for all of them.
 #ifndef DISKSCOUT_REPLAY_ARENA_H
 #define DISKSCOUT_REPLAY_ARENA_H
 
@@ -21,7 +22,7 @@ struct arena_t {
 	bool open()
 	{
 		void *got = mmap(nullptr, ROOM, PROT_READ | PROT_WRITE,
-		                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+		                 MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
 		base = got == MAP_FAILED ? nullptr : static_cast<char *>(got);
 		used = 0;
 		return base;

@@ -4,24 +4,36 @@
  * FAKE_BLOCK_REPORT what its caller did, one "word value" a line: "wrong" counts lists that came back with
  * the code of another one, or never went out, "live" the records that are still out.
  */
-#define _POSIX_C_SOURCE 200809L
+#define _DEFAULT_SOURCE
 #include "diskscout_block.h"
 
 #include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
 
 enum { MAX_LISTS = 32, MANY = 10000, DEEP = 200 };
 static const long long MIB = 1048576, GIB = 1073741824;
 
 int memory_counter_block;
 
-static struct {
-	void *head;
-	UINT query;
-} out[MAX_LISTS];
-static int queries, releases, wrong;
+/* Seen by all processes that ask: each list is asked for in one of its own. */
+struct seen {
+	struct {
+		void *head;
+		UINT query;
+	} out[MAX_LISTS];
+	int queries, releases, live, wrong;
+};
+static struct seen *seen;
+
+__attribute__((constructor)) static void share(void)
+{
+	seen = mmap(NULL, sizeof *seen, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+	if (seen == MAP_FAILED)
+		abort();
+}
 
 /* Bytes that a record is shorter, or longer, than this header says. */
 static long shorter, longer;
@@ -45,6 +57,7 @@ static void *append(void **head, size_t size)
 	record->record_size = size + (size_t)longer;
 	record->next = NULL;
 	memory_counter_block++;
+	seen->live++;
 	*head = record;
 	return record;
 }
@@ -497,9 +510,9 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 	answer *const make_answer = answer_to(from, cmd->nCommand);
 	const char *const error = getenv("FAKE_BLOCK_ERRNO");
 
-	if (!make_answer || queries == MAX_LISTS || *result || *length)
+	if (!make_answer || seen->queries == MAX_LISTS || *result || *length)
 		abort();
-	out[queries++].query = cmd->nCommand;
+	seen->out[seen->queries++].query = cmd->nCommand;
 	if (is_failing(cmd->nCommand))
 		return failure(error ? atoi(error) : EACCES);
 	shorter = from->shorter;
@@ -507,7 +520,7 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 	make_answer(result);
 	for (const record_head *record = *result; record; record = record->next)
 		++*length;
-	out[queries - 1].head = *result;
+	seen->out[seen->queries - 1].head = *result;
 	return 0;
 }
 
@@ -515,11 +528,12 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 {
 	int i = 0;
 
-	releases++;
-	while (i < queries && !(out[i].query + 1 == cmd->nCommand && out[i].head == *result))
+	seen->releases++;
+	while (i < seen->queries &&
+	       !(seen->out[i].query + 1 == cmd->nCommand && seen->out[i].head == *result))
 		i++;
-	if (i == queries) {
-		wrong++;
+	if (i == seen->queries) {
+		seen->wrong++;
 		return failure(EINVAL);
 	}
 	while (*result) {
@@ -527,8 +541,9 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 		*result = record->next;
 		free(record);
 		memory_counter_block--;
+		seen->live--;
 	}
-	out[i].head = NULL;
+	seen->out[i].head = NULL;
 	return 0;
 }
 
@@ -538,9 +553,9 @@ __attribute__((destructor)) static void report(void)
 	FILE *const file = name ? fopen(name, "w") : NULL;
 	if (!file)
 		return;
-	fprintf(file, "queries %d\nreleases %d\nlive %d\nwrong %d\n", queries, releases, memory_counter_block,
-	        wrong);
-	for (int i = 0; i < queries; i++)
-		fprintf(file, "query%d %u\n", i, out[i].query);
+	fprintf(file, "queries %d\nreleases %d\nlive %d\nwrong %d\n", seen->queries, seen->releases,
+	        seen->live, seen->wrong);
+	for (int i = 0; i < seen->queries; i++)
+		fprintf(file, "query%d %u\n", i, seen->out[i].query);
 	fclose(file);
 }

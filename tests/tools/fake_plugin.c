@@ -4,23 +4,36 @@
  * that came back with the code of another one, or that never went out; "live" counts the records that are
  * still out.
  */
-#define _POSIX_C_SOURCE 200809L
+#define _DEFAULT_SOURCE
 #include "fake_plugin.h"
 
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 enum { MAX_LISTS = 32 };
 
-static struct {
-	void *head;
-	UINT query;
-	char argument[64]; /* as it is reported */
-} out[MAX_LISTS];
-static int queries, releases, live, wrong, lowest_descriptor = 1000;
+/* Seen by all processes that ask: each list is asked for in one of its own. */
+struct seen {
+	struct {
+		void *head;
+		UINT query;
+		char argument[64]; /* as it is reported */
+	} out[MAX_LISTS];
+	int queries, releases, live, wrong, lowest_descriptor;
+};
+static struct seen *seen;
+
+__attribute__((constructor)) static void share(void)
+{
+	seen = mmap(NULL, sizeof *seen, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+	if (seen == MAP_FAILED)
+		abort();
+	seen->lowest_descriptor = 1000;
+}
 
 void put_text(char *field, size_t size, const char *text)
 {
@@ -38,7 +51,7 @@ void *make_record(size_t size)
 	void *const record = calloc(1, size);
 	if (!record)
 		abort();
-	live++;
+	seen->live++;
 	return record;
 }
 
@@ -247,8 +260,8 @@ static const struct {
 void look_at_descriptors(void)
 {
 	const int descriptor = open("/dev/null", O_RDONLY);
-	if (descriptor < lowest_descriptor)
-		lowest_descriptor = descriptor;
+	if (descriptor < seen->lowest_descriptor)
+		seen->lowest_descriptor = descriptor;
 	close(descriptor);
 }
 
@@ -275,7 +288,7 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 	look_at_descriptors();
 	while (i < sizeof cases / sizeof *cases && strcmp(cases[i].name, name ? name : "plain") != 0)
 		i++;
-	if (i == sizeof cases / sizeof *cases || queries == MAX_LISTS || *result || *length)
+	if (i == sizeof cases / sizeof *cases || seen->queries == MAX_LISTS || *result || *length)
 		abort();
 	if (cmd->nCommand == CMD_GET_DISKS)
 		status = cases[i].disks(result, length);
@@ -285,9 +298,9 @@ int GetItemInfo(const IPMICOMMAND *cmd, void **result, int *length)
 		status = cases[i].cdroms(result, length);
 	else
 		status = answer_raid(cases[i].raid, cmd, result, length);
-	out[queries].head = *result;
-	note_argument(cmd, out[queries].argument, sizeof out[queries].argument);
-	out[queries++].query = cmd->nCommand;
+	seen->out[seen->queries].head = *result;
+	note_argument(cmd, seen->out[seen->queries].argument, sizeof seen->out[seen->queries].argument);
+	seen->out[seen->queries++].query = cmd->nCommand;
 	return status;
 }
 
@@ -309,20 +322,21 @@ int SetItemInfo(const IPMICOMMAND *cmd, void **result)
 {
 	int i = 0;
 
-	releases++;
-	while (i < queries && !(out[i].query + 1 == cmd->nCommand && out[i].head == *result))
+	seen->releases++;
+	while (i < seen->queries &&
+	       !(seen->out[i].query + 1 == cmd->nCommand && seen->out[i].head == *result))
 		i++;
-	if (i == queries) {
-		wrong++;
+	if (i == seen->queries) {
+		seen->wrong++;
 		return -1;
 	}
 	while (*result) {
 		void *const record = *result;
-		*result = next_of(record, out[i].query);
+		*result = next_of(record, seen->out[i].query);
 		free(record);
-		live--;
+		seen->live--;
 	}
-	out[i].head = NULL;
+	seen->out[i].head = NULL;
 	return 0;
 }
 
@@ -338,12 +352,13 @@ __attribute__((destructor)) static void report(void)
 	FILE *const file = name ? fopen(name, "w") : NULL;
 	if (!file)
 		return;
-	fprintf(file, "queries %d\nreleases %d\nlive %d\nwrong %d\n", queries, releases, live, wrong);
-	fprintf(file, "lowest_descriptor %d\n", lowest_descriptor);
+	fprintf(file, "queries %d\nreleases %d\nlive %d\nwrong %d\n", seen->queries, seen->releases,
+	        seen->live, seen->wrong);
+	fprintf(file, "lowest_descriptor %d\n", seen->lowest_descriptor);
 	fprintf(file, "LD_PRELOAD %s\nREPLAY_SYSROOT %s\n", variable("LD_PRELOAD"),
 	        variable("REPLAY_SYSROOT"));
 	fprintf(file, "configuration %s\n", g_szConfigFileName);
-	for (int i = 0; i < queries; i++)
-		fprintf(file, "query%d %u %s\n", i, out[i].query, out[i].argument);
+	for (int i = 0; i < seen->queries; i++)
+		fprintf(file, "query%d %u %s\n", i, seen->out[i].query, seen->out[i].argument);
 	fclose(file);
 }

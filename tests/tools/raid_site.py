@@ -28,7 +28,7 @@ class RaidSite:
             (directory / "state.txt").write_text(state)
 
     def run(self, *arguments, fault="", **settings):
-        env = {"RAIDSIM_STATE": "state.txt", "RAIDSIM_FAULT": fault, **settings.pop("env", {})}
+        env = {"RAIDSIM_STATE": str(self.directory / "state.txt"), "RAIDSIM_FAULT": fault, **settings.pop("env", {})}
         result = self.tool.run(*arguments, env=env, cwd=self.directory, **settings)
         # Script, raw and filtered output are gone, whatever happened.
         left = {path.name for path in self.directory.iterdir() if not path.is_symlink()}

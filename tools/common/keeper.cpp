@@ -2,6 +2,7 @@
 // reads its end there. What became of the work goes back through another one.
 #include "keeper.h"
 
+#include "kernel.h"
 #include "output.h"
 #include "private_directory.h"
 #include "process_tree.h"
@@ -12,7 +13,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/signalfd.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -66,7 +66,7 @@ static sigset_t ending_signals()
 
 static void close_standard_descriptors()
 {
-	const int null = static_cast<int>(syscall(SYS_openat, AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC));
+	const int null = kernel_open("/dev/null", O_RDWR);
 	for (int descriptor = 0; descriptor <= 2; descriptor++) {
 		if (null < 0 || dup2(null, descriptor) < 0)
 			close(descriptor);
@@ -108,12 +108,12 @@ static bool has_ended(pid_t work, int &status)
 		int status;
 		if (has_ended(work, status)) {
 			end_what_is_left(WIFEXITED(status));
-			leave(write(verdict, &status, sizeof status) == sizeof status ? 0 : 1);
+			leave(kernel_write(verdict, &status, sizeof status) == sizeof status ? 0 : 1);
 		}
 		poll(polled, 2, -1);
 		signalfd_siginfo told;
 		bool is_to_end = polled[0].revents != 0;
-		while (read(signals, &told, sizeof told) == sizeof told)
+		while (kernel_read(signals, &told, sizeof told) == sizeof told)
 			is_to_end |= told.ssi_signo != SIGCHLD;
 		if (is_to_end) {
 			end_what_is_left(false);
@@ -152,7 +152,7 @@ static void wait_for(pid_t keeper)
 		poll(polled, 2, -1);
 		int status;
 		if (polled[0].revents) {
-			const bool is_told = read(verdict, &status, sizeof status) == sizeof status;
+			const bool is_told = kernel_read(verdict, &status, sizeof status) == sizeof status;
 			wait_for(keeper);
 			if (is_told)
 				end_as(status);
@@ -162,7 +162,7 @@ static void wait_for(pid_t keeper)
 			leave(STATUS_FAILED);
 		}
 		signalfd_siginfo told;
-		if (read(signals, &told, sizeof told) == sizeof told) {
+		if (kernel_read(signals, &told, sizeof told) == sizeof told) {
 			close(life);
 			wait_for(keeper);
 			end_as(static_cast<int>(told.ssi_signo));

@@ -1,6 +1,8 @@
 // Processes that somebody started for us.
 #include "process_tree.h"
 
+#include "kernel.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -9,7 +11,6 @@
 #include <fcntl.h>
 #include <functional>
 #include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -35,19 +36,14 @@ struct process_t {
 };
 } // namespace
 
-static int open_past_library(const char *path, int flags)
-{
-	return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags | O_RDONLY | O_CLOEXEC));
-}
-
 // "1234 (any ) name) S 1 ...": the name may hold whatever it likes, and no more of the line matters.
 static process_t read_process(pid_t pid)
 {
 	process_t process = {pid, 0, true};
 	char text[512];
 	const std::string path = "/proc/" + std::to_string(pid) + "/stat";
-	const closer_t file(open_past_library(path.c_str(), 0));
-	const ssize_t length = file.file < 0 ? -1 : read(file.file, text, sizeof text - 1);
+	const closer_t file(kernel_open(path.c_str(), O_RDONLY));
+	const ssize_t length = file.file < 0 ? -1 : kernel_read(file.file, text, sizeof text - 1);
 	if (length <= 0)
 		return process;
 	text[length] = '\0';
@@ -70,7 +66,7 @@ struct entry_t {
 
 static void visit_processes(const std::function<void(pid_t pid)> &visit)
 {
-	const closer_t folder(open_past_library("/proc", O_DIRECTORY));
+	const closer_t folder(kernel_open("/proc", O_RDONLY | O_DIRECTORY));
 	alignas(entry_t) char block[4096];
 	for (;;) {
 		const long length =

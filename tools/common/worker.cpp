@@ -2,6 +2,8 @@
 // its end is the worker's end, whoever else is still there.
 #include "worker.h"
 
+#include "kernel.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -10,7 +12,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -35,7 +36,7 @@ static void write_whole(int to, const void *bytes, std::size_t count)
 {
 	const char *next = static_cast<const char *>(bytes);
 	while (count > 0) {
-		const ssize_t written = write(to, next, count);
+		const ssize_t written = kernel_write(to, next, count);
 		if (written < 0 && errno == EINTR)
 			continue;
 		if (written <= 0)
@@ -139,7 +140,7 @@ static bool receive(int from, std::vector<char> &into)
 	constexpr std::size_t PIECE = 1 << 16;
 	const std::size_t before = into.size();
 	into.resize(before + PIECE);
-	const ssize_t count = read(from, into.data() + before, PIECE);
+	const ssize_t count = kernel_read(from, into.data() + before, PIECE);
 	into.resize(before + (count > 0 ? static_cast<std::size_t>(count) : 0));
 	return count > 0 || (count < 0 && (errno == EINTR || errno == EAGAIN));
 }
@@ -147,7 +148,7 @@ static bool receive(int from, std::vector<char> &into)
 static bool relay(int from)
 {
 	char piece[4096];
-	const ssize_t count = read(from, piece, sizeof piece);
+	const ssize_t count = kernel_read(from, piece, sizeof piece);
 	if (count > 0)
 		write_whole(STDERR_FILENO, piece, static_cast<std::size_t>(count));
 	return count > 0 || (count < 0 && errno == EINTR);
@@ -265,7 +266,7 @@ worked_t run_in_worker(const task_t &task, const work_t &work)
 {
 	pipe_t answer, errors, null;
 	// Past the library: a captured host has devices of its own.
-	null.ends[0] = static_cast<int>(syscall(SYS_openat, AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC));
+	null.ends[0] = kernel_open("/dev/null", O_RDWR);
 	if (null.ends[0] < 0 || !answer.open() || !errors.open())
 		return not_started("no process can be started for it");
 	adopt_orphans();
