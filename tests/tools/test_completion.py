@@ -8,7 +8,7 @@ from raid_site import SOURCES
 
 COMPLETION = SOURCES / "tools" / "diskscout" / "diskscout.bash"
 COMMANDS = ["list", "schema"]
-VALUED = ["--plugin", "--sysroot", "--config", "--block-plugin", "--controller", "--format", "-o", "--columns", "--sort"]
+VALUED = ["--plugin", "--sysroot", "--config", "--block-plugin", "--controller", "--format", "-o", "--columns", "--sort", "--timeout"]
 # As bash asks: the words of the line, of which the last one is being typed.
 ASK = """
 source "$1" || exit 1

@@ -14,7 +14,7 @@ from records import INNER, RECORDS, members_of
 STORED = pathlib.Path(__file__).resolve().parent / "schema.json"
 RENEW = "a key was added: renew the stored copy with\n    diskscout schema > tests/tools/schema.json"
 CODES = set(
-    "usage plugin_not_loaded captured_host_not_loaded failed query_failed no_controller output_failed list_cut"
+    "usage plugin_not_loaded captured_host_not_loaded failed query_failed timed_out left_behind no_controller output_failed list_cut"
     " no_sysfs no_classic_name no_scsi_table no_ide_table no_permission not_opened not_in_scsi_table not_in_ide_table"
     " not_in_block_table no_mount_table not_among_disks no_medium protective_entry outside_disk cut_text help version".split()
 )

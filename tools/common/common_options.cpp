@@ -1,12 +1,33 @@
 // The options of every program that loads the plug-in.
 #include "common_options.h"
 
+#include "usage_error.h"
+
+#include <charconv>
+#include <fmt/format.h>
+
 const std::vector<common_option_t> COMMON_OPTIONS = {
 	{"--plugin", "PATH", "load this plug-in", &common_options_t::plugin},
 	{"--sysroot", "DIR", "look at the host that is captured in this directory",
          &common_options_t::sysroot},
 	{"--config", "FILE", "the controller tool's configuration", &common_options_t::config},
+	{"--timeout", "SECONDS", "give up after this time, 60 if not said; 0: never",
+         &common_options_t::timeout},
 };
+
+std::chrono::milliseconds common_options_t::limit() const
+{
+	constexpr unsigned USUAL = 60, LONGEST = 86400;
+	if (timeout.empty())
+		return std::chrono::seconds(USUAL);
+	unsigned seconds = 0;
+	const char *const behind = timeout.data() + timeout.size();
+	const auto [end, error] = std::from_chars(timeout.data(), behind, seconds);
+	if (error != std::errc() || end != behind || seconds > LONGEST)
+		throw usage_error_t(
+			fmt::format("--timeout: {} is none of 0 to {} whole seconds", timeout, LONGEST));
+	return std::chrono::seconds(seconds);
+}
 
 const char REPLAYED_OPTION[] = "--replayed";
 
@@ -16,5 +37,7 @@ std::vector<std::string> replayed_options(const common_options_t &options, const
 	std::vector<std::string> arguments = {program, REPLAYED_OPTION, "--plugin", plugin};
 	if (!options.config.empty())
 		arguments.push_back("--config=" + options.config);
+	if (!options.timeout.empty())
+		arguments.push_back("--timeout=" + options.timeout);
 	return arguments;
 }

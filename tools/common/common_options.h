@@ -2,6 +2,7 @@
 #ifndef DISKSCOUT_TOOLS_COMMON_COMMON_OPTIONS_H
 #define DISKSCOUT_TOOLS_COMMON_COMMON_OPTIONS_H
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,10 @@ struct common_options_t {
 	std::string plugin;    // empty: the one that comes with the program
 	std::string sysroot;   // empty: this host
 	std::string config;    // of the controller tool; empty: the file that the plug-in knows
+	std::string timeout;   // whole seconds for each list or command, 0: no limit; empty: 60
+
+	// Throws usage_error when it is none.
+	std::chrono::milliseconds limit() const;
 };
 
 // An option with a value, which must not be empty.

@@ -71,9 +71,10 @@ private_directory_t::~private_directory_t()
 void sweep_private_directories()
 {
 	std::error_code error;
-	for (const fs::directory_entry &entry : fs::directory_iterator(parent_directory(), error)) {
-		const std::string path = entry.path().string();
-		if (entry.path().filename().string().rfind(PREFIX, 0) != 0)
+	fs::directory_iterator entry(parent_directory(), error);
+	for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+		const std::string path = entry->path().string();
+		if (entry->path().filename().string().rfind(PREFIX, 0) != 0)
 			continue;
 		const int lock = lock_of(path);
 		if (lock < 0)

@@ -77,9 +77,10 @@ void worker_link_t::failure(std::string_view why) const
 
 // ---- the worker ----
 
-static void take_place(int null, int errors)
+static void take_place(const task_t &task, int null, int errors)
 {
-	dup2(null, STDIN_FILENO);
+	if (!task.reads_input)
+		dup2(null, STDIN_FILENO);
 	dup2(null, STDOUT_FILENO);
 	dup2(errors, STDERR_FILENO);
 }
@@ -276,7 +277,7 @@ worked_t run_in_worker(const task_t &task, const work_t &work)
 	if (worker == 0) {
 		adopt_orphans();
 		restore_signals();
-		take_place(null.ends[0], errors.ends[1]);
+		take_place(task, null.ends[0], errors.ends[1]);
 		do_work(task, work, answer.ends[1]);
 	}
 	answer.shut(1);

@@ -36,6 +36,7 @@ struct task_t {
 	std::string_view stage = {};       // where the work is at first
 	std::chrono::milliseconds limit{}; // none: 0
 	std::string directory = {};        // where it works; empty: where we are
+	bool reads_input = false;          // our standard input is the work's
 };
 
 // What came of it.

@@ -34,10 +34,10 @@ declare -gA _diskscout_columns=(
 _diskscout_kinds="devices links filesystems arrays mounts disks partitions cdroms
 	controllers containers raid_disks raid_space raid_partitions"
 _diskscout_options="-h --help --version --json --classic --bytes --no-headings --pairs --inverse --plugin --sysroot
-	--config --block-plugin --controller --format -o --columns --sort"
+	--config --block-plugin --controller --format -o --columns --sort --timeout"
 
 # Those that take a value.
-_diskscout_valued="--controller --format -o --columns --sort --plugin --block-plugin --config --sysroot"
+_diskscout_valued="--controller --format -o --columns --sort --timeout --plugin --block-plugin --config --sysroot"
 
 # Into `operands`: what is neither an option nor the value of one, but for the word that is being typed.
 _diskscout_operands() {

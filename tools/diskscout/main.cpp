@@ -3,7 +3,6 @@
 //
 // Exit status: 0; 1 when a query or the output failed, or a list is known to be cut; 2 when the caller asked
 // for what cannot be done.
-#include "companion.h"
 #include "document.h"
 #include "keeper.h"
 #include "listing.h"
@@ -41,7 +40,7 @@ static int show(const options_t &opts)
 	if (opts.asks_block())
 		block.emplace(opts.block_plugin);
 	if (!opts.config.empty())
-		classic->set_configuration(absolute_path(opts.config).string());
+		classic->set_configuration(opts.config);
 	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller,
 	                opts.limit());
 	const listing_t shown = list(asked, opts);

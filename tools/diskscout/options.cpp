@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <fmt/format.h>
 #include <sstream>
@@ -33,24 +32,6 @@ static std::string refuse_empty(const std::string &value)
 static std::string refuse_unknown_format(const std::string &value)
 {
 	return value == "1" || value == "2" ? "" : fmt::format("{} is no format, known are 1 and 2", value);
-}
-
-static constexpr unsigned LONGEST_LIMIT = 86400;
-
-static std::string refuse_limit(const std::string &value)
-{
-	unsigned seconds = 0;
-	const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), seconds);
-	if (error == std::errc() && end == value.data() + value.size() && seconds <= LONGEST_LIMIT)
-		return "";
-	return fmt::format("{} is none of 0 to {} whole seconds", value, LONGEST_LIMIT);
-}
-
-std::chrono::milliseconds options_t::limit() const
-{
-	unsigned seconds = 0;
-	std::from_chars(timeout.data(), timeout.data() + timeout.size(), seconds);
-	return std::chrono::seconds(seconds);
 }
 
 struct flag_row_t {
@@ -82,7 +63,6 @@ static const value_row_t VALUES[] = {
          &options_t::format},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
-	{"--timeout", "SECONDS", "give up a list after this time; 0: never", &options_t::timeout},
 };
 
 static std::vector<std::string> names_of_commands(const CLI::App &app)
@@ -164,7 +144,6 @@ static void add_options(CLI::App &app, options_t &opts)
 			->type_name(row.value)
 			->check(refuse_empty);
 	app.get_option("--format")->check(refuse_unknown_format);
-	app.get_option("--timeout")->check(refuse_limit);
 	// An empty group keeps an option out of the help: this one is between us and our second start.
 	app.add_flag(REPLAYED_OPTION, opts.replayed)->group("");
 }
@@ -214,6 +193,7 @@ options_t parse_options(int argc, char **argv)
 	}
 	opts.classic |= opts.is_old();
 	take_words(words, opts);
+	opts.limit();
 	refuse_conflicts(opts);
 	return opts;
 }
@@ -267,6 +247,7 @@ std::vector<std::string> replayed_command_line(const options_t &opts, const std:
 	};
 	add("--plugin", opts.plugin);
 	add("--config", opts.config);
+	add("--timeout", opts.timeout);
 	for (const value_row_t &row : VALUES)
 		add(row.name, opts.*row.field);
 	arguments.emplace_back("list");

@@ -23,7 +23,6 @@ struct options_t : common_options_t {
 	bool json = false;
 	bool classic = false;       // what the classic codes answer, and nothing else
 	std::string controller;     // empty: the first one
-	std::string timeout = "60"; // whole seconds, for each list; 0: no limit
 
 	// Tables.
 	std::string columns; // empty: those of the kind; with "+" before: those as well
@@ -33,7 +32,6 @@ struct options_t : common_options_t {
 	bool pairs = false;
 	bool inverse = false; // what the devices stand on, in place of what stands on them
 
-	std::chrono::milliseconds limit() const;
 	bool is_old() const { return format == "1"; }
 	bool draws_tree() const { return sort.empty() && !pairs; }
 	bool asks_classic() const;

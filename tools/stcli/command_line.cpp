@@ -167,6 +167,7 @@ command_line_t parse_command_line(int argc, char **argv)
 		throw misused(arguments.taken());
 	}
 	line.words = words_of(app.remaining(), arguments);
+	line.limit();
 	return line;
 }
 

@@ -7,11 +7,13 @@
 // Exit status: 0; 1 when the command or the output failed; 2 when the caller asked for what cannot be done.
 #include "command_line.h"
 #include "controller_tool.h"
+#include "keeper.h"
 #include "output.h"
 #include "program.h"
 #include "sysroot.h"
 #include "tree.h"
 #include "usage_error.h"
+#include "worker.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -54,14 +56,32 @@ static void refuse_words_of_console(const command_line_t &line)
 			line.words[1]));
 }
 
+// Somebody sits in front of it: it has no limit, and the terminal is its own.
+static int run_console(const command_tree_t &tree, const command_line_t &line)
+{
+	complain(driven_by_console(tree.configuration()));
+	return tree.run(line.words) ? STATUS_FINE : STATUS_FAILED;
+}
+
 static int run_command(const command_line_t &line)
 {
+	if (!is_console(line))
+		start_keeper();
 	const command_tree_t tree(plugin_file(line.plugin));
 	if (!line.config.empty())
 		tree.set_configuration(line.config);
 	if (is_console(line))
-		complain(driven_by_console(tree.configuration()));
-	return tree.run(line.words) ? STATUS_FINE : STATUS_FAILED;
+		return run_console(tree, line);
+	const worked_t worked =
+		run_in_worker({line.words.front(), line.limit(), "", true}, [&](const worker_link_t &to) {
+			const bool is_fine = tree.run(line.words);
+			to.result(&is_fine, sizeof is_fine);
+		});
+	if (!worked.is_done)
+		complain(worked.failure);
+	for (const pid_t pid : worked.left_behind)
+		complain(fmt::format("process {} cannot be ended: it waits in the kernel", pid));
+	return worked.is_done && *worked.result() ? STATUS_FINE : STATUS_FAILED;
 }
 
 static int run(int argc, char **argv)

@@ -1,6 +1,7 @@
 // What one run asks the plug-ins.
 #include "enquiry.h"
 
+#include "companion.h"
 #include "diskscout_block.h"
 #include "text.h"
 
@@ -32,12 +33,26 @@ const std::string &enquiry_t::private_directory()
 	return directory_->path();
 }
 
+// The caller's words mean files of the directory that we were called in.
+work_t enquiry_t::with_full_paths(const work_t &what) const
+{
+	const std::string named = classic_ ? classic_->configuration() : "";
+	if (named.empty() || named[0] == '/')
+		return what;
+	const std::string full = absolute_path(named).string();
+	return [this, full, what](const worker_link_t &to) {
+		classic_->set_configuration(full);
+		what(to);
+	};
+}
+
 worked_t enquiry_t::work(const char *stage, place_t place, const work_t &what)
 {
 	worked_t worked;
 	try {
-		worked = run_in_worker({stage, limit_, place == place_t::PRIVATE ? private_directory() : ""},
-		                       what);
+		worked = place == place_t::HERE
+		                 ? run_in_worker({stage, limit_}, what)
+		                 : run_in_worker({stage, limit_, private_directory()}, with_full_paths(what));
 	} catch (const std::runtime_error &error) {
 		worked.failure = error.what();
 	}

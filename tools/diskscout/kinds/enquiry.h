@@ -51,6 +51,7 @@ private:
 	worked_t ask_plugin(const plugin_t &of, UINT query, const std::string &argument);
 	const item_list_t &remembered(const plugin_t &of, UINT query, const std::string &argument);
 	const std::string &private_directory();
+	work_t with_full_paths(const work_t &what) const;
 
 	const plugin_t *classic_;
 	const plugin_t *block_;
