@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -76,6 +77,14 @@ void worker_link_t::failure(std::string_view why) const
 }
 
 // ---- the worker ----
+
+// What it has started by itself is left to a keeper, where there is one.
+static void die_with(pid_t parent)
+{
+	prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0);
+	if (getppid() != parent)
+		_exit(0);
+}
 
 static void take_place(const task_t &task, int null, int errors)
 {
@@ -271,10 +280,12 @@ worked_t run_in_worker(const task_t &task, const work_t &work)
 	if (null.ends[0] < 0 || !answer.open() || !errors.open())
 		return not_started("no process can be started for it");
 	adopt_orphans();
+	const pid_t parent = getpid();
 	const pid_t worker = fork();
 	if (worker < 0)
 		return not_started("no process can be started for it");
 	if (worker == 0) {
+		die_with(parent);
 		adopt_orphans();
 		restore_signals();
 		take_place(task, null.ends[0], errors.ends[1]);

@@ -33,7 +33,9 @@ static listing_t list(enquiry_t &from, const options_t &opts)
 
 static int show(const options_t &opts)
 {
-	start_keeper();
+	// The other plug-in starts no programs: a worker that ends with us is enough for it.
+	if (opts.asks_classic())
+		start_keeper();
 	std::optional<plugin_t> classic, block;
 	if (opts.asks_classic())
 		classic.emplace(opts.plugin);
