@@ -41,13 +41,18 @@ void *loaded_plugin_t::address_of(const char *name) const
 	return address;
 }
 
+void *loaded_plugin_t::address_if_any(const char *name) const
+{
+	return dlsym(handle_.get(), name);
+}
+
 // The exported variable that every host of the plug-in may write to; its size is part of the interface.
 static const char CONFIGURATION_SYMBOL[] = "g_szConfigFileName";
 using configuration_name_t = char[256];
 
 std::string loaded_plugin_t::configuration() const
 {
-	const void *const name = dlsym(handle_.get(), CONFIGURATION_SYMBOL);
+	const void *const name = address_if_any(CONFIGURATION_SYMBOL);
 	return name ? text_of(*static_cast<const configuration_name_t *>(name)) : "";
 }
 

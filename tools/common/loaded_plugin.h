@@ -29,12 +29,18 @@ public:
 	{
 		return reinterpret_cast<Symbol *>(address_of(name));
 	}
+	// Null when there is no such thing.
+	template <typename Symbol> Symbol *symbol_if_any(const char *name) const
+	{
+		return reinterpret_cast<Symbol *>(address_if_any(name));
+	}
 
 private:
 	struct unloader_t {
 		void operator()(void *handle) const;
 	};
 	void *address_of(const char *name) const;
+	void *address_if_any(const char *name) const;
 
 	std::unique_ptr<void, unloader_t> handle_;
 };

@@ -3,6 +3,7 @@
 
 #include "companion.h"
 #include "diskscout_block.h"
+#include "raid_site.h"
 #include "text.h"
 
 #include <fstream>
@@ -69,6 +70,15 @@ worked_t enquiry_t::ask_plugin(const plugin_t &of, UINT code, const std::string 
 			    const std::vector<char> bytes = pack(query, list.head());
 			    to.result(bytes.data(), bytes.size());
 		    });
+}
+
+enquiry_t::~enquiry_t() = default;
+
+raid_site_t &enquiry_t::raid()
+{
+	if (!raid_)
+		raid_ = std::make_unique<raid_site_t>(*this, *classic_, named_, is_raid_as_before_);
+	return *raid_;
 }
 
 // The codes of the plug-ins are different ones.

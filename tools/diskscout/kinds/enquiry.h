@@ -8,10 +8,13 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+class raid_site_t;
 
 class enquiry_t
 {
@@ -21,6 +24,7 @@ public:
 	// Each list is asked for by a worker, under this limit; 0: none.
 	enquiry_t(const plugin_t *classic, const plugin_t *block, std::string controller,
 	          std::chrono::milliseconds limit = {});
+	~enquiry_t();
 	void set_limit(std::chrono::milliseconds limit) { limit_ = limit; }
 	std::chrono::milliseconds limit() const { return limit_; }
 
@@ -44,6 +48,10 @@ public:
 
 	// The controller that the queries are about; none when none was named and none is listed.
 	std::optional<std::string> controller();
+	// What is behind the controllers: all of them, or the named one. As it was before there were
+	// operations: the first one in place of all, asked by the queries.
+	void set_raid_as_before(bool as_before) { is_raid_as_before_ = as_before; }
+	raid_site_t &raid();
 
 	std::string configuration() const { return classic_->configuration(); }
 
@@ -59,6 +67,8 @@ private:
 	std::chrono::milliseconds limit_;
 	std::optional<private_directory_t> directory_;
 	pids_t left_behind_;
+	bool is_raid_as_before_ = false;
+	std::unique_ptr<raid_site_t> raid_;
 	std::map<UINT, item_list_t> lists_;
 	using places_t = std::map<std::string_view, std::vector<std::string_view>>;
 	std::optional<places_t> places_;
