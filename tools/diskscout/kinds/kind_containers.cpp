@@ -18,13 +18,6 @@ static constexpr coded_word_t USAGES[] = {
 	{KESTREL_HWRAID_USAGE_TYPE_VALID, "valid"},
 };
 
-// A container made of containers holds their numbers, 24 to 63, in place of disk addresses. No address is
-// there: a LUN has one hexadecimal digit.
-static bool is_container(int member)
-{
-	return member >= 24 && member <= 63;
-}
-
 static std::vector<int> members_of(const container_t &c)
 {
 	std::vector<int> members;

@@ -20,6 +20,11 @@ static int lun_of(int position)
 	return position & 0xff;
 }
 
+bool is_container(int member)
+{
+	return member >= 24 && member <= 63;
+}
+
 std::string address(int position)
 {
 	if (position == NO_ADDRESS)

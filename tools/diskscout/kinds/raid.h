@@ -67,6 +67,10 @@ inline constexpr coded_word_t CONTAINER_TYPES[] = {
 // The value of an address field that names no disk.
 enum { NO_ADDRESS = -1 };
 
+// A container made of containers holds their numbers, 24 to 63, in place of disk addresses. No address is
+// there: a LUN has one hexadecimal digit.
+bool is_container(int member);
+
 // A disk's address as the controller tool prints it in its container list: hexadecimal, the SCSI ID with two
 // digits, "0:0a:0". "-" for none.
 std::string address(int position);
