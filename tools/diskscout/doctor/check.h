@@ -11,9 +11,14 @@
 #include <sys/types.h>
 #include <vector>
 
+/*
+ * A problem: a list fails, is cut or holds what is not so, or something that has to be read cannot be. A
+ * warning: what the lists tell is right, and yet not all. What is fine may have a text as well, which is a
+ * note: it explains to whoever asks why a list is empty, on a host that is well.
+ */
 enum class verdict_t { FINE, WARNING, PROBLEM, NOT_ASKED };
 
-// One thing that is the case, in one sentence without a full stop.
+// One thing that is the case, in one sentence that begins small and has no full stop.
 struct finding_t {
 	verdict_t verdict;
 	std::string text;
@@ -40,7 +45,7 @@ struct check_t {
 	const char *word;     // of the document: "scsi_table"
 	const char *question; // "Can the controller tool be run?"
 	const char *how;      // how it is found out, for the page
-	const char *advice;   // what to do where it is not well, one sentence
+	const char *advice;   // what to do where it is not well, in a sentence of that kind
 	unsigned concerns;
 	bool runs_tool;
 	// Runs in a worker, which may hang and crash: it sees the lists that were asked before.

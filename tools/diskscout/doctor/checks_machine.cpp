@@ -1,0 +1,4 @@
+// This machine.
+#include "check.h"
+
+const checks_t MACHINE_CHECKS = {nullptr, 0};

@@ -1,0 +1,4 @@
+// The controller tool's configuration.
+#include "check.h"
+
+const checks_t SITE_CHECKS = {nullptr, 0};
