@@ -3,10 +3,12 @@
 import errno
 import json
 import os
+import re
 
 import pytest
 from documents import errors_of
-from records import filled
+from raid_site import SOURCES
+from records import INNER, RECORDS, filled, members_of
 
 MIB = 2**20
 GIB = 2**30
@@ -372,3 +374,15 @@ def test_device_without_a_classic_name_is_told(tool):
     reasons = [message for message in document["messages"] if message["code"] == "no_classic_name"]
     assert any("nvme0n1" in message["text"] for message in reasons)
     assert {message["severity"] for message in reasons} <= {"note", "warning"}
+
+
+def test_everything_that_a_record_points_to_goes_from_process_to_process():
+    """A member that the table of pointers forgets would be an address of a process that is gone."""
+    source = (SOURCES / "tools" / "diskscout" / "kinds" / "packed_list.cpp").read_text(encoding="utf-8")
+    rows = set(re.findall(r"\b(?:TEXT|LIST)\((block_\w+), (\w+)", source))
+    pointers = {("block_text", "text")}
+    for record in (*RECORDS.values(), *INNER.values()):
+        pointers |= {
+            (record, name) for name, kind in members_of(record).items() if kind in ("string", "texts", "objects")
+        }
+    assert rows == pointers
