@@ -134,7 +134,8 @@ protected:
 	{
 		const std::string table =
 			"Executing: controller list\n----\naac0  EXAMPLE  read/write  No\n\n";
-		return table + std::string(bytes - table.size() - 1, 'x') + '\n';
+		const std::string end = "\nExecuting: exit\n";
+		return table + std::string(bytes - table.size() - end.size(), 'x') + end;
 	}
 };
 

@@ -178,17 +178,39 @@ TEST_P(Operation, FailsWithTheTool)
 	EXPECT_EQ(state_now(), "no state\n");
 }
 
+// Behind a filter that does not tell what was cut, each operation makes of it what it can.
 TEST_P(Operation, OnATextThatIsMissingOrTooLong)
 {
-	// Nothing that the filter would take away.
-	paint("noblank", FILTER_PROGRAM);
+	filter("cat \"$1\" >\"$2\"\n");
+	paint("noblank", (site_ / "filter").string());
 	fault("cut=0");
 	EXPECT_EQ(run(), GetParam().no_text);
 	expect_done();
 	start_anew();
+	// Nothing that the filter would take away.
+	paint("noblank", FILTER_PROGRAM);
 	fault("flood");
 	EXPECT_EQ(run(), GetParam().flood);
 	expect_done();
+}
+
+// The command has been carried out all the same: a change is made, and told as a failure.
+TEST_P(Operation, TakesNoCutAnswer)
+{
+	const std::filesystem::path raw = site_ / "raw";
+	filter("[ -e " + raw.string() + " ] || cp \"$1\" " + raw.string() +
+	       "\nexec '" FILTER_PROGRAM "' \"$1\" \"$2\"\n");
+	paint("terminal,status", (site_ / "filter").string());
+	ASSERT_EQ(run(), GetParam().good);
+	const size_t whole = read_file(raw).size();
+	constexpr size_t PIECES = 12;
+	for (size_t i = 0; i <= PIECES; i++) {
+		const size_t cut = i * (whole - 1) / PIECES;
+		start_anew();
+		fault("cut=" + std::to_string(cut));
+		EXPECT_EQ(run(), -1) << cut << " of " << whole << " bytes";
+		expect_done();
+	}
 }
 
 TEST_P(Operation, WaitsForASlowTool)
