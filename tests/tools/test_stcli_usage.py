@@ -71,10 +71,14 @@ def call(*words):
         ["-"],
         ["a", "-"],
         ["--", "--x", "-5"],
-        ["a", "--plugin", "/none"],
-        ["a", "--plugin=/none", "--help", "--version", "-h"],
-        ["a", "--sysroot", "/none", "--config", "/none", "--replayed"],
+        ["a", "--x", "-x", "--x=y", "---", "--=", "-=", "-5=", "--plu gin=x", "--x--plugin"],
+        ["a", "plugin", "help", "--helpless", "--pluginx", "--plugin-path", "--he-lp", "--he lp", "--HELP", "-H"],
+        ["a", "--he\nlp", "x--help", " --help", "-5", "-0x5", "--5", "/dev/--help"],
+        ["--", "a", "--plugin", "/none"],
+        ["--", "a", "--plugin=/none", "--help", "--version", "-h"],
+        ["--", "a", "--sysroot", "/none", "--config", "/none", "--replayed", "--timeout", "5"],
         ["a", "--", "b"],
+        ["a", "--", "--plugin", "/none", "-h"],
         ["--", "--"],
         ["--", "-5"],
         ["--", "--help"],
@@ -396,6 +400,48 @@ def test_console_of_a_plugin_that_does_not_tell(launcher):
 
 def test_other_commands_drive_nothing(launcher):
     assert launcher.fake("hwraids").stderr == call("hwraids")
+
+
+@pytest.mark.parametrize(
+    "option",
+    [
+        "--plugin",
+        "--plugin=/none",
+        "--plugin=",
+        "--plug",
+        "--p=x",
+        "--sysroot",
+        "--sys=/none",
+        "--config",
+        "--config=a=b",
+        "--c",
+        "--timeout",
+        "--timeout=5",
+        "--t",
+        "--help",
+        "--help=yes",
+        "--he",
+        "-h",
+        "--version",
+        "--v",
+    ],
+)
+@pytest.mark.parametrize("options", [[], ["--config", "/a"], ["--sysroot", "/none"]])
+def test_options_behind_the_command_are_refused(launcher, options, option):
+    for words in (["stdisk", option], ["rand", "-5", "5", option], ["exec", "a", option, "--", "b"]):
+        message = refused(launcher.fake(*options, *words))
+        assert message == f"{option}: options stand before the command (behind -- it would be a word)"
+        assert not launcher.path.exists()
+
+
+def test_first_option_behind_the_command_is_named(launcher):
+    message = refused(launcher.fake("stdisk", "--frob", "--sysroot", "/none", "--config", "/none"))
+    assert message.startswith("--sysroot: options stand before the command")
+
+
+@pytest.mark.parametrize("option", ["--help", "--version"])
+def test_what_is_asked_before_the_command_is_answered(launcher, option):
+    assert launcher.fake(option, "stdisk", "--config", "/none").returncode == 0
 
 
 @pytest.mark.parametrize("words", [["--config", "/b"], ["--config=/b"], ["help"], [""], ["--"]])

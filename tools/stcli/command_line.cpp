@@ -153,6 +153,19 @@ static std::vector<std::string> words_of(std::vector<std::string> rest, const ar
 	return rest;
 }
 
+// The first of the command's own words that would be an option of ours before it: no command has options, so
+// it was meant for us. Behind another mark even such a word is the command's.
+static std::string misplaced_option(const std::vector<std::string> &words, const CLI::App &app)
+{
+	for (const std::string &word : words) {
+		if (word == "--")
+			break;
+		if (is_option(word) && app.get_option_no_throw(word.substr(0, word.find('='))))
+			return word;
+	}
+	return "";
+}
+
 command_line_t parse_command_line(int argc, char **argv)
 {
 	command_line_t line;
@@ -166,7 +179,9 @@ command_line_t parse_command_line(int argc, char **argv)
 	} catch (const CLI::ParseError &) {
 		throw misused(arguments.taken());
 	}
-	line.words = words_of(app.remaining(), arguments);
+	const std::vector<std::string> rest = app.remaining();
+	line.words = words_of(rest, arguments);
+	line.misplaced_option = misplaced_option(rest, app);
 	line.limit();
 	return line;
 }

@@ -11,6 +11,7 @@ struct command_line_t : common_options_t {
 	bool help = false;
 	bool version = false;
 	std::vector<std::string> words; // the plug-in's command
+	std::string misplaced_option;   // one of the words that would have been ours
 };
 
 // Throws usage_error when an option is none of ours.

@@ -56,6 +56,15 @@ static void refuse_words_of_console(const command_line_t &line)
 			line.words[1]));
 }
 
+// The command would run with what was not meant for it, on a host that was not meant.
+static void refuse_options_behind_command(const command_line_t &line)
+{
+	if (!line.misplaced_option.empty())
+		throw usage_error_t(
+			fmt::format("{}: options stand before the command (behind -- it would be a word)",
+		                    line.misplaced_option));
+}
+
 // Somebody sits in front of it: it has no limit, and the terminal is its own.
 static int run_console(const command_tree_t &tree, const command_line_t &line)
 {
@@ -94,6 +103,7 @@ static int run(int argc, char **argv)
 	if (line.words.empty())
 		return no_words(line);
 	refuse_words_of_console(line);
+	refuse_options_behind_command(line);
 	if (line.replayed)
 		expect_captured_host();
 	if (!line.sysroot.empty())
