@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 static const char PREFIX[] = "diskscout-run.";
 
-static std::string parent_directory()
+std::string parent_of_private_directories()
 {
 	const char *const named = getenv("TMPDIR");
 	return named && named[0] == '/' ? named : "/tmp";
@@ -49,7 +49,7 @@ private_directory_t::private_directory_t()
 {
 	// Whoever sweeps may have taken it for left behind before it was locked: once more, then.
 	constexpr int ATTEMPTS = 8;
-	const std::string parent = parent_directory();
+	const std::string parent = parent_of_private_directories();
 	for (int i = 0; i < ATTEMPTS && lock_ < 0; i++) {
 		path_ = parent + "/" + PREFIX + "XXXXXX";
 		if (!mkdtemp(path_.data()))
@@ -71,7 +71,7 @@ private_directory_t::~private_directory_t()
 void sweep_private_directories()
 {
 	std::error_code error;
-	fs::directory_iterator entry(parent_directory(), error);
+	fs::directory_iterator entry(parent_of_private_directories(), error);
 	for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
 		const std::string path = entry->path().string();
 		if (entry->path().filename().string().rfind(PREFIX, 0) != 0)

@@ -5,7 +5,10 @@
 
 #include <string>
 
-// Below TMPDIR, or /tmp; locked as long as this lives or one of its workers does.
+// TMPDIR, or /tmp.
+std::string parent_of_private_directories();
+
+// Below it; locked as long as this lives or one of its workers does.
 class private_directory_t
 {
 public:

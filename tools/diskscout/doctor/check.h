@@ -31,11 +31,15 @@ struct inherited_t {
 	std::optional<std::size_t> stack; // soft limit in bytes; none: unlimited
 };
 
+struct tool_look_t;
+
 struct patient_t {
 	enquiry_t &from;
 	inherited_t inherited;
 	std::optional<pid_t> agent; // whose limits are looked at in place of ours
 	bool asks_tool = false;     // the controller tool may be run
+	// What it did when it was run, by look_at_tool, before the checks; null: it was not.
+	const tool_look_t *tool = nullptr;
 };
 
 // Whom a check concerns: a list that fails or comes back short is told the first of its own.
@@ -47,7 +51,7 @@ struct check_t {
 	const char *how;      // how it is found out, for the page
 	const char *advice;   // what to do where it is not well, in a sentence of that kind
 	unsigned concerns;
-	bool runs_tool;
+	bool runs_tool; // look_at_tool has to be asked first
 	// Runs in a worker, which may hang and crash: it sees the lists that were asked before.
 	findings_t (*look)(const patient_t &at);
 };
@@ -58,6 +62,6 @@ struct checks_t {
 };
 extern const checks_t MACHINE_CHECKS; // this machine: permission, tables, limits of the classic lists
 extern const checks_t SITE_CHECKS;    // the controller tool's configuration
-extern const checks_t TOOL_CHECKS;    // what the tool and the filter do: each runs them
+extern const checks_t TOOL_CHECKS;    // what the tool and the filter did
 
 #endif

@@ -48,6 +48,7 @@ public:
 
 	// The controller that the queries are about; none when none was named and none is listed.
 	std::optional<std::string> controller();
+	const std::string &named_controller() const { return named_; }
 	// What is behind the controllers: all of them, or the named one. As it was before there were
 	// operations: the first one in place of all, asked by the queries.
 	void set_raid_as_before(bool as_before) { is_raid_as_before_ = as_before; }
