@@ -6,6 +6,7 @@
 #include "diskscout_block.h"
 #include "kind_sets.h"
 #include "partition_query.h"
+#include "raid_site.h"
 #include "reasons.h"
 #include "selection.h"
 #include "text.h"
@@ -18,7 +19,7 @@
 
 bool lacks_controller(const kind_t &kind, enquiry_t &from)
 {
-	return is_of_controller(&kind) && !from.controller();
+	return is_of_controller(&kind) && from.raid().names().empty();
 }
 
 answer_t ask(const kind_t &kind, enquiry_t &from)
@@ -27,7 +28,9 @@ answer_t ask(const kind_t &kind, enquiry_t &from)
 		return kind.ask(from);
 	answer_t nothing;
 	nothing.failed = from.controllers().failed();
-	nothing.where = " at the list of controllers";
+	nothing.timed_out = from.controllers().timed_out();
+	const std::string &failure = from.controllers().failure();
+	nothing.where = " at the list of controllers" + (failure.empty() ? "" : ": " + failure);
 	return nothing;
 }
 

@@ -51,10 +51,10 @@ static void check_table_options(const options_t &opts)
 
 static void check_classic(const options_t &opts)
 {
-	const auto today = std::find_if(opts.kinds.begin(), opts.kinds.end(), is_block);
+	const auto today = std::find_if_not(opts.kinds.begin(), opts.kinds.end(), is_old);
 	if (opts.classic && today != opts.kinds.end())
 		throw usage_error_t(
-			fmt::format("--classic is for {}, not for {}", words_of(is_classic),
+			fmt::format("--classic is for {}, not for {}", words_of(is_old),
 		                    opts.devices.empty() ? (*today)->word : opts.devices.front()));
 	if (opts.is_old() && !opts.block_plugin.empty())
 		throw usage_error_t("--block-plugin is for format 2");

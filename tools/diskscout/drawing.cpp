@@ -94,7 +94,7 @@ table_t draw_tree(const columns_t &columns, const std::vector<row_t> &devices, e
 	return table;
 }
 
-std::string note_of(const kind_t &kind)
+std::string old_note_of(const kind_t &kind)
 {
-	return kind.note.empty() ? "" : fmt::format("{}\n", kind.note);
+	return kind.old_note.empty() ? "" : fmt::format("{}\n", kind.old_note);
 }

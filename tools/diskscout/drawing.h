@@ -15,7 +15,7 @@ table_t draw_rows(const columns_t &columns, const std::vector<row_t> &rows, size
 table_t draw_tree(const columns_t &columns, const std::vector<row_t> &devices, enquiry_t &from, bool inverse,
                   sizes_t sizes);
 
-// The line below a table that has one, else nothing.
-std::string note_of(const kind_t &kind);
+// The line below a table of format 1 that has one, else nothing.
+std::string old_note_of(const kind_t &kind);
 
 #endif

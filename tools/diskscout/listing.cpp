@@ -57,6 +57,12 @@ static table_t table_with(const columns_t &columns, const section_t &section, en
 	return table;
 }
 
+// What the queries tell of a RAID controller is shown as it was before the operations told more.
+static bool is_as_before(const kind_t &kind, const options_t &opts)
+{
+	return opts.classic && is_of_controller(&kind);
+}
+
 static std::string headings_of(const columns_t &columns)
 {
 	std::string text;
@@ -73,9 +79,10 @@ static std::string headings_of(const columns_t &columns)
 static std::string table_of(const section_t &section, enquiry_t &from, const options_t &opts)
 {
 	const auto room = terminal_columns(STDOUT_FILENO);
-	columns_t columns = columns_of(*section.kind, opts.columns);
+	const bool as_before = is_as_before(*section.kind, opts);
+	columns_t columns = columns_of(*section.kind, opts.columns, as_before);
 	const table_t whole = table_with(columns, section, from, opts);
-	if (!room || !opts.columns.empty() || opts.no_headings || width_of_table(whole) <= *room)
+	if (!room || !opts.columns.empty() || opts.no_headings || as_before || width_of_table(whole) <= *room)
 		return format_table(whole, room);
 	columns_t left_out;
 	for (const field_t *spare : spare_columns_of(*section.kind)) {
@@ -91,7 +98,7 @@ static std::string table_of(const section_t &section, enquiry_t &from, const opt
 
 static std::string pairs_of(const section_t &section, const options_t &opts)
 {
-	const columns_t columns = columns_of(*section.kind, opts.columns);
+	const columns_t columns = columns_of(*section.kind, opts.columns, is_as_before(*section.kind, opts));
 	std::string text;
 	for (const row_t &row : section.answer.rows)
 		text += pairs_line(columns, row);
@@ -124,7 +131,8 @@ static std::string body_of(section_t &section, enquiry_t &from, const options_t 
 	const std::string unused = is_overview ? take_out_unused(section.answer.rows) : "";
 	if (section.answer.rows.empty())
 		return nothing_of(section, from) + unused;
-	return table_of(section, from, opts) + unused + note_of(*section.kind);
+	const bool as_before = is_as_before(*section.kind, opts);
+	return table_of(section, from, opts) + unused + (as_before ? old_note_of(*section.kind) : "");
 }
 
 // Of those that nobody named, only what there is.

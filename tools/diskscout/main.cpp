@@ -45,6 +45,7 @@ static int show(const options_t &opts)
 		classic->set_configuration(opts.config);
 	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller,
 	                opts.limit());
+	asked.set_raid_as_before(opts.classic);
 	const listing_t shown = list(asked, opts);
 	return written(shown.text, shown.status);
 }

@@ -45,7 +45,7 @@ static listing_t as_tables(enquiry_t &from, const kinds_t &kinds)
 		else
 			text += format_table(draw_rows(old_columns_of(kind), section.answer.rows,
 			                               sizes_t::IN_UNITS)) +
-			        note_of(kind);
+			        old_note_of(kind);
 	});
 	return {text, failed.empty() ? STATUS_FINE : STATUS_FAILED};
 }

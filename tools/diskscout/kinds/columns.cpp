@@ -86,12 +86,13 @@ static void add(columns_t &columns, const field_t &column)
 	columns.push_back(&column);
 }
 
-columns_t columns_of(const kind_t &kind, const std::string &named)
+columns_t columns_of(const kind_t &kind, const std::string &named, bool as_before)
 {
+	const char *const unasked = as_before && kind.old_columns ? kind.old_columns : kind.columns;
 	const bool is_more = !named.empty() && named[0] == '+';
 	columns_t columns;
 	if (named.empty() || is_more) {
-		for (const std::string_view key : split(kind.columns))
+		for (const std::string_view key : split(unasked))
 			add(columns, column_of(kind, key));
 	}
 	if (named.empty())

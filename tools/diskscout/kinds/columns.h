@@ -14,8 +14,8 @@ columns_t old_columns_of(const kind_t &kind);
 
 // Those that are named, with commas between them, in any case; "+" before them: those that are shown unasked,
 // and these behind them; empty: those that are shown unasked. Throws usage_error for one that there is not,
-// or that is there twice.
-columns_t columns_of(const kind_t &kind, const std::string &named);
+// or that is there twice. As before: what is shown unasked is what format 1 shows.
+columns_t columns_of(const kind_t &kind, const std::string &named, bool as_before = false);
 
 // The spare ones of the kind.
 columns_t spare_columns_of(const kind_t &kind);

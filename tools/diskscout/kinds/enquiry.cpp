@@ -82,30 +82,25 @@ raid_site_t &enquiry_t::raid()
 }
 
 // The codes of the plug-ins are different ones.
-const item_list_t &enquiry_t::remembered(const plugin_t &of, UINT query, const std::string &argument)
+const item_list_t &enquiry_t::remembered(const plugin_t &of, UINT query)
 {
 	const auto found = lists_.find(query);
 	if (found != lists_.end())
 		return found->second;
 	return lists_
 	        .emplace(std::piecewise_construct, std::forward_as_tuple(query),
-	                 std::forward_as_tuple(query, ask_plugin(of, query, argument)))
+	                 std::forward_as_tuple(query, ask_plugin(of, query, "")))
 	        .first->second;
 }
 
 const item_list_t &enquiry_t::list(UINT query)
 {
-	return remembered(*classic_, query, "");
+	return remembered(*classic_, query);
 }
 
 const item_list_t &enquiry_t::block_list(UINT query)
 {
-	return remembered(*block_, query, "");
-}
-
-const item_list_t &enquiry_t::list_of_controller(UINT query)
-{
-	return remembered(*classic_, query, controller().value_or(""));
+	return remembered(*block_, query);
 }
 
 item_list_t enquiry_t::ask(UINT query, const std::string &argument)

@@ -36,9 +36,8 @@ public:
 	const pids_t &left_behind() const { return left_behind_; }
 
 	// The plug-in is asked at the first call for this list; the records are there as long as the enquiry.
-	const item_list_t &list(UINT query);               // of the classic plug-in, without an argument
-	const item_list_t &block_list(UINT query);         // of the block plug-in
-	const item_list_t &list_of_controller(UINT query); // with the controller as its argument
+	const item_list_t &list(UINT query);       // of the classic plug-in, without an argument
+	const item_list_t &block_list(UINT query); // of the block plug-in
 	item_list_t ask(UINT query, const std::string &argument); // of the classic plug-in, anew
 
 	const item_list_t &controllers() { return list(CMD_GET_CONTROLLERS); }
@@ -58,7 +57,7 @@ public:
 
 private:
 	worked_t ask_plugin(const plugin_t &of, UINT query, const std::string &argument);
-	const item_list_t &remembered(const plugin_t &of, UINT query, const std::string &argument);
+	const item_list_t &remembered(const plugin_t &of, UINT query);
 	const std::string &private_directory();
 	work_t with_full_paths(const work_t &what) const;
 

@@ -3,7 +3,7 @@
 
 #include <climits>
 
-using raid_disk_t = HWRAID_DISK_LIST;
+using disk_t = HWRAID_DISK_LIST;
 
 // The record's numbers are one less than the names of KESTREL_HWRAID_DSK_TYPE say: a disk is 0.
 static constexpr coded_word_t DEVICE_TYPES[] = {
@@ -37,14 +37,14 @@ static constexpr coded_word_t SHARES[] = {
 };
 
 // Larger block counts arrive as the largest that the plug-in knows.
-static bool is_cut(const raid_disk_t &d)
+static bool is_cut(const disk_t &d)
 {
 	return d.nBlocks >= INT_MAX;
 }
 
 static void put_blocks(const row_t &row, sink_t &to)
 {
-	const auto &d = record_of<raid_disk_t>(row);
+	const auto &d = record_of<disk_t>(row);
 	if (is_cut(d) || d.nBlocks < 0)
 		to.absent();
 	else
@@ -53,19 +53,19 @@ static void put_blocks(const row_t &row, sink_t &to)
 
 static void put_blocks_least(const row_t &row, sink_t &to)
 {
-	const auto &d = record_of<raid_disk_t>(row);
+	const auto &d = record_of<disk_t>(row);
 	if (d.nBlocks < 0)
 		to.absent();
 	else
 		to.number(d.nBlocks);
 }
 
-static bool is_sized(const raid_disk_t &d)
+static bool is_sized(const disk_t &d)
 {
 	return d.nBlocks > 0 && d.nBytesPerBlock > 0 && d.nBlocks <= INT_MAX;
 }
 
-static std::uint64_t bytes_of(const raid_disk_t &d)
+static std::uint64_t bytes_of(const disk_t &d)
 {
 	return static_cast<std::uint64_t>(d.nBlocks) * static_cast<std::uint64_t>(d.nBytesPerBlock);
 }
@@ -73,7 +73,7 @@ static std::uint64_t bytes_of(const raid_disk_t &d)
 // A plain number has no place for "at least".
 static void put_size(const row_t &row, sink_t &to)
 {
-	const auto &d = record_of<raid_disk_t>(row);
+	const auto &d = record_of<disk_t>(row);
 	if (is_sized(d) && !is_cut(d))
 		to.large(bytes_of(d));
 	else
@@ -82,32 +82,31 @@ static void put_size(const row_t &row, sink_t &to)
 
 static std::string size_cell(const row_t &row)
 {
-	const auto &d = record_of<raid_disk_t>(row);
+	const auto &d = record_of<disk_t>(row);
 	if (!is_sized(d))
 		return "-";
 	return (is_cut(d) ? "at least " : "") + human_size(bytes_of(d));
 }
 
 static constexpr field_t FIELDS[] = {
-	address_field<&raid_disk_t::nPosition>("address", "ADDRESS",
-                                               "channel, SCSI ID and LUN at the controller"),
-	text<&raid_disk_t::szVendor>("vendor", "VENDOR", "with underscores for blanks"),
-	text<&raid_disk_t::szModel>("model", "MODEL", "with underscores for blanks"),
-	number<&raid_disk_t::DeviceType>("device_type", "TYPE CODE", "code of device_type_word"),
-	word<&raid_disk_t::DeviceType, DEVICE_TYPES>("device_type_word", "TYPE",
-                                                     "null for a code without a word"),
-	number<&raid_disk_t::nBlocks>("blocks", "BLOCKS", "", OLD),
+	controller_field<raid_disk_t>(),
+	address_field<&disk_t::nPosition>("address", "ADDRESS", "channel, SCSI ID and LUN at the controller"),
+	text<&disk_t::szVendor>("vendor", "VENDOR", "with underscores for blanks"),
+	text<&disk_t::szModel>("model", "MODEL", "with underscores for blanks"),
+	number<&disk_t::DeviceType>("device_type", "TYPE CODE", "code of device_type_word"),
+	word<&disk_t::DeviceType, DEVICE_TYPES>("device_type_word", "TYPE", "null for a code without a word"),
+	number<&disk_t::nBlocks>("blocks", "BLOCKS", "", OLD),
 	{"blocks", "BLOCKS", shape_t::NUMBER, NEW | MAY_LACK, "blocks; null beyond what the record holds",
          put_blocks},
 	{"blocks_least", "BLOCKS AT LEAST", shape_t::NUMBER, NEW | MAY_LACK,
          "blocks as the record holds them: 2147483647 for all larger numbers", put_blocks_least},
-	number<&raid_disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block"),
+	number<&disk_t::nBytesPerBlock>("bytes_per_block", "BLOCK BYTES", "bytes of a block"),
 	{"size", "SIZE", shape_t::BYTES, 0, "bytes of blocks", put_size, {}, size_cell},
-	number<&raid_disk_t::Usage>("usage", "USAGE CODE", "code of usage_word"),
-	word<&raid_disk_t::Usage, USAGES>("usage_word", "USAGE", "null for a code without a word"),
-	number<&raid_disk_t::Shared>("shared", "SHARED CODE", "code of shared_word"),
-	word<&raid_disk_t::Shared, SHARES>("shared_word", "SHARED", "null for a code without a word"),
-	number<&raid_disk_t::nRate>("rate", "RATE", "MB a second that the bus is run at"),
+	number<&disk_t::Usage>("usage", "USAGE CODE", "code of usage_word"),
+	word<&disk_t::Usage, USAGES>("usage_word", "USAGE", "null for a code without a word"),
+	number<&disk_t::Shared>("shared", "SHARED CODE", "code of shared_word"),
+	word<&disk_t::Shared, SHARES>("shared_word", "SHARED", "null for a code without a word"),
+	number<&disk_t::nRate>("rate", "RATE", "MB a second that the bus is run at"),
 };
 
 const kind_t RAID_DISKS_KIND = {
@@ -115,11 +114,15 @@ const kind_t RAID_DISKS_KIND = {
 	"raid-disks",
 	"RAID DISKS",
 	"RAID disk",
-	"The controller has no disk.",
+	"No RAID controller has a disk.",
 	side_t::CONTROLLER,
 	0,
 	FIELDS,
+	"controller,address,device_type_word,size,vendor,model,usage_word,shared_word,rate",
 	"address,device_type_word,size,vendor,model,usage_word,shared_word,rate",
+	ask_controllers<raid_disk_t, &raid_site_t::disks>,
+	"",
 	nullptr,
-	ask_for_controller<raid_disk_t, CMD_GET_RAID_DISKS>,
+	"shared_word,rate",
+	"The controller has no disk.",
 };

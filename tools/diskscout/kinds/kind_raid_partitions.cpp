@@ -48,6 +48,7 @@ template <auto Member> static constexpr field_t size(const char *key, const char
 }
 
 static constexpr field_t FIELDS[] = {
+	controller_field<raid_piece_t>(),
 	address_field<&raid_partition_t::nPosition>("address", "DISK",
                                                     "the disk: channel, SCSI ID and LUN at the controller"),
 	size<&raid_partition_t::nOffset>("offset", "OFFSET", "bytes from the disk's beginning"),
@@ -74,11 +75,15 @@ const kind_t RAID_PARTITIONS_KIND = {
 	"raid-partitions",
 	"RAID PARTITIONS",
 	"RAID partition",
-	"No container uses the disks of the controller.",
+	"No container uses a disk of a RAID controller.",
 	side_t::CONTROLLER,
 	0,
 	FIELDS,
+	"controller,address,offset,size,raid_id,type_word,part_of,read_write_attribute_word",
 	"address,offset,size,raid_id,type_word,part_of,read_write_attribute_word",
+	ask_controllers<raid_piece_t, &raid_site_t::pieces>,
+	"",
 	nullptr,
-	ask_for_controller<raid_partition_t, CMD_GET_RAID_PARTITIONS>,
+	"read_write_attribute_word",
+	"No container uses the disks of the controller.",
 };

@@ -47,7 +47,7 @@ std::string words_of(kind_test_t test, bool old)
 {
 	std::string words;
 	for (const kind_t *k : all_kinds()) {
-		if (test(k))
+		if (test(k) && (!old || is_old(k)))
 			words.append(words.empty() ? "" : ", ").append(old ? k->old_word : k->word);
 	}
 	return words;

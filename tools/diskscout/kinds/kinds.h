@@ -29,7 +29,7 @@ enum class side_t {
 	BLOCK,     // the block plug-in
 	HOST,      // the classic plug-in, from the kernel's tables
 	RAID,      // all RAID controllers: the plug-in needs the controller tool's configuration
-	CONTROLLER // one RAID controller, which must be named in the query, too
+	CONTROLLER // each RAID controller, which must be named in the query, too
 };
 
 // What is listed when no kind is named.
@@ -49,15 +49,16 @@ struct kind_t {
 	unsigned unasked; // of IN_TABLES ...
 	fields_t fields;
 	const char *columns;     // shown without being asked for: keys, with commas between
-	const char *old_columns; // those of format 1; null: the same
-	// A kind of one controller is asked for only when the enquiry has one.
+	const char *old_columns; // those of format 1; null: the same, or format 1 does not know it
+	// A kind of controllers is asked for only when there is one.
 	answer_t (*ask)(enquiry_t &from);
-	std::string_view note = {}; // under its table, for what its headings cannot say
+	std::string_view old_note = {}; // under its table of format 1, for what its headings cannot say
 	// Whether it is about one of these devices; null: a device means nothing to it.
 	bool (*concerns)(const row_t &row, const names_t &devices) = nullptr;
 	// Of its columns those that can be done without where there is no room for all, the first one first;
 	// empty: none.
 	std::string_view spare_columns = {};
+	std::string_view old_none = {}; // of format 1, as none; empty: the same
 };
 
 extern const kind_t DEVICES_KIND;
@@ -73,6 +74,8 @@ extern const kind_t CONTAINERS_KIND;
 extern const kind_t RAID_DISKS_KIND;
 extern const kind_t RAID_SPACE_KIND;
 extern const kind_t RAID_PARTITIONS_KIND;
+extern const kind_t TASKS_KIND;
+extern const kind_t DEFECTS_KIND;
 
 using kinds_t = std::vector<const kind_t *>;
 
@@ -98,11 +101,6 @@ template <typename Record, UINT Query> answer_t ask_for(enquiry_t &from)
 template <typename Record, UINT Query> answer_t ask_for_block(enquiry_t &from)
 {
 	return answer_of<Record>(from.block_list(Query), from);
-}
-
-template <typename Record, UINT Query> answer_t ask_for_controller(enquiry_t &from)
-{
-	return answer_of<Record>(from.list_of_controller(Query), from);
 }
 
 #endif

@@ -90,7 +90,28 @@ void put_word(int value, coded_words_t words, sink_t &to)
 	put_text(word ? word : "", to);
 }
 
-void put_nothing(const row_t &, sink_t &to)
+void add_failure(const raid_site_t &site, const std::string &controller, const raid_failure_t &failure,
+                 answer_t &answer)
 {
-	to.absent();
+	if (!failure.failed)
+		return;
+	// The first one of the list was not named before there were several.
+	if (!site.is_as_before())
+		answer.where += fmt::format("{} on {}", answer.failed ? "," : "", controller);
+	answer.where += failure.where;
+	if (!failure.failure.empty())
+		answer.where += ": " + failure.failure;
+	answer.failed = true;
+	answer.timed_out |= failure.is_timed_out;
+}
+
+answer_t begin_answer(raid_site_t &site)
+{
+	site.names();
+	const raid_failure_t &failure = site.failure_to_name();
+	answer_t answer;
+	answer.failed = failure.failed;
+	answer.timed_out = failure.is_timed_out;
+	answer.where = failure.where + (failure.failure.empty() ? "" : ": " + failure.failure);
+	return answer;
 }

@@ -4,6 +4,7 @@
 
 #include "classic_fields.h"
 #include "kinds.h"
+#include "raid_site.h"
 
 #include <string>
 
@@ -44,12 +45,12 @@ template <auto Member, const auto &Words> std::string word_cell(const row_t &row
 }
 
 template <auto Member, const auto &Words>
-constexpr field_t word(const char *key, const char *heading, const char *what)
+constexpr field_t word(const char *key, const char *heading, const char *what, unsigned formats = OLD | NEW)
 {
 	return {key,
 	        heading,
 	        shape_t::TEXT,
-	        OLD | NEW | MAY_LACK,
+	        formats | MAY_LACK,
 	        what,
 	        word_member<Member, Words>,
 	        {},
@@ -89,12 +90,14 @@ template <auto Member> std::string address_cell(const row_t &row)
 	return address(value_of<Member>(row));
 }
 
-template <auto Member> constexpr field_t address_field(const char *key, const char *heading, const char *what)
+template <auto Member>
+constexpr field_t address_field(const char *key, const char *heading, const char *what,
+                                unsigned formats = OLD | NEW)
 {
 	return {key,
 	        heading,
 	        shape_t::OBJECT,
-	        OLD | NEW | MAY_LACK,
+	        formats | MAY_LACK,
 	        what,
 	        address_member<Member>,
 	        ADDRESS_FIELDS,
@@ -128,7 +131,69 @@ template <auto Member> constexpr field_t low32(const char *key, const char *head
 	return {key, heading, shape_t::BYTES, NEW, what, low32_member<Member>, {}, modulo_cell<Member>};
 }
 
-// The true value of what the record holds only a part of: no query of the list tells it.
-void put_nothing(const row_t &row, sink_t &to);
+// The true value of what the record holds only a part of.
+template <auto Member> void told_member(const row_t &row, sink_t &to)
+{
+	const long long value = value_of<Member>(row);
+	if (value == NOT_TOLD)
+		to.absent();
+	else
+		to.number(value);
+}
+
+template <auto Member> constexpr field_t told(const char *key, const char *heading, const char *what)
+{
+	return {key, heading, shape_t::BYTES, NEW | MAY_LACK, what, told_member<Member>};
+}
+
+// A count or number of which -1 says that there is none.
+template <auto Member> void counted_member(const row_t &row, sink_t &to)
+{
+	const long long value = value_of<Member>(row);
+	if (value < 0)
+		to.absent();
+	else
+		to.number(value);
+}
+
+template <auto Member> constexpr field_t counted(const char *key, const char *heading, const char *what)
+{
+	return {key, heading, shape_t::NUMBER, NEW | MAY_LACK, what, counted_member<Member>};
+}
+
+// ---- all controllers ----
+
+template <typename Row> void put_controller(const row_t &row, sink_t &to)
+{
+	to.text(record_of<Row>(row).controller);
+}
+
+template <typename Row> constexpr field_t controller_field()
+{
+	return {"controller", "CONTROLLER", shape_t::TEXT, NEW, "by its name", put_controller<Row>};
+}
+
+// That the list of this controller is not whole.
+void add_failure(const raid_site_t &site, const std::string &controller, const raid_failure_t &failure,
+                 answer_t &answer);
+
+// The failure to name the controllers, if it is one.
+answer_t begin_answer(raid_site_t &site);
+
+template <typename Row> using raid_question_t = const raid_list_t<Row> &(raid_site_t::*)(const std::string &);
+
+// The rows of all controllers. One that fails does not hide the others.
+template <typename Row, raid_question_t<Row> Question> answer_t ask_controllers(enquiry_t &from)
+{
+	raid_site_t &site = from.raid();
+	answer_t answer = begin_answer(site);
+	for (const std::string &name : site.names()) {
+		const raid_list_t<Row> &list = (site.*Question)(name);
+		add_failure(site, name, list, answer);
+		for (const Row &row : list.rows)
+			answer.rows.push_back({&row, &from});
+	}
+	return answer;
+}
 
 #endif

@@ -2,6 +2,7 @@
 #include "raid_operations.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 
 std::optional<raid_operations_t> operations_of(const plugin_t &plugin)
@@ -42,6 +43,12 @@ static long long in_bytes(long long units, long long size_of_unit)
 
 constexpr long long KILOBYTE = 1024, MEGABYTE = 1024 * KILOBYTE;
 
+// What could not be read is below 0, what is beyond the field the largest number of it.
+static long long told(int units, long long size_of_unit)
+{
+	return units < 0 || units == INT_MAX ? static_cast<long long>(NOT_TOLD) : units * size_of_unit;
+}
+
 template <std::size_t To, std::size_t From>
 static void copy_text(char (&to)[To], const char (&from)[From], std::size_t most = To - 1)
 {
@@ -59,8 +66,9 @@ static raid_container_t row_of(const aac_container &c)
 	static_assert(sizeof row.record.nPosition == sizeof c.C_ID_L, "slot for slot");
 	memcpy(row.record.nPosition, c.C_ID_L, sizeof c.C_ID_L);
 	row.record.RaidType = c.Container_Type;
-	row.total_size = in_bytes(c.TotalSize, MEGABYTE);
-	row.record.nTotalSize = low32(row.total_size);
+	// None that the tool has printed is 0.
+	row.total_size = c.TotalSize == 0 ? static_cast<long long>(NOT_TOLD) : told(c.TotalSize, MEGABYTE);
+	row.record.nTotalSize = low32(in_bytes(c.TotalSize, MEGABYTE));
 	row.record.nStripeSize = in_bytes(c.StripeSize, KILOBYTE);
 	row.record.Usage = c.Usage;
 	row.record.nHotSpare = c.HotSpare;
@@ -87,10 +95,10 @@ static raid_disk_t row_of(const aac_disk &d)
 static raid_space_t row_of(const aac_space &s)
 {
 	raid_space_t row{};
-	row.offset = in_bytes(s.nOffset, KILOBYTE);
-	row.free_space = in_bytes(s.nFreeSpace, KILOBYTE);
-	row.record.nOffset = low32(row.offset);
-	row.record.nFreeSpace = low32(row.free_space);
+	row.offset = told(s.nOffset, KILOBYTE);
+	row.free_space = told(s.nFreeSpace, KILOBYTE);
+	row.record.nOffset = low32(in_bytes(s.nOffset, KILOBYTE));
+	row.record.nFreeSpace = low32(in_bytes(s.nFreeSpace, KILOBYTE));
 	return row;
 }
 

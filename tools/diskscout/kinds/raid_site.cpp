@@ -63,8 +63,15 @@ const std::vector<std::string> &raid_site_t::names()
 		names_->push_back(named_);
 		return *names_;
 	}
-	for (const aac_controller *c : from_.controllers().records<aac_controller>())
+	const item_list_t &listed = from_.controllers();
+	for (const aac_controller *c : listed.records<aac_controller>())
 		names_->push_back(text_of(c->Adapter_Name));
+	if (listed.failed()) {
+		failure_to_name_.failed = true;
+		failure_to_name_.is_timed_out = listed.timed_out();
+		failure_to_name_.where = " at the list of controllers";
+		failure_to_name_.failure = listed.failure();
+	}
 	if (as_before_ && names_->size() > 1)
 		names_->resize(1);
 	return *names_;
@@ -109,7 +116,7 @@ static raid_container_t row_of(const HWRAID_LIST &record)
 	raid_container_t row{};
 	row.record = record;
 	row.total_size = NOT_TOLD;
-	snprintf(row.label, sizeof row.label, "%.*s", static_cast<int>(sizeof row.label - 1), record.szLabel);
+	memcpy(row.label, record.szLabel, sizeof row.label);
 	return row;
 }
 
@@ -159,9 +166,13 @@ static const raid_list_t<Row> &remembered(std::optional<raid_list_t<Row>> &list,
 	return *list;
 }
 
+// The tasks go first: a rebuild that ends meanwhile is told a little too long, never a container as whole too
+// early.
 const raid_list_t<raid_container_t> &raid_site_t::containers(const std::string &controller)
 {
 	lists_t &lists = lists_of(controller);
+	if (operations_)
+		tasks(controller);
 	return remembered(lists.containers, lists.controller, [&] {
 		if (!operations_)
 			return ask_query<raid_container_t>(from_, CMD_GET_CONTAINERS, controller);

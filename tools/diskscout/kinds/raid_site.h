@@ -25,7 +25,7 @@ struct raid_container_t {
 	HWRAID_LIST record;
 	const char *controller; // its name
 	long long total_size;   // bytes; NOT_TOLD
-	char label[32];         // whole
+	KESTREL_STRING label;   // whole
 	char device[256];       // the operating system's name, "/dev/sda"; empty: not told
 };
 
@@ -93,6 +93,8 @@ public:
 	// Of those that the lists below can be asked of: the named one, whether it is listed or not. The list
 	// of controllers is the enquiry's.
 	const std::vector<std::string> &names();
+	// Of the list that the names come from.
+	const raid_failure_t &failure_to_name() const { return failure_to_name_; }
 	bool is_as_before() const { return as_before_; }
 
 	const raid_list_t<raid_container_t> &containers(const std::string &controller);
@@ -115,6 +117,7 @@ private:
 	struct operations_t;
 	std::unique_ptr<const operations_t> operations_; // null: there are none
 	std::unique_ptr<std::vector<std::string>> names_;
+	raid_failure_t failure_to_name_;
 	std::map<std::string, std::unique_ptr<lists_t>> lists_;
 };
 

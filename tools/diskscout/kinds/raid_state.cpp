@@ -20,7 +20,20 @@ std::string words_of(const raid_state_t &state)
 	const std::string_view word = word_of(state.state);
 	if (state.rebuilt_permille < 0)
 		return std::string(word);
-	return fmt::format("{} {}.{} %", word, state.rebuilt_permille / 10, state.rebuilt_permille % 10);
+	return fmt::format("{} {}", word, in_percent(state.rebuilt_permille));
+}
+
+int permille_of(float done)
+{
+	constexpr float WHOLE = 1000;
+	if (!(done >= 0))
+		return -1;
+	return static_cast<int>(std::lround(std::min(done, 1.0F) * WHOLE));
+}
+
+std::string in_percent(int permille)
+{
+	return fmt::format("{}.{} %", permille / 10, permille % 10);
 }
 
 // ---- what a type can bear ----
@@ -159,14 +172,6 @@ static void count_members(const HWRAID_LIST &container, const raid_facts_t &fact
 // As the record has the tool's words.
 enum { REBUILD = 3, UNKNOWN_TASK = 6, OTHER_TASK = -1 };
 enum { BAD = 0, DONE = 1, RUNNING = 2, SUSPENDED = 3 };
-
-static int permille_of(float done)
-{
-	constexpr float WHOLE = 1000;
-	if (!(done >= 0))
-		return -1;
-	return static_cast<int>(std::lround(std::min(done, 1.0F) * WHOLE));
-}
 
 static void count_rebuild(const aac_task &task, count_t &count)
 {

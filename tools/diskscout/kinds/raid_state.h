@@ -13,6 +13,11 @@ enum class container_state_t { OPTIMAL, DEGRADED, REBUILDING, FAILED, UNKNOWN };
 // "optimal" ...
 std::string_view word_of(container_state_t state);
 
+// How far a task is: 0 to 1000 of the 0 to 1 that a record tells; -1 for what is none.
+int permille_of(float done);
+// "45.0 %"
+std::string in_percent(int permille);
+
 struct raid_state_t {
 	container_state_t state = container_state_t::UNKNOWN;
 	int rebuilt_permille = -1; // 0 to 1000; -1: nothing is being rebuilt, or nobody tells how far it is
