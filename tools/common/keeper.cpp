@@ -12,41 +12,57 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
-
-// Records of runs that leave by _exit, where the build makes any.
-extern "C" void __gcov_dump() __attribute__((weak));
-
-[[noreturn]] static void leave(int status)
-{
-	if (__gcov_dump)
-		__gcov_dump();
-	_exit(status);
-}
-
-static int checked(int result, const char *what)
-{
-	if (result < 0)
-		throw std::system_error(errno, std::generic_category(), what);
-	return result;
-}
 
 namespace
 {
+struct descriptor_t {
+	~descriptor_t() { shut(); }
+	void shut()
+	{
+		if (number >= 0)
+			close(number);
+		number = -1;
+	}
+	int number = -1;
+};
+
 struct channel_t {
-	int reader = -1;
-	int writer = -1;
+	bool open()
+	{
+		int ends[2];
+		if (pipe2(ends, O_CLOEXEC) != 0)
+			return false;
+		reader.number = ends[0];
+		writer.number = ends[1];
+		return true;
+	}
+	descriptor_t reader, writer;
+};
+
+// How the work ended, or why there could be none.
+struct verdict_t {
+	int error = 0;
+	int status = 0;
+};
+
+// What the three share.
+struct trio_t {
+	channel_t life, verdict;
+	descriptor_t signals;
+	sigset_t ending; // signals that end the run
+	sigset_t before; // what our caller has blocked
 };
 } // namespace
 
-static channel_t make_channel()
+[[noreturn]] static void fail(int error)
 {
-	int ends[2];
-	checked(pipe2(ends, O_CLOEXEC), "no pipe can be made");
-	return {ends[0], ends[1]};
+	throw std::system_error(error, std::generic_category(), "no process can be started for the work");
 }
 
 // Those that somebody wants us to ignore, nohup for one, are nothing to us.
@@ -62,6 +78,32 @@ static sigset_t ending_signals()
 	return set;
 }
 
+static bool prepare(trio_t &trio)
+{
+	trio.ending = ending_signals();
+	sigset_t heard = trio.ending;
+	sigaddset(&heard, SIGCHLD);
+	trio.signals.number = signalfd(-1, &heard, SFD_CLOEXEC | SFD_NONBLOCK);
+	if (trio.signals.number < 0 || !trio.life.open() || !trio.verdict.open())
+		return false;
+	sigprocmask(SIG_BLOCK, &heard, &trio.before);
+	// Ignored, it would keep us from hearing how anybody ended.
+	signal(SIGCHLD, SIG_DFL);
+	return true;
+}
+
+// Which of the signals that end the run has come; none: 0.
+static int ending_signal(const trio_t &trio)
+{
+	signalfd_siginfo told;
+	while (kernel_read(trio.signals.number, &told, sizeof told) == sizeof told) {
+		const int number = static_cast<int>(told.ssi_signo);
+		if (number != SIGCHLD)
+			return number;
+	}
+	return 0;
+}
+
 // ---- the keeper ----
 
 static void close_standard_descriptors()
@@ -73,15 +115,44 @@ static void close_standard_descriptors()
 	}
 }
 
-static void end_what_is_left(bool is_clean)
+// It may wait for what does not answer, and we must not. Without another process the next run will do it.
+static pid_t start_sweeper(trio_t &trio)
 {
-	if (!is_clean || has_children())
-		end_descendants();
-	if (!is_clean)
-		sweep_private_directories();
+	if (!are_private_directories())
+		return -1;
+	const pid_t sweeper = fork();
+	if (sweeper != 0)
+		return sweeper;
+	trio.verdict.writer.shut();
+	sigprocmask(SIG_SETMASK, &trio.before, nullptr);
+	sweep_private_directories();
+	leave_copy(0);
 }
 
-// How the work ended, where it has.
+static void wait_for_sweeper(pid_t sweeper)
+{
+	constexpr int TIMES = 500;
+	for (int i = 0; i < TIMES && sweeper > 0 && waitpid(sweeper, nullptr, WNOHANG) == 0; i++)
+		std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+// The work has cleared up behind itself. What is left all the same was given up by it.
+static void end_remainder()
+{
+	using std::chrono::milliseconds;
+	ending_t how;
+	how.grace = milliseconds(0);
+	how.patience = milliseconds(100);
+	if (has_children())
+		end_descendants(how);
+}
+
+static void end_everything()
+{
+	end_descendants();
+	sweep_private_directories();
+}
+
 static bool has_ended(pid_t work, int &status)
 {
 	for (;;) {
@@ -96,46 +167,44 @@ static bool has_ended(pid_t work, int &status)
 	}
 }
 
-[[noreturn]] static void keep(pid_t work, int life, int verdict, const sigset_t &ending)
+[[noreturn]] static void keep(pid_t work, trio_t &trio)
 {
-	sigset_t heard = ending;
-	sigaddset(&heard, SIGCHLD);
-	const int signals = signalfd(-1, &heard, SFD_CLOEXEC | SFD_NONBLOCK);
 	close_standard_descriptors();
-	sweep_private_directories();
-	for (;;) {
-		pollfd polled[] = {{life, POLLIN, 0}, {signals, POLLIN, 0}};
-		int status;
-		if (has_ended(work, status)) {
-			end_what_is_left(WIFEXITED(status));
-			leave(kernel_write(verdict, &status, sizeof status) == sizeof status ? 0 : 1);
-		}
+	// Whoever is to be told may be gone.
+	signal(SIGPIPE, SIG_IGN);
+	const pid_t sweeper = start_sweeper(trio);
+	verdict_t verdict;
+	while (!has_ended(work, verdict.status)) {
+		pollfd polled[] = {{trio.life.reader.number, POLLIN, 0}, {trio.signals.number, POLLIN, 0}};
 		poll(polled, 2, -1);
-		signalfd_siginfo told;
-		bool is_to_end = polled[0].revents != 0;
-		while (kernel_read(signals, &told, sizeof told) == sizeof told)
-			is_to_end |= told.ssi_signo != SIGCHLD;
-		if (is_to_end) {
-			end_what_is_left(false);
-			leave(1);
+		if (polled[0].revents || ending_signal(trio)) {
+			end_everything();
+			leave_copy(1);
 		}
 	}
+	if (WIFEXITED(verdict.status)) {
+		wait_for_sweeper(sweeper);
+		end_remainder();
+	} else {
+		end_everything();
+	}
+	leave_copy(kernel_write(trio.verdict.writer.number, &verdict, sizeof verdict) == sizeof verdict ? 0
+	                                                                                                : 1);
 }
 
 // ---- the process that was started ----
 
-[[noreturn]] static void end_as(int status)
+[[noreturn]] static void end_by(int number)
 {
-	if (WIFSIGNALED(status)) {
-		const int number = WTERMSIG(status);
-		sigset_t set;
-		sigemptyset(&set);
-		sigaddset(&set, number);
-		signal(number, SIG_DFL);
-		sigprocmask(SIG_UNBLOCK, &set, nullptr);
-		raise(number);
-	}
-	leave(WIFEXITED(status) ? WEXITSTATUS(status) : STATUS_FAILED);
+	// Whose memory is of any use has left it.
+	prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+	sigset_t set;
+	sigemptyset(&set);
+	sigaddset(&set, number);
+	signal(number, SIG_DFL);
+	sigprocmask(SIG_UNBLOCK, &set, nullptr);
+	raise(number);
+	leave_copy(STATUS_FAILED);
 }
 
 static void wait_for(pid_t keeper)
@@ -144,60 +213,79 @@ static void wait_for(pid_t keeper)
 	}
 }
 
-[[noreturn]] static void watch(pid_t keeper, int life, int verdict, const sigset_t &ending)
+// Returns when there could be no work, and says why. Who was below this process before it was ours is spared.
+static int watch(pid_t keeper, trio_t &trio, const pids_t &others)
 {
-	const int signals = signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
 	for (;;) {
-		pollfd polled[] = {{verdict, POLLIN, 0}, {signals, POLLIN, 0}};
+		pollfd polled[] = {{trio.verdict.reader.number, POLLIN, 0}, {trio.signals.number, POLLIN, 0}};
 		poll(polled, 2, -1);
-		int status;
-		if (polled[0].revents) {
-			const bool is_told = kernel_read(verdict, &status, sizeof status) == sizeof status;
+		if (polled[0].revents)
+			break;
+		if (const int number = ending_signal(trio)) {
+			trio.life.writer.shut();
 			wait_for(keeper);
-			if (is_told)
-				end_as(status);
-			end_descendants();
-			sweep_private_directories();
-			complain("the process that does the work was ended");
-			leave(STATUS_FAILED);
-		}
-		signalfd_siginfo told;
-		if (kernel_read(signals, &told, sizeof told) == sizeof told) {
-			close(life);
-			wait_for(keeper);
-			end_as(static_cast<int>(told.ssi_signo));
+			end_by(number);
 		}
 	}
+	verdict_t verdict;
+	const bool is_told =
+		kernel_read(trio.verdict.reader.number, &verdict, sizeof verdict) == sizeof verdict;
+	wait_for(keeper);
+	if (!is_told) {
+		ending_t how;
+		how.spared = others;
+		end_descendants(how);
+		sweep_private_directories();
+		complain("the process that does the work was ended");
+		leave_copy(STATUS_FAILED);
+	}
+	if (verdict.error == 0 && WIFSIGNALED(verdict.status))
+		end_by(WTERMSIG(verdict.status));
+	if (verdict.error == 0)
+		leave_copy(WEXITSTATUS(verdict.status));
+	return verdict.error;
 }
 
 // ---- ----
 
-void start_keeper()
+// In the process between; returns in the one that works.
+static void become_keeper(trio_t &trio)
 {
-	const channel_t life = make_channel(), verdict = make_channel();
-	const sigset_t ending = ending_signals();
-	sigset_t blocked = ending, before;
-	sigaddset(&blocked, SIGCHLD);
-	sigprocmask(SIG_BLOCK, &blocked, &before);
-	// Ignored, it would keep us from hearing how anybody ended.
-	signal(SIGCHLD, SIG_DFL);
-	adopt_orphans();
-	const pid_t keeper = checked(fork(), "no process can be started");
-	if (keeper > 0) {
-		close(life.reader);
-		close(verdict.writer);
-		watch(keeper, life.writer, verdict.reader, ending);
-	}
-	close(life.writer);
-	close(verdict.reader);
+	trio.life.writer.shut();
+	trio.verdict.reader.shut();
 	setsid();
 	adopt_orphans();
 	const pid_t work = fork();
-	if (work < 0)
-		leave(STATUS_FAILED);
 	if (work > 0)
-		keep(work, life.reader, verdict.writer, ending);
-	close(life.reader);
-	close(verdict.writer);
-	sigprocmask(SIG_SETMASK, &before, nullptr);
+		keep(work, trio);
+	if (work == 0)
+		return;
+	const verdict_t verdict = {errno, 0};
+	leave_copy(kernel_write(trio.verdict.writer.number, &verdict, sizeof verdict) == sizeof verdict ? 0
+	                                                                                                : 1);
+}
+
+void start_keeper()
+{
+	trio_t trio;
+	if (!prepare(trio))
+		fail(errno);
+	const pids_t others = has_children() ? descendants() : pids_t();
+	adopt_orphans();
+	const pid_t keeper = fork();
+	int error = keeper < 0 ? errno : 0;
+	if (keeper > 0) {
+		trio.life.reader.shut();
+		trio.verdict.writer.shut();
+		error = watch(keeper, trio, others);
+	} else if (keeper == 0) {
+		become_keeper(trio);
+	}
+	// What ends the run shall end the work, whatever our caller has blocked.
+	sigset_t mask = trio.before;
+	for (const int number : {SIGTERM, SIGINT, SIGHUP})
+		sigdelset(&mask, number);
+	sigprocmask(SIG_SETMASK, &mask, nullptr);
+	if (error)
+		fail(error);
 }

@@ -4,8 +4,10 @@
 #define DISKSCOUT_TOOLS_COMMON_PRIVATE_DIRECTORY_H
 
 #include <string>
+#include <sys/types.h>
 
-// TMPDIR, or /tmp.
+// TMPDIR, where that names a place from the root on, or /tmp. Without links: the kernel tells nobody's
+// working directory with any. One that is not there stays as it is named.
 std::string parent_of_private_directories();
 
 // Below it; locked as long as this lives or one of its workers does.
@@ -19,9 +21,11 @@ public:
 	private_directory_t(const private_directory_t &) = delete;
 	private_directory_t &operator=(const private_directory_t &) = delete;
 
+	// Without links.
 	const std::string &path() const { return path_; }
 
 private:
+	pid_t owner_;
 	std::string path_;
 	int lock_ = -1;
 };
@@ -29,5 +33,9 @@ private:
 // Removes those of this user that nobody holds any more: all of a run were killed at once. Ends who still
 // works in one.
 void sweep_private_directories();
+
+// Whether there are any, of whomever: none are no work for sweep_private_directories(), which may take its
+// time.
+bool are_private_directories();
 
 #endif

@@ -1,142 +1,31 @@
 // Processes that somebody started for us.
 #include "process_tree.h"
 
-#include "kernel.h"
+#include "process_table.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <csignal>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
 #include <functional>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
-namespace
+using processes_t = std::vector<process_t>;
+
+// Records of runs, where the build makes any.
+extern "C" void __gcov_dump() __attribute__((weak));
+
+void leave_copy(int status)
 {
-struct closer_t {
-	explicit closer_t(int opened) : file(opened) {}
-	~closer_t()
-	{
-		if (file >= 0)
-			close(file);
-	}
-	closer_t(const closer_t &) = delete;
-	closer_t &operator=(const closer_t &) = delete;
-	const int file;
-};
-
-struct process_t {
-	pid_t pid;
-	pid_t parent;
-	bool is_ended; // and waits for its parent to notice
-};
-} // namespace
-
-// "1234 (any ) name) S 1 ...": the name may hold whatever it likes, and no more of the line matters.
-static process_t read_process(pid_t pid)
-{
-	process_t process = {pid, 0, true};
-	char text[512];
-	const std::string path = "/proc/" + std::to_string(pid) + "/stat";
-	const closer_t file(kernel_open(path.c_str(), O_RDONLY));
-	const ssize_t length = file.file < 0 ? -1 : kernel_read(file.file, text, sizeof text - 1);
-	if (length <= 0)
-		return process;
-	text[length] = '\0';
-	const char *const behind_name = strrchr(text, ')');
-	if (!behind_name || behind_name[1] != ' ' || !behind_name[2])
-		return process;
-	process.is_ended = behind_name[2] == 'Z' || behind_name[2] == 'X';
-	process.parent = static_cast<pid_t>(strtol(behind_name + 3, nullptr, 10));
-	return process;
-}
-
-// As the kernel hands it out.
-struct entry_t {
-	std::uint64_t inode;
-	std::int64_t offset;
-	unsigned short length;
-	unsigned char type;
-	char name[];
-};
-
-static void visit_processes(const std::function<void(pid_t pid)> &visit)
-{
-	const closer_t folder(kernel_open("/proc", O_RDONLY | O_DIRECTORY));
-	alignas(entry_t) char block[4096];
-	for (;;) {
-		const long length =
-			folder.file < 0 ? -1 : syscall(SYS_getdents64, folder.file, block, sizeof block);
-		if (length <= 0)
-			return;
-		for (long at = 0; at < length;) {
-			const auto *const entry = reinterpret_cast<const entry_t *>(block + at);
-			const long pid = strtol(entry->name, nullptr, 10);
-			if (pid > 0)
-				visit(static_cast<pid_t>(pid));
-			at += entry->length;
-		}
-	}
-}
-
-static pids_t below(pid_t root, const std::vector<process_t> &processes)
-{
-	pids_t found, open = {root};
-	while (!open.empty()) {
-		const pid_t parent = open.back();
-		open.pop_back();
-		for (const process_t &process : processes) {
-			if (process.parent != parent)
-				continue;
-			open.push_back(process.pid);
-			if (!process.is_ended)
-				found.push_back(process.pid);
-		}
-	}
-	return found;
+	if (__gcov_dump)
+		__gcov_dump();
+	_exit(status);
 }
 
 void adopt_orphans()
 {
 	prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0);
-}
-
-pids_t descendants()
-{
-	std::vector<process_t> processes;
-	visit_processes([&](pid_t pid) { processes.push_back(read_process(pid)); });
-	return below(getpid(), processes);
-}
-
-pids_t processes_in(const std::string &directory)
-{
-	pids_t found;
-	visit_processes([&](pid_t pid) {
-		char target[4096];
-		const std::string path = "/proc/" + std::to_string(pid) + "/cwd";
-		const long length =
-			syscall(SYS_readlinkat, AT_FDCWD, path.c_str(), target, sizeof target - 1);
-		if (length <= 0 || pid == getpid())
-			return;
-		target[length] = '\0';
-		const bool is_there = strncmp(target, directory.c_str(), directory.size()) == 0;
-		const char behind = is_there ? target[directory.size()] : '?';
-		// The kernel adds a remark to what has been removed.
-		if (behind == '\0' || behind == '/' || behind == ' ')
-			found.push_back(pid);
-	});
-	return found;
-}
-
-// Those that are gone are gone from the table as well.
-static void reap()
-{
-	while (waitpid(-1, nullptr, WNOHANG) > 0) {
-	}
 }
 
 bool has_children()
@@ -145,42 +34,150 @@ bool has_children()
 	return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
-using finder_t = std::function<pids_t()>;
+// ---- who is there ----
 
-// Until there are none, or the time is over.
-static pids_t signal_until(const finder_t &find, int signal, bool again, std::chrono::milliseconds time)
+static bool holds(const pids_t &pids, pid_t pid)
 {
-	using clock = std::chrono::steady_clock;
-	const auto end = clock::now() + time;
-	for (bool is_first = true;; is_first = false) {
-		reap();
-		const pids_t left = find();
-		for (const pid_t pid : left) {
-			if (!is_first && !again)
-				break;
-			kill(pid, signal);
-			// One that is stopped hears of nothing else.
-			kill(pid, SIGCONT);
+	return std::find(pids.begin(), pids.end(), pid) != pids.end();
+}
+
+static processes_t below(pid_t root, const pids_t &spared)
+{
+	const processes_t processes = read_processes();
+	processes_t found;
+	pids_t open = {root};
+	while (!open.empty()) {
+		const pid_t parent = open.back();
+		open.pop_back();
+		for (const process_t &process : processes) {
+			if (process.parent != parent || holds(spared, process.pid))
+				continue;
+			open.push_back(process.pid);
+			if (!process.is_ended)
+				found.push_back(process);
 		}
-		if (left.empty() || clock::now() >= end)
-			return left;
-		std::this_thread::sleep_for(std::chrono::milliseconds(5));
+	}
+	return found;
+}
+
+static processes_t working_in(const std::string &directory)
+{
+	processes_t found = read_processes();
+	const auto is_elsewhere = [&](const process_t &process) {
+		return process.pid == getpid() || process.is_ended || process.has_terminal ||
+		       !works_in(process.pid, directory);
+	};
+	found.erase(std::remove_if(found.begin(), found.end(), is_elsewhere), found.end());
+	return found;
+}
+
+static pids_t pids_of(const processes_t &processes)
+{
+	pids_t pids;
+	for (const process_t &process : processes)
+		pids.push_back(process.pid);
+	return pids;
+}
+
+pids_t descendants()
+{
+	return pids_of(below(getpid(), {}));
+}
+
+pids_t processes_in(const std::string &directory)
+{
+	return pids_of(working_in(directory));
+}
+
+// ---- ending them ----
+
+namespace
+{
+// Those that shall go.
+struct prey_t {
+	std::function<processes_t()> find;
+	// The table is read piece by piece, and who comes into being meanwhile is missed: none found may be
+	// some.
+	std::function<bool()> is_gone;
+	pid_t group = 0;
+};
+} // namespace
+
+static void reap()
+{
+	while (waitpid(-1, nullptr, WNOHANG) > 0) {
 	}
 }
 
-static pids_t end_all(const finder_t &find, ending_t how)
+static bool is_same(const process_t &one, const process_t &other)
 {
-	if (signal_until(find, SIGTERM, false, how.grace).empty())
+	return one.pid == other.pid && one.start == other.start;
+}
+
+// Each of them once, or time and again. Whether there was a new one.
+static bool signal_all(const processes_t &found, processes_t &told, int signal, bool again)
+{
+	bool is_new = false;
+	for (const process_t &process : found) {
+		const bool was_told = std::any_of(told.begin(), told.end(), [&](const process_t &other) {
+			return is_same(process, other);
+		});
+		is_new |= !was_told;
+		if (was_told && !again)
+			continue;
+		send_signal(process, signal);
+		// One that is stopped hears of nothing else.
+		if (signal != SIGKILL)
+			send_signal(process, SIGCONT);
+		if (!was_told)
+			told.push_back(process);
+	}
+	return is_new;
+}
+
+// Until there are none, or the time is over.
+static bool signal_until(const prey_t &prey, int signal, bool again, std::chrono::milliseconds time)
+{
+	using clock = std::chrono::steady_clock;
+	constexpr std::chrono::milliseconds PAUSE(2);
+	const auto end = clock::now() + time;
+	processes_t told;
+	for (bool is_first = true;; is_first = false) {
+		reap();
+		if (prey.is_gone())
+			return true;
+		const bool is_new = signal_all(prey.find(), told, signal, again);
+		if (prey.group > 0 && (is_first || again))
+			kill(-prey.group, signal);
+		if (clock::now() >= end)
+			return false;
+		// Where new ones come all the time they are gone before we have slept.
+		if (!is_new)
+			std::this_thread::sleep_for(PAUSE);
+	}
+}
+
+static pids_t end_all(const prey_t &prey, const ending_t &how)
+{
+	const bool is_gone = signal_until(prey, SIGTERM, false, how.grace) ||
+	                     signal_until(prey, SIGKILL, true, how.patience);
+	reap();
+	if (is_gone)
 		return {};
-	return signal_until(find, SIGKILL, true, how.patience);
+	const pids_t left = pids_of(prey.find());
+	return left.empty() && prey.group > 0 ? pids_t{prey.group} : left;
 }
 
-pids_t end_descendants(ending_t how)
+pids_t end_descendants(const ending_t &how)
 {
-	return end_all(descendants, how);
+	const auto find = [&] { return below(getpid(), how.spared); };
+	const auto is_gone = [&] { return how.spared.empty() ? !has_children() : find().empty(); };
+	// A number whose group is gone may be anybody's: it is used only where nothing better is known.
+	return end_all({find, is_gone, read_processes().empty() ? how.group : 0}, how);
 }
 
-pids_t end_processes_in(const std::string &directory, ending_t how)
+pids_t end_processes_in(const std::string &directory, const ending_t &how)
 {
-	return end_all([&] { return processes_in(directory); }, how);
+	const auto find = [&] { return working_in(directory); };
+	return end_all({find, [&] { return find().empty(); }}, how);
 }

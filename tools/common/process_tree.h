@@ -1,5 +1,4 @@
-// Processes that somebody started for us, and that shall not outlive what they were started for. The kernel
-// is asked past the C library: a captured host has a /proc of its own, in which nobody of ours is.
+// Processes that somebody started for us, and that shall not outlive what they were started for.
 #ifndef DISKSCOUT_TOOLS_COMMON_PROCESS_TREE_H
 #define DISKSCOUT_TOOLS_COMMON_PROCESS_TREE_H
 
@@ -17,7 +16,8 @@ void adopt_orphans();
 // All that are below this process, at whatever depth.
 pids_t descendants();
 
-// Those whose working directory this is, or lies in it.
+// Those without a terminal whose working directory this is, or lies in it: who has a terminal is somebody who
+// looks at it. The path has no links.
 pids_t processes_in(const std::string &directory);
 
 // SIGTERM; to those that are still there after the grace, SIGKILL. All of them, not only those that were
@@ -26,13 +26,18 @@ pids_t processes_in(const std::string &directory);
 struct ending_t {
 	std::chrono::milliseconds grace = std::chrono::seconds(1);
 	std::chrono::milliseconds patience = std::chrono::seconds(1);
+	pids_t spared = {}; // neither these nor who is below them
+	pid_t group = 0;    // where no /proc tells who is there, this process group is ended; none: 0
 };
-pids_t end_descendants(ending_t how = {});
+pids_t end_descendants(const ending_t &how = {});
 
 // The same for these, which may be no children of ours.
-pids_t end_processes_in(const std::string &directory, ending_t how = {});
+pids_t end_processes_in(const std::string &directory, const ending_t &how = {});
 
 // Whether this process has children, ended ones included.
 bool has_children();
+
+// Ends a copy of a process: what the whole one does at its end is not for it to do.
+[[noreturn]] void leave_copy(int status);
 
 #endif

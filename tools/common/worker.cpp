@@ -1,14 +1,17 @@
-// Work in a process of its own. The result comes in frames through a pipe that nobody but the worker holds:
-// its end is the worker's end, whoever else is still there.
+// Work in a process of its own, and waiting for it.
 #include "worker.h"
 
 #include "kernel.h"
+#include "output.h"
+#include "worker_frames.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
-#include <cstdint>
 #include <cstring>
+#include <ctime>
+#include <exception>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
@@ -18,89 +21,21 @@
 
 using clock_type = std::chrono::steady_clock;
 
-// ---- frames ----
-
-enum frame_kind_t : std::uint32_t { STAGE, RESULT, FAILURE };
-
-// As long as any record's alignment is, and so is what stands behind it.
-struct alignas(16) frame_t {
-	std::uint32_t kind;
-	std::uint64_t count;
-};
-
-static std::size_t padded(std::size_t count)
-{
-	return (count + alignof(frame_t) - 1) / alignof(frame_t) * alignof(frame_t);
-}
-
-static void write_whole(int to, const void *bytes, std::size_t count)
-{
-	const char *next = static_cast<const char *>(bytes);
-	while (count > 0) {
-		const ssize_t written = kernel_write(to, next, count);
-		if (written < 0 && errno == EINTR)
-			continue;
-		if (written <= 0)
-			return;
-		next += written;
-		count -= static_cast<std::size_t>(written);
-	}
-}
-
-void worker_link_t::frame(unsigned kind, const void *bytes, std::size_t count) const
-{
-	constexpr int LARGEST = 1 << 20;
-	constexpr std::size_t LARGE = 1 << 16;
-	const frame_t head = {kind, count};
-	const char padding[alignof(frame_t)] = {};
-	// A long answer goes over in a few pieces, then.
-	if (count > LARGE)
-		fcntl(to_, F_SETPIPE_SZ, LARGEST);
-	write_whole(to_, &head, sizeof head);
-	write_whole(to_, bytes, count);
-	write_whole(to_, padding, padded(count) - count);
-}
-
-void worker_link_t::stage(std::string_view name) const
-{
-	frame(STAGE, name.data(), name.size());
-}
-
-void worker_link_t::result(const void *bytes, std::size_t count) const
-{
-	frame(RESULT, bytes, count);
-}
-
-void worker_link_t::failure(std::string_view why) const
-{
-	frame(FAILURE, why.data(), why.size());
-}
-
 // ---- the worker ----
 
-// What it has started by itself is left to a keeper, where there is one.
-static void die_with(pid_t parent)
-{
-	prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0);
-	if (getppid() != parent)
-		_exit(0);
-}
-
-static void take_place(const task_t &task, int null, int errors)
-{
-	if (!task.reads_input)
-		dup2(null, STDIN_FILENO);
-	dup2(null, STDOUT_FILENO);
-	dup2(errors, STDERR_FILENO);
-}
-
+// As a program expects them that somebody starts at a terminal. What catches our own crashes stays.
 static void restore_signals()
 {
+	for (int number = 1; number < NSIG; number++) {
+		struct sigaction now;
+		if (sigaction(number, nullptr, &now) == 0 && now.sa_handler == SIG_IGN)
+			signal(number, SIG_DFL);
+	}
+	for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGCHLD, SIGPIPE})
+		signal(number, SIG_DFL);
 	sigset_t none;
 	sigemptyset(&none);
 	sigprocmask(SIG_SETMASK, &none, nullptr);
-	for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGCHLD, SIGPIPE})
-		signal(number, SIG_DFL);
 }
 
 [[noreturn]] static void do_work(const task_t &task, const work_t &work, int to)
@@ -115,10 +50,8 @@ static void restore_signals()
 	} catch (const std::exception &error) {
 		link.failure(error.what());
 	}
-	_exit(0);
+	leave_copy(0);
 }
-
-// ---- who waits for it ----
 
 namespace
 {
@@ -128,7 +61,7 @@ struct pipe_t {
 		shut(0);
 		shut(1);
 	}
-	bool open() { return pipe2(ends, O_CLOEXEC) == 0; }
+	bool open() { return pipe2(ends, O_CLOEXEC) == 0 && fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0; }
 	void shut(int end)
 	{
 		if (ends[end] >= 0)
@@ -137,109 +70,199 @@ struct pipe_t {
 	}
 	int ends[2] = {-1, -1};
 };
+
+// What leads to and from a worker.
+struct wiring_t {
+	bool open()
+	{
+		// Past the library: a captured host has devices of its own.
+		null.ends[0] = kernel_open("/dev/null", O_RDWR);
+		return null.ends[0] >= 0 && answer.open() && errors.open();
+	}
+	void become_worker(const task_t &task) const
+	{
+		if (!task.reads_input)
+			dup2(null.ends[0], STDIN_FILENO);
+		dup2(null.ends[0], STDOUT_FILENO);
+		dup2(errors.ends[1], STDERR_FILENO);
+	}
+	void become_caller()
+	{
+		null.shut(0);
+		answer.shut(1);
+		errors.shut(1);
+	}
+	pipe_t answer, errors, null;
+};
 } // namespace
 
-std::string in_seconds(std::chrono::milliseconds time)
+[[noreturn]] static void be_worker(pid_t caller, const wiring_t &wiring, const task_t &task,
+                                   const work_t &work)
 {
-	return fmt::format("{:g} s", std::chrono::duration<double>(time).count());
+	setpgid(0, 0);
+	prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0);
+	if (getppid() != caller)
+		leave_copy(1);
+	adopt_orphans();
+	restore_signals();
+	wiring.become_worker(task);
+	do_work(task, work, wiring.answer.ends[1]);
 }
 
-// False at its end.
-static bool receive(int from, std::vector<char> &into)
+// ---- who waits for it ----
+
+namespace
+{
+// As long as it lives, the end of a child interrupts wait(), whatever our caller wants done about it, and
+// nothing that we write ends us.
+class attention_t
+{
+public:
+	attention_t()
+	{
+		sigset_t child;
+		sigemptyset(&child);
+		sigaddset(&child, SIGCHLD);
+		sigprocmask(SIG_BLOCK, &child, &mask_before_);
+		struct sigaction wanted = {};
+		wanted.sa_handler = [](int) {};
+		sigaction(SIGCHLD, &wanted, &child_before_);
+		wanted.sa_handler = SIG_IGN;
+		sigaction(SIGPIPE, &wanted, &pipe_before_);
+	}
+	~attention_t()
+	{
+		sigaction(SIGPIPE, &pipe_before_, nullptr);
+		sigaction(SIGCHLD, &child_before_, nullptr);
+		sigprocmask(SIG_SETMASK, &mask_before_, nullptr);
+	}
+	attention_t(const attention_t &) = delete;
+	attention_t &operator=(const attention_t &) = delete;
+
+	void wait(pollfd *polled, nfds_t count, const std::chrono::nanoseconds *left) const
+	{
+		sigset_t mask = mask_before_;
+		sigdelset(&mask, SIGCHLD);
+		timespec time = {};
+		if (left) {
+			const auto whole = std::chrono::duration_cast<std::chrono::seconds>(*left);
+			time.tv_sec = static_cast<time_t>(whole.count());
+			time.tv_nsec = static_cast<long>((*left - whole).count());
+		}
+		if (ppoll(polled, count, left ? &time : nullptr, &mask) < 0)
+			for (nfds_t i = 0; i < count; i++)
+				polled[i].revents = 0;
+	}
+
+private:
+	sigset_t mask_before_;
+	struct sigaction child_before_, pipe_before_;
+};
+
+// What the worker says on standard error, on its way to ours; whoever does not read there keeps it from
+// going on, and nobody else.
+class relay_t
+{
+public:
+	explicit relay_t(pipe_t &from) : from_(from) {}
+
+	pollfd awaited() const
+	{
+		return count_ > 0 ? pollfd{STDERR_FILENO, POLLOUT, 0} : pollfd{from_.ends[0], POLLIN, 0};
+	}
+
+	// To be called when there is what was awaited.
+	void go_on()
+	{
+		if (count_ == 0)
+			take();
+		else
+			pass_on();
+	}
+
+	// What was on its way when the worker ended. Somebody whom it left behind may go on and on.
+	void finish()
+	{
+		constexpr int MOST_PIECES = 64, PATIENCE = 200;
+		for (int i = 0; i < 2 * MOST_PIECES && from_.ends[0] >= 0; i++) {
+			pollfd polled = awaited();
+			if (poll(&polled, 1, count_ > 0 ? PATIENCE : 0) <= 0)
+				return;
+			go_on();
+		}
+	}
+
+private:
+	void take()
+	{
+		const ssize_t count = kernel_read(from_.ends[0], piece_, sizeof piece_);
+		if (count > 0)
+			count_ = static_cast<std::size_t>(count);
+		else if (count == 0 || (errno != EINTR && errno != EAGAIN))
+			from_.shut(0);
+		begin_ = 0;
+	}
+	void pass_on()
+	{
+		const ssize_t count = kernel_write(STDERR_FILENO, piece_ + begin_, count_);
+		if (count < 0 && (errno == EINTR || errno == EAGAIN))
+			return;
+		// Nobody is there any more, as a rule.
+		const std::size_t done = count < 0 ? count_ : static_cast<std::size_t>(count);
+		begin_ += done;
+		count_ -= done;
+	}
+
+	pipe_t &from_;
+	// A pipe that takes anything takes as much without letting us wait.
+	char piece_[PIPE_BUF];
+	std::size_t begin_ = 0, count_ = 0;
+};
+} // namespace
+
+// Whether there may be more, now.
+static bool receive(pipe_t &answer, std::vector<char> &into)
 {
 	constexpr std::size_t PIECE = 1 << 16;
 	const std::size_t before = into.size();
 	into.resize(before + PIECE);
-	const ssize_t count = kernel_read(from, into.data() + before, PIECE);
+	const ssize_t count = kernel_read(answer.ends[0], into.data() + before, PIECE);
 	into.resize(before + (count > 0 ? static_cast<std::size_t>(count) : 0));
-	return count > 0 || (count < 0 && (errno == EINTR || errno == EAGAIN));
+	if (count == 0)
+		answer.shut(0);
+	return count > 0;
 }
 
-static bool relay(int from)
+// Until it ends or its time is over. It may close the pipe and go on, and others may hold the pipe when it
+// has ended: the one says as little as the other. Whether it has ended.
+static bool listen(pid_t worker, wiring_t &wiring, relay_t &relay, const attention_t &attention,
+                   const task_t &task, std::vector<char> &received, int &status)
 {
-	char piece[4096];
-	const ssize_t count = kernel_read(from, piece, sizeof piece);
-	if (count > 0)
-		write_whole(STDERR_FILENO, piece, static_cast<std::size_t>(count));
-	return count > 0 || (count < 0 && errno == EINTR);
-}
-
-static int milliseconds_until(clock_type::time_point end, bool is_limited)
-{
-	if (!is_limited)
-		return -1;
-	const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - clock_type::now()).count();
-	return static_cast<int>(std::clamp<long long>(left, 0, 1 << 30));
-}
-
-// Whether the worker has come to its end in time.
-static bool listen(pipe_t &answer, pipe_t &errors, std::chrono::milliseconds limit,
-                   std::vector<char> &received)
-{
-	const auto end = clock_type::now() + limit;
-	bool is_open = true;
-	while (is_open) {
-		pollfd polled[] = {{answer.ends[0], POLLIN, 0}, {errors.ends[0], POLLIN, 0}};
-		const int ready = poll(polled, 2, milliseconds_until(end, limit.count() > 0));
-		if (ready == 0)
-			return false;
-		if (ready < 0)
-			continue;
-		if (polled[1].revents && !relay(errors.ends[0]))
-			errors.shut(0);
-		if (polled[0].revents)
-			is_open = receive(answer.ends[0], received);
-		// One that never stops talking has a limit, too.
-		if (limit.count() > 0 && clock_type::now() >= end && is_open)
-			return false;
-	}
-	return true;
-}
-
-// What was on its way when the worker ended. Somebody whom it left behind may go on and on.
-static void drain(pipe_t &errors)
-{
-	constexpr int MOST_PIECES = 64;
-	for (int i = 0; i < MOST_PIECES && errors.ends[0] >= 0; i++) {
-		pollfd polled = {errors.ends[0], POLLIN, 0};
-		if (poll(&polled, 1, 0) <= 0 || !relay(errors.ends[0]))
-			return;
-	}
-}
-
-namespace
-{
-struct frames_t {
-	std::string stage;
-	bool has_result = false;
-	std::string failure;
-};
-} // namespace
-
-static frames_t read_frames(worked_t &worked, std::string_view stage)
-{
-	frames_t frames;
-	frames.stage = stage;
-	const std::vector<char> &bytes = worked.received;
-	for (std::size_t at = 0; at + sizeof(frame_t) <= bytes.size();) {
-		frame_t head;
-		memcpy(&head, bytes.data() + at, sizeof head);
-		at += sizeof head;
-		if (head.count > bytes.size() - at || padded(head.count) > bytes.size() - at)
-			break;
-		const std::string_view text(bytes.data() + at, head.count);
-		if (head.kind == STAGE)
-			frames.stage = text;
-		else if (head.kind == FAILURE)
-			frames.failure = text;
-		else {
-			frames.has_result = true;
-			worked.from = at;
-			worked.count = head.count;
+	const bool is_limited = task.limit.count() > 0;
+	const auto end = clock_type::now() + task.limit;
+	for (;;) {
+		if (waitpid(worker, &status, WNOHANG) != 0) {
+			while (receive(wiring.answer, received)) {
+			}
+			return true;
 		}
-		at += padded(head.count);
+		const std::chrono::nanoseconds left = end - clock_type::now();
+		if (is_limited && left.count() <= 0)
+			return false;
+		pollfd polled[] = {{wiring.answer.ends[0], POLLIN, 0}, relay.awaited()};
+		attention.wait(polled, 2, is_limited ? &left : nullptr);
+		if (polled[0].revents)
+			receive(wiring.answer, received);
+		if (polled[1].revents)
+			relay.go_on();
 	}
-	return frames;
+}
+
+// ---- what came of it ----
+
+std::string in_seconds(std::chrono::milliseconds time)
+{
+	return fmt::format("{:g} s", std::chrono::duration<double>(time).count());
 }
 
 static std::string end_of(int status)
@@ -265,43 +288,41 @@ static void judge(worked_t &worked, const task_t &task, bool is_in_time, int sta
 	worked.is_done = worked.failure.empty();
 }
 
-static worked_t not_started(const char *what)
+static worked_t not_started()
 {
 	worked_t worked;
-	worked.failure = fmt::format("{}: {}", what, strerror(errno));
+	worked.failure = fmt::format("no process can be started for it: {}", strerror(errno));
 	return worked;
 }
 
 worked_t run_in_worker(const task_t &task, const work_t &work)
 {
-	pipe_t answer, errors, null;
-	// Past the library: a captured host has devices of its own.
-	null.ends[0] = kernel_open("/dev/null", O_RDWR);
-	if (null.ends[0] < 0 || !answer.open() || !errors.open())
-		return not_started("no process can be started for it");
+	// Ours must not be in the places of the standard ones.
+	occupy_standard_descriptors();
+	wiring_t wiring;
+	if (!wiring.open())
+		return not_started();
+	ending_t how;
+	if (has_children())
+		how.spared = descendants();
 	adopt_orphans();
-	const pid_t parent = getpid();
-	const pid_t worker = fork();
+	const attention_t attention;
+	const pid_t caller = getpid(), worker = fork();
 	if (worker < 0)
-		return not_started("no process can be started for it");
-	if (worker == 0) {
-		die_with(parent);
-		adopt_orphans();
-		restore_signals();
-		take_place(task, null.ends[0], errors.ends[1]);
-		do_work(task, work, answer.ends[1]);
-	}
-	answer.shut(1);
-	errors.shut(1);
+		return not_started();
+	if (worker == 0)
+		be_worker(caller, wiring, task, work);
+	setpgid(worker, worker);
+	how.group = worker;
+	wiring.become_caller();
 	worked_t worked;
-	const bool is_in_time = listen(answer, errors, task.limit, worked.received);
+	relay_t relay(wiring.errors);
 	int status = 0;
-	if (is_in_time)
-		while (waitpid(worker, &status, 0) < 0 && errno == EINTR) {
-		}
-	drain(errors);
-	if (!is_in_time || has_children())
-		worked.left_behind = end_descendants();
+	const bool is_in_time = listen(worker, wiring, relay, attention, task, worked.received, status);
+	wiring.answer.shut(0);
+	if (!is_in_time || !how.spared.empty() || has_children())
+		worked.left_behind = end_descendants(how);
+	relay.finish();
 	judge(worked, task, is_in_time, status);
 	return worked;
 }

@@ -19,7 +19,8 @@ public:
 
 	// Where the work is now, "container list": told when it does not come to an end.
 	void stage(std::string_view name) const;
-	// The result, once, at the end.
+	// The result, once, at the end. It counts whatever becomes of the worker behind it, but for the
+	// limit.
 	void result(const void *bytes, std::size_t count) const;
 	void result(std::string_view bytes) const { result(bytes.data(), bytes.size()); }
 	// That the work cannot be done, and why, in place of a result.
@@ -54,9 +55,10 @@ struct worked_t {
 };
 
 // Done by a copy of this process, which sees all that is in memory now; what it changes there nobody sees.
-// Its standard input and output are empty, what it writes on standard error we write there. When it returns,
-// none of the processes that it has started is left, but for those that are told. Never throws for what the
-// work does.
+// Its standard input and output are empty, but for the input of a task that reads it; what it writes on
+// standard error we write there. It has no signal blocked or ignored, and does not outlive us. When this
+// returns, none of the processes that it has started is left, but for those that are told; whoever was below
+// this process before is spared. Never throws for what the work does.
 worked_t run_in_worker(const task_t &task, const work_t &work);
 
 // "5 s", "0.5 s".
