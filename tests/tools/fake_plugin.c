@@ -8,6 +8,7 @@
 #include "fake_plugin.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -228,6 +229,22 @@ static int negative_length(void **head, int *length)
 	return 0;
 }
 
+static int no_end(void **head, int *length)
+{
+	(void)head;
+	(void)length;
+	for (;;)
+		pause();
+}
+
+static int bad_end(void **head, int *length)
+{
+	(void)head;
+	(void)length;
+	raise(SIGSEGV);
+	return 0;
+}
+
 /* A disk for every number in FAKE_PLUGIN_SIZES. */
 static int sized_disks(void **head, int *length)
 {
@@ -255,6 +272,8 @@ static const struct {
 	{"length-beyond-links", length_beyond_links, no_items, no_items, &empty_raid},
 	{"negative-length", negative_length, no_items, no_items, &empty_raid},
 	{"sizes", sized_disks, no_items, no_items, &empty_raid},
+	{"hang", no_end, no_end, no_end, &empty_raid},
+	{"crash", bad_end, bad_end, bad_end, &empty_raid},
 };
 
 void look_at_descriptors(void)

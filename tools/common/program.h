@@ -2,7 +2,8 @@
 #ifndef DISKSCOUT_TOOLS_COMMON_PROGRAM_H
 #define DISKSCOUT_TOOLS_COMMON_PROGRAM_H
 
-enum { STATUS_FINE = 0, STATUS_FAILED = 1, STATUS_USAGE = 2 };
+// STATUS_WARNED: nothing failed, but there is something to be told (diskscout doctor).
+enum { STATUS_FINE = 0, STATUS_FAILED = 1, STATUS_USAGE = 2, STATUS_WARNED = 3 };
 
 // Every program defines its own; what it complains about begins with it.
 extern const char PROGRAM_NAME[];

@@ -68,6 +68,35 @@ void document_t::list(const kind_t &kind, const answer_t &answer)
 	to_.end_list();
 }
 
+static void put_if_any(const std::string &text, sink_t &to)
+{
+	if (text.empty())
+		to.absent();
+	else
+		to.text(text);
+}
+
+void document_t::checks(const told_findings_t &found)
+{
+	to_.key("checks");
+	to_.begin_list();
+	for (const told_finding_t &f : found) {
+		to_.begin_object();
+		to_.key("check");
+		to_.text(f.check->word);
+		to_.key("question");
+		to_.text(f.check->question);
+		to_.key("verdict");
+		to_.text(word_of(f.finding.verdict));
+		to_.key("text");
+		put_if_any(f.finding.text, to_);
+		to_.key("advice");
+		put_if_any(f.advice, to_);
+		to_.end_object();
+	}
+	to_.end_list();
+}
+
 static void put_message(const message_t &message, sink_t &to)
 {
 	to.begin_object();

@@ -4,6 +4,7 @@
 
 #include "host_names.h"
 #include "json_writer.h"
+#include "doctor.h"
 #include "kinds.h"
 #include "messages.h"
 
@@ -18,6 +19,8 @@ public:
 	// The RAID controller that kinds of one are about; null: there is none.
 	void controller(const std::optional<std::string> &name);
 	void list(const kind_t &kind, const answer_t &answer);
+	// What doctor has found.
+	void checks(const told_findings_t &found);
 	// The whole text. Nothing may follow.
 	std::string end(const messages_t &messages, int exit_status);
 

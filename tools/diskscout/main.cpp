@@ -1,9 +1,11 @@
 // diskscout: an inventory of this host's storage, for people and as JSON. It is also the reference agent: the
 // plug-ins are loaded, asked and given their lists back as every agent has to do it.
 //
-// Exit status: 0; 1 when a query or the output failed, or a list is known to be cut; 2 when the caller asked
-// for what cannot be done.
+// Exit status: 0; 1 when a query or the output failed, or a list is known to be cut, or doctor has found a
+// problem; 2 when the caller asked for what cannot be done; 3 when doctor has found no more than warnings.
+#include "doctor.h"
 #include "document.h"
+#include "inherited.h"
 #include "keeper.h"
 #include "listing.h"
 #include "options.h"
@@ -31,6 +33,12 @@ static listing_t list(enquiry_t &from, const options_t &opts)
 	return list_as_document(from, opts, host_names(opts.replayed));
 }
 
+static listing_t examine(enquiry_t &from, const options_t &opts)
+{
+	const told_findings_t found = examine({from, inherited(), opts.agent(), opts.raid}, opts.limit());
+	return opts.json ? doctor_as_document(found, from, host_names(opts.replayed)) : doctor_as_text(found);
+}
+
 static int show(const options_t &opts)
 {
 	// The other plug-in starts no programs: a worker that ends with us is enough for it.
@@ -46,7 +54,7 @@ static int show(const options_t &opts)
 	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller,
 	                opts.limit());
 	asked.set_raid_as_before(opts.classic);
-	const listing_t shown = list(asked, opts);
+	const listing_t shown = opts.command == command_t::DOCTOR ? examine(asked, opts) : list(asked, opts);
 	return written(shown.text, shown.status);
 }
 
@@ -112,5 +120,6 @@ static int in_document(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+	inherited();
 	return run_program(wants_document(argc, argv) ? in_document : run, argc, argv);
 }

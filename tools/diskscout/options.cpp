@@ -1,4 +1,4 @@
-// The command line: diskscout list [KIND|DEVICE]... [OPTION]..., diskscout schema.
+// The command line: diskscout list [KIND|DEVICE]... [OPTION]..., diskscout doctor [OPTION]..., diskscout schema.
 #include "options.h"
 
 #include "closest_word.h"
@@ -9,19 +9,20 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <fmt/format.h>
 #include <sstream>
 
 bool options_t::asks_classic() const
 {
-	return has(kinds, is_classic);
+	return command == command_t::DOCTOR || has(kinds, is_classic);
 }
 
 // The classic lists of the host are told beside today's, unless they are wanted alone.
 bool options_t::asks_block() const
 {
-	return has(kinds, is_block) || (!classic && has(kinds, is_of_host));
+	return command == command_t::DOCTOR || has(kinds, is_block) || (!classic && has(kinds, is_of_host));
 }
 
 static std::string refuse_empty(const std::string &value)
@@ -34,19 +35,42 @@ static std::string refuse_unknown_format(const std::string &value)
 	return value == "1" || value == "2" ? "" : fmt::format("{} is no format, known are 1 and 2", value);
 }
 
+static std::string refuse_pid(const std::string &value)
+{
+	pid_t pid = 0;
+	const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), pid);
+	if (error == std::errc() && end == value.data() + value.size() && pid > 0)
+		return "";
+	return fmt::format("{} is no number of a process", value);
+}
+
+std::optional<pid_t> options_t::agent() const
+{
+	if (pid.empty())
+		return std::nullopt;
+	pid_t number = 0;
+	std::from_chars(pid.data(), pid.data() + pid.size(), number);
+	return number;
+}
+
+// The commands that an option means something to. Those that are not named here mean something to both.
+enum : unsigned { OF_LIST = 1, OF_DOCTOR = 2, OF_BOTH = 3 };
+
 struct flag_row_t {
 	const char *name;
 	const char *what;
 	bool options_t::*field;
+	unsigned commands = OF_LIST;
 };
 
 static const flag_row_t FLAGS[] = {
-	{"--json", "print one JSON document instead of tables", &options_t::json},
+	{"--json", "print one JSON document instead of text", &options_t::json, OF_BOTH},
 	{"--classic", "show what the classic command codes answer, and nothing else", &options_t::classic},
 	{"--bytes", "print sizes in bytes", &options_t::bytes},
 	{"--no-headings", "print rows alone", &options_t::no_headings},
 	{"--pairs", "print a line of KEY=\"value\" for each row", &options_t::pairs},
 	{"--inverse", "show what devices stand on, not what stands on them", &options_t::inverse},
+	{"--raid", "let doctor run the controller tool", &options_t::raid, OF_DOCTOR},
 };
 
 struct value_row_t {
@@ -54,16 +78,24 @@ struct value_row_t {
 	const char *value;
 	const char *what;
 	std::string options_t::*field;
+	unsigned commands = OF_LIST;
 };
 
 static const value_row_t VALUES[] = {
-	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin},
+	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin, OF_BOTH},
 	{"--controller", "NAME", "show this RAID controller, not the first one", &options_t::controller},
 	{"--format", "1|2", "format of the document; 1: everything as before there were formats",
-         &options_t::format},
+         &options_t::format, OF_BOTH},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
+	{"--pid", "PID", "let doctor look at the limits of this process, an agent", &options_t::pid, OF_DOCTOR},
 };
+
+// Of "-o,--columns" the last.
+static std::string long_name(std::string_view names)
+{
+	return std::string(names.substr(names.find("--")));
+}
 
 static std::vector<std::string> names_of_commands(const CLI::App &app)
 {
@@ -144,6 +176,7 @@ static void add_options(CLI::App &app, options_t &opts)
 			->type_name(row.value)
 			->check(refuse_empty);
 	app.get_option("--format")->check(refuse_unknown_format);
+	app.get_option("--pid")->check(refuse_pid);
 	// An empty group keeps an option out of the help: this one is between us and our second start.
 	app.add_flag(REPLAYED_OPTION, opts.replayed)->group("");
 }
@@ -155,6 +188,21 @@ static void refuse_options_of_list(const CLI::App &app)
 			throw usage_error_t(
 				fmt::format("schema takes no options, such as {}", option->get_name()));
 	}
+}
+
+// One that would change nothing is a misunderstanding.
+static void refuse_options_of_others(const CLI::App &app, unsigned command)
+{
+	const auto refuse = [&](const auto &rows) {
+		for (const auto &row : rows) {
+			const std::string name = long_name(row.name);
+			if ((row.commands & command) == 0 && app.get_option(name)->count() > 0)
+				throw usage_error_t(fmt::format(
+					"{} is for {}", name, row.commands == OF_LIST ? "list" : "doctor"));
+		}
+	};
+	refuse(FLAGS);
+	refuse(VALUES);
 }
 
 options_t parse_options(int argc, char **argv)
@@ -176,6 +224,9 @@ options_t parse_options(int argc, char **argv)
 	// Options of the program are taken behind the subcommand too.
 	list->fallthrough();
 	list->footer("The options of diskscout --help belong here, too.\n" + app.get_footer());
+	CLI::App *const doctor = app.add_subcommand("doctor", "tell why a list is empty, short, old or slow");
+	doctor->fallthrough();
+	doctor->footer("Exit status: 0 all is fine, 1 a problem, 3 warnings only, 2 for bad usage.");
 	const CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
 	try {
 		app.parse(argc, argv);
@@ -189,6 +240,14 @@ options_t parse_options(int argc, char **argv)
 	if (schema->parsed()) {
 		refuse_options_of_list(app);
 		opts.command = command_t::SCHEMA;
+		return opts;
+	}
+	refuse_options_of_others(app, doctor->parsed() ? OF_DOCTOR : OF_LIST);
+	if (doctor->parsed()) {
+		if (opts.is_old())
+			throw usage_error_t("doctor is for format 2");
+		opts.command = command_t::DOCTOR;
+		opts.limit();
 		return opts;
 	}
 	opts.classic |= opts.is_old();
@@ -243,13 +302,17 @@ std::vector<std::string> replayed_command_line(const options_t &opts, const std:
 	}
 	const auto add = [&](std::string_view name, const std::string &value) {
 		if (!value.empty())
-			arguments.push_back(fmt::format("{}={}", name.substr(name.find("--")), value));
+			arguments.push_back(fmt::format("{}={}", long_name(name), value));
 	};
 	add("--plugin", opts.plugin);
 	add("--config", opts.config);
 	add("--timeout", opts.timeout);
 	for (const value_row_t &row : VALUES)
 		add(row.name, opts.*row.field);
+	if (opts.command == command_t::DOCTOR) {
+		arguments.emplace_back("doctor");
+		return arguments;
+	}
 	arguments.emplace_back("list");
 	if (!opts.is_alone) {
 		for (const kind_t *k : opts.kinds)

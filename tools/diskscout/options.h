@@ -6,10 +6,13 @@
 #include "kinds.h"
 #include "messages.h"
 
+#include <chrono>
+#include <optional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
-enum class command_t { LIST, SCHEMA, ANSWER };
+enum class command_t { LIST, DOCTOR, SCHEMA, ANSWER };
 
 struct options_t : common_options_t {
 	command_t command = command_t::LIST;
@@ -32,6 +35,11 @@ struct options_t : common_options_t {
 	bool pairs = false;
 	bool inverse = false; // what the devices stand on, in place of what stands on them
 
+	// doctor.
+	bool raid = false; // the controller tool may be run
+	std::string pid;   // of an agent, whose limits are looked at; empty: our own
+
+	std::optional<pid_t> agent() const;
 	bool is_old() const { return format == "1"; }
 	bool draws_tree() const { return sort.empty() && !pairs; }
 	bool asks_classic() const;

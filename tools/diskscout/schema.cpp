@@ -1,6 +1,7 @@
 // The JSON Schema of the document of format 2.
 #include "schema.h"
 
+#include "doctor.h"
 #include "json_writer.h"
 #include "kinds.h"
 #include "messages.h"
@@ -31,6 +32,7 @@ private:
 	void fields(fields_t of);
 	void value(const field_t &field);
 	void message();
+	void check();
 	void properties();
 
 	std::string text_;
@@ -139,7 +141,7 @@ void schema_t::message()
 	object({"severity", "kind", "code", "text"}, [&] {
 		property("severity", [&] {
 			texts("enum", {"error", "warning", "note"});
-			pair("description", "an error is there exactly when exit_status is not 0");
+			pair("description", "an error is there exactly when exit_status is 1 or 2");
 		});
 		property("kind",
 		         [&] { described_text("the list that it is about; null: the whole run", true); });
@@ -148,6 +150,30 @@ void schema_t::message()
 			pair("description", "why, for programs");
 		});
 		property("text", [&] { described_text("one sentence, for people", false); });
+	});
+}
+
+void schema_t::check()
+{
+	std::vector<std::string_view> words;
+	for (const check_t *check : all_checks())
+		words.emplace_back(check->word);
+	type("object", false);
+	object({"check", "question", "verdict", "text", "advice"}, [&] {
+		property("check", [&] {
+			texts("enum", words);
+			pair("description", "which, for programs");
+		});
+		property("question", [&] { described_text("that it answers, for people", false); });
+		property("verdict", [&] {
+			texts("enum", {word_of(verdict_t::FINE), word_of(verdict_t::WARNING),
+			               word_of(verdict_t::PROBLEM), word_of(verdict_t::NOT_ASKED)});
+			pair("description", "not asked: it runs the controller tool, which nobody asked for");
+		});
+		property("text", [&] {
+			described_text("what was found, for people; null: nothing; a note where it is fine", true);
+		});
+		property("advice", [&] { described_text("what to do about it; null: nothing", true); });
 	});
 }
 
@@ -190,11 +216,15 @@ void schema_t::properties()
 			pair("description", "null when it could not be asked");
 		});
 	}
+	property("checks", [&] {
+		list_of([&] { check(); }, false);
+		pair("description", "of diskscout doctor alone, in its order");
+	});
 	property("messages", [&] { list_of([&] { message(); }, false); });
 	property("exit_status", [&] {
 		to_.key("enum");
 		to_.begin_list();
-		for (const int status : {STATUS_FINE, STATUS_FAILED, STATUS_USAGE})
+		for (const int status : {STATUS_FINE, STATUS_FAILED, STATUS_USAGE, STATUS_WARNED})
 			to_.number(status);
 		to_.end_list();
 	});
@@ -204,7 +234,7 @@ std::string schema_t::text()
 {
 	to_.begin_object();
 	pair("$schema", "https://json-schema.org/draft/2020-12/schema");
-	pair("title", "diskscout list --json, format 2");
+	pair("title", "diskscout --json, format 2");
 	type("object", false);
 	object({"format", "generator", "host", "time", "messages", "exit_status"}, [&] { properties(); });
 	to_.end_object();

@@ -43,7 +43,14 @@ struct patient_t {
 };
 
 // Whom a check concerns: a list that fails or comes back short is told the first of its own.
-enum : unsigned { DISKS_SHORT = 1, PARTITIONS_SHORT = 2, CDROMS_SHORT = 4, RAID_FAILED = 8, ANY_LIST = 15 };
+enum : unsigned {
+	DISKS_SHORT = 1,
+	PARTITIONS_SHORT = 2,
+	CDROMS_SHORT = 4,
+	RAID_FAILED = 8,
+	DEVICES_FAILED = 16, // any of today's lists
+	ANY_LIST = 31
+};
 
 struct check_t {
 	const char *word;     // of the document: "scsi_table"

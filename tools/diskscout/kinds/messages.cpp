@@ -34,6 +34,8 @@ static constexpr code_word_t CODES[] = {
 	{code_t::PROTECTIVE_ENTRY, "protective_entry"},
 	{code_t::OUTSIDE_DISK, "outside_disk"},
 	{code_t::CUT_TEXT, "cut_text"},
+	{code_t::PROBLEM_FOUND, "problem_found"},
+	{code_t::WARNING_FOUND, "warning_found"},
 	{code_t::HELP, "help"},
 	{code_t::VERSION, "version"},
 };
@@ -43,6 +45,7 @@ struct packed_message_t {
 	severity_t severity;
 	const kind_t *kind;
 	code_t code;
+	detail_t detail;
 	std::size_t length;
 };
 
@@ -51,7 +54,7 @@ std::string packed(const messages_t &messages)
 	std::string bytes;
 	for (const message_t &message : messages) {
 		const packed_message_t head = {message.severity, message.kind, message.code,
-		                               message.text.size()};
+		                               message.detail, message.text.size()};
 		bytes.append(reinterpret_cast<const char *>(&head), sizeof head);
 		bytes += message.text;
 	}
@@ -65,8 +68,8 @@ messages_t unpacked_messages(std::string_view bytes)
 		packed_message_t head;
 		memcpy(&head, bytes.data(), sizeof head);
 		bytes.remove_prefix(sizeof head);
-		messages.push_back(
-			{head.severity, head.kind, head.code, std::string(bytes.substr(0, head.length))});
+		messages.push_back({head.severity, head.kind, head.code,
+		                    std::string(bytes.substr(0, head.length)), head.detail});
 		bytes.remove_prefix(std::min(head.length, bytes.size()));
 	}
 	return messages;

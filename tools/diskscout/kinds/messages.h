@@ -37,8 +37,23 @@ enum class code_t {
 	PROTECTIVE_ENTRY,
 	OUTSIDE_DISK,
 	CUT_TEXT,
+	PROBLEM_FOUND,
+	WARNING_FOUND,
 	HELP,
 	VERSION
+};
+
+// Which of those that share a code.
+enum class detail_t {
+	NONE,
+	// of LIST_CUT: what ends there
+	DISKS,
+	TABLE_ROWS, // of /proc/partitions and of /proc/scsi/scsi
+	DRIVES,
+	MOUNTS,
+	PARTITIONS,
+	// of NOT_IN_...: the table has it, and as something else than a disk
+	OF_OTHER_TYPE
 };
 
 struct message_t {
@@ -46,6 +61,7 @@ struct message_t {
 	const kind_t *kind; // that it is about; null: the whole run
 	code_t code;
 	std::string text; // one sentence, without a full stop at its end
+	detail_t detail = detail_t::NONE;
 };
 
 using messages_t = std::vector<message_t>;

@@ -57,6 +57,7 @@ static std::optional<std::uint32_t> take_table(const unsigned char (&sector)[512
 		if (type == 0 || number_at(entry + 12) == 0)
 			continue;
 		if (is_extended(type)) {
+			tables->lost_links += link ? 1U : 0U;
 			link = number_at(entry + 8);
 			if (walk->table != 0)
 				continue;
@@ -82,6 +83,7 @@ partition_tables_t read_partition_tables(const std::string &node)
 	partition_tables_t tables;
 	const node_t device(node);
 	if (device.error()) {
+		tables.is_opened = false;
 		tables.failure = fmt::format("{}: {}", node, strerror(device.error()));
 		return tables;
 	}
@@ -125,7 +127,7 @@ static std::string mount_table_failure()
 	return table.error() ? fmt::format("/etc/mtab: {}", strerror(table.error())) : "";
 }
 
-std::string partition_failure(const facts_t &facts, const kernel_tables_t &tables)
+static std::string known_failure(const facts_t &facts, const kernel_tables_t &tables)
 {
 	const std::string beyond = disk_beyond_list(facts, tables);
 	if (!beyond.empty())
@@ -133,13 +135,28 @@ std::string partition_failure(const facts_t &facts, const kernel_tables_t &table
 	std::string failure = mount_table_failure();
 	for (std::size_t i = first_without_rows(facts); failure.empty() && i < facts.disks.size(); i++)
 		failure = read_partition_tables(facts.disks[i].node).failure;
-	return failure.empty() ? "no cause was found" : "at " + failure;
+	return failure.empty() ? "" : "at " + failure;
 }
 
-std::string partition_failure(enquiry_t &from)
+static std::string or_none(const std::string &failure)
+{
+	return failure.empty() ? "no cause was found" : failure;
+}
+
+std::string partition_failure(const facts_t &facts, const kernel_tables_t &tables)
+{
+	return or_none(known_failure(facts, tables));
+}
+
+std::string known_partition_failure(enquiry_t &from)
 {
 	facts_t facts;
 	take_disks(&facts, from);
 	take_partitions(&facts, from);
-	return partition_failure(facts, read_kernel_tables());
+	return known_failure(facts, read_kernel_tables());
+}
+
+std::string partition_failure(enquiry_t &from)
+{
+	return or_none(known_partition_failure(from));
 }

@@ -22,6 +22,8 @@ struct table_entry_t {
 struct partition_tables_t {
 	std::vector<table_entry_t> entries = {};
 	bool is_cut = false;      // there are more than the query lists
+	unsigned lost_links = 0;  // extended entries that are not followed: a table's last one leads on
+	bool is_opened = true;
 	std::string failure = {}; // such as "/dev/sda: Permission denied"; empty: none
 };
 
@@ -30,5 +32,7 @@ partition_tables_t read_partition_tables(const std::string &node);
 // Words behind "the partition query failed": "at /dev/sda: Permission denied".
 std::string partition_failure(const facts_t &facts, const kernel_tables_t &tables);
 std::string partition_failure(enquiry_t &from);
+// The same; empty when no cause was found.
+std::string known_partition_failure(enquiry_t &from);
 
 #endif

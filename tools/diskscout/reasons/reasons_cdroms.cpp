@@ -37,9 +37,9 @@ maybe_reason_t ide_reason(const std::string &name, const std::string &media, con
 	if (!drive->unread.empty())
 		return unread_drive(*drive);
 	if (drive->media != media)
-		return note(fmt::format("\"{}\" in /proc/ide, not \"{}\"", drive->media, media));
+		return of_other_type(code_t::NOT_IN_IDE_TABLE, drive->media, "/proc/ide", media.c_str());
 	if (is_behind_the_last(*drive, table))
-		return cut(fmt::format("behind the {}th drive of /proc/ide", DRIVES_READ));
+		return cut(detail_t::DRIVES, fmt::format("behind the {}th drive of /proc/ide", DRIVES_READ));
 	return std::nullopt;
 }
 

@@ -21,9 +21,15 @@ static reason_t note(code_t code, const std::string &text)
 	return {severity_t::NOTE, code, text};
 }
 
-reason_t cut(const std::string &text)
+reason_t cut(detail_t what, const std::string &text)
 {
-	return {severity_t::ERROR, code_t::LIST_CUT, text};
+	return {severity_t::ERROR, code_t::LIST_CUT, text, false, what};
+}
+
+reason_t of_other_type(code_t code, const std::string &type, const std::string &path, const char *wanted)
+{
+	return {severity_t::NOTE, code, fmt::format("\"{}\" in {}, not \"{}\"", type, path, wanted), false,
+	        detail_t::OF_OTHER_TYPE};
 }
 
 reason_t unread_table(code_t code, const std::string &path, int error)
@@ -47,7 +53,8 @@ static maybe_reason_t block_table_reason(const known_device_t &disk, const block
 		return note(code_t::NOT_IN_BLOCK_TABLE, "not in " + PATH);
 	}
 	if (row - table.disks.begin() >= static_cast<std::ptrdiff_t>(TABLE_ROWS))
-		return cut(fmt::format("behind the {}nd disk of {}", TABLE_ROWS, PATH));
+		return cut(detail_t::TABLE_ROWS,
+		           fmt::format("behind the {}nd disk of {}", TABLE_ROWS, PATH));
 	return std::nullopt;
 }
 
@@ -75,10 +82,10 @@ static maybe_reason_t scsi_reason(const std::string &name, const scsi_table_t &t
 	if (row == table.rows.end())
 		return note(code_t::NOT_IN_SCSI_TABLE, "not in " + PATH);
 	if (row - table.rows.begin() >= static_cast<std::ptrdiff_t>(TABLE_ROWS))
-		return cut(fmt::format("behind the {}nd device of {}", TABLE_ROWS, PATH));
+		return cut(detail_t::TABLE_ROWS,
+		           fmt::format("behind the {}nd device of {}", TABLE_ROWS, PATH));
 	if (row->type != "Direct-Access")
-		return note(code_t::NOT_IN_SCSI_TABLE,
-		            fmt::format("\"{}\" in {}, not \"Direct-Access\"", row->type, PATH));
+		return of_other_type(code_t::NOT_IN_SCSI_TABLE, row->type, PATH, "Direct-Access");
 	return std::nullopt;
 }
 
@@ -152,8 +159,7 @@ static std::set<std::string> listed_nodes(const facts_t &facts)
 static reason_t list_reason(const facts_t &facts, const std::string &name)
 {
 	if (facts.disks.size() >= LISTED_DISKS)
-		return {severity_t::ERROR, code_t::LIST_CUT,
-		        fmt::format("the list ends at {} disks", +LISTED_DISKS)};
+		return cut(detail_t::DISKS, fmt::format("the list ends at {} disks", +LISTED_DISKS));
 	const bool is_ide = classic_name_of(name) == classic_name_t::IDE;
 	return note(is_ide ? code_t::NOT_IN_IDE_TABLE : code_t::NOT_IN_SCSI_TABLE, "no cause was found");
 }

@@ -1,6 +1,7 @@
 // What the lists of a run tell, as far as the reasons are made from it.
 #include "reasons_facts.h"
 
+#include "block_fields.h"
 #include "enquiry.h"
 #include "text.h"
 
@@ -63,9 +64,13 @@ void take_devices(facts_t *facts, enquiry_t &from)
 	const item_list_t &list = from.block_list(CMD_GET_BLOCK_DEVICES);
 	facts->knows_devices = !list.failed();
 	facts->devices_error = list.error();
-	for (const block_device *device : list.records<block_device>())
+	for (const block_device *device : list.records<block_device>()) {
+		const int *const under_root = member_within<&block_device::under_root>({device, &from});
 		facts->devices.push_back({device->name, text_or_empty(device->kind),
-		                          text_or_empty(device->disk), device->size, device->hidden == 1});
+		                          text_or_empty(device->disk), device->size, device->hidden == 1,
+		                          text_or_empty(device->node), device->logical_sector,
+		                          under_root && *under_root == 1});
+	}
 	facts->table_of = [&from](const std::string &name) { return table_of(from, name); };
 	facts->mount_points_of = [&from](const std::string &name) { return mount_points_of(from, name); };
 }
@@ -73,7 +78,8 @@ void take_devices(facts_t *facts, enquiry_t &from)
 void take_disks(facts_t *facts, enquiry_t &from)
 {
 	for (const STORAGE_DISK_LIST *disk : from.list(CMD_GET_DISKS).records<STORAGE_DISK_LIST>())
-		facts->disks.push_back({text_of(disk->szDeviceName), disk->nSize});
+		facts->disks.push_back(
+			{text_of(disk->szDeviceName), disk->nSize, disk->bUsedBySystem != 0});
 }
 
 void take_partitions(facts_t *facts, enquiry_t &from)

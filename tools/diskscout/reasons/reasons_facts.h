@@ -18,11 +18,15 @@ struct known_device_t {
 	std::string disk;       // of a partition
 	std::int64_t size = -1; // bytes; -1 when it is not known
 	bool hidden = false;
+	std::string node = {};
+	int logical_sector = 0; // bytes; 0 or less when it is not known
+	bool is_under_root = false;
 };
 
 struct known_disk_t {
 	std::string node;
 	std::uint64_t size = 0; // bytes; 0 when it is not known
+	bool is_of_system = false;
 };
 
 struct known_partition_t {

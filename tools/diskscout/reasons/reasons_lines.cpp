@@ -31,6 +31,7 @@ messages_t reason_lines_t::messages() const
 	for (const line_t &line : lines_)
 		result.push_back(
 			{line.reason.severity, kind_, line.reason.code,
-		         fmt::format("{}: {}", names_in_short(line.names), printable(line.reason.text))});
+		         fmt::format("{}: {}", names_in_short(line.names), printable(line.reason.text)),
+		         line.reason.detail});
 	return result;
 }

@@ -15,6 +15,7 @@ struct reason_t {
 	code_t code;
 	std::string text;     // behind "sda, sdb: "
 	bool of_node = false; // the lines name nodes: it is the node that cannot be used
+	detail_t detail = detail_t::NONE;
 };
 
 // "sda, sdb"; of long lists the first eight: "sda, ..., sdh and 992 more".

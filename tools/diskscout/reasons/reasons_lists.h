@@ -45,7 +45,9 @@ extern const reason_t SOFTWARE_REASON; // of arrays, mappings and loop devices, 
 std::optional<reason_t> ide_reason(const std::string &name, const std::string &media,
                                    const ide_table_t &table);
 // Of what a full list has no room for: the list is known to be cut.
-reason_t cut(const std::string &text);
+reason_t cut(detail_t what, const std::string &text);
+// Of what the kernel's table takes for something else.
+reason_t of_other_type(code_t code, const std::string &type, const std::string &path, const char *wanted);
 reason_t unread_table(code_t code, const std::string &path, int error);
 // An optical drive by today's word or the kernel's.
 bool is_optical(const known_device_t &device, const ide_table_t &table);

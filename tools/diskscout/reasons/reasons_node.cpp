@@ -45,6 +45,14 @@ std::optional<std::uint64_t> node_t::sectors() const
 	return count;
 }
 
+std::optional<int> node_t::sector_size() const
+{
+	int size = 0;
+	if (ioctl(fd_, BLKSSZGET, &size) != 0)
+		return std::nullopt;
+	return size;
+}
+
 bool node_t::read_sector(std::uint64_t sector, unsigned char (&into)[512]) const
 {
 	std::size_t done = 0;

@@ -27,6 +27,7 @@ public:
 	// These set errno when they answer nothing; it is 0 where a device ends before the sector's end.
 	std::optional<std::uint32_t> scsi_address() const; // as in the kernel's table, packed
 	std::optional<std::uint64_t> sectors() const;      // of 512 bytes
+	std::optional<int> sector_size() const;            // of the device's own, in bytes
 	bool read_sector(std::uint64_t sector, unsigned char (&into)[512]) const;
 
 private:

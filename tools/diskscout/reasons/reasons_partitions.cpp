@@ -113,14 +113,14 @@ static void take_rows(const facts_t &facts, reason_lines_t *lines)
 
 static void take_cut_lists(const facts_t &facts, reason_lines_t *lines)
 {
-	const reason_t cut = {severity_t::ERROR, code_t::LIST_CUT,
-	                      fmt::format("the list ends at {} partitions of a disk", +LISTED_PARTITIONS),
-	                      true};
+	reason_t beyond = cut(detail_t::PARTITIONS,
+	                      fmt::format("the list ends at {} partitions of a disk", +LISTED_PARTITIONS));
+	beyond.of_node = true;
 	for (const known_disk_t &disk : facts.disks) {
 		const auto is_of_disk = [&](const known_partition_t &p) { return p.disk == disk.node; };
 		const auto rows = std::count_if(facts.partitions.begin(), facts.partitions.end(), is_of_disk);
 		if (rows == LISTED_PARTITIONS && read_partition_tables(disk.node).is_cut)
-			lines->add(name_of_node(disk.node), cut);
+			lines->add(name_of_node(disk.node), beyond);
 	}
 }
 

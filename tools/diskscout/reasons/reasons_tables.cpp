@@ -198,8 +198,11 @@ static mount_table_t read_mount_table()
 		table.error = errno;
 		return table;
 	}
-	while (const mntent *const line = getmntent(file))
+	while (const mntent *const line = getmntent(file)) {
 		table.sources.emplace_back(line->mnt_fsname);
+		if (line->mnt_dir == std::string_view("/"))
+			table.root = line->mnt_fsname;
+	}
 	endmntent(file);
 	return table;
 }

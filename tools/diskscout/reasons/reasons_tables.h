@@ -56,6 +56,7 @@ struct ide_table_t {
 struct mount_table_t {
 	int error = 0;
 	std::vector<std::string> sources = {};
+	std::string root = {}; // the device that is mounted at / last; empty: none
 };
 
 struct kernel_tables_t {

@@ -1,0 +1,269 @@
+"""What doctor finds on captured hosts, and what it does with a machine that hangs."""
+
+import json
+import re
+import resource
+import signal
+import sys
+import time
+
+import pytest
+from conftest import complaint
+from raid_site import SOURCES
+
+sys.path.insert(0, str(SOURCES / "tests" / "block"))
+from unfold import hosts_in, unfold  # noqa: E402
+
+TESTS = SOURCES / "tests"
+DOCTOR = TESTS / "tools" / "doctor"
+PREPARED = hosts_in(DOCTOR)
+CAPTURED = [host for room in ("hosts", "block/hosts") for host in hosts_in(TESTS / room)]
+ROW = ["check", "question", "verdict", "text", "advice"]
+STATUS = {"problem": 1, "warning": 3}
+
+
+def expected_of(host):
+    """The options of the call, and the findings."""
+    lines = (host / "expected.txt").read_text(encoding="utf-8").splitlines()
+    options = [word for line in lines if line.startswith("asks ") for word in line.split()[1:]]
+    return options, [tuple(line.split(" ", 2)) for line in lines if not line.startswith("asks ")]
+
+
+def captured_findings():
+    found = {}
+    for line in (DOCTOR / "captured.txt").read_text(encoding="utf-8").splitlines():
+        if not line.startswith("#"):
+            host, finding = line.split(": ")
+            found.setdefault(host, []).append(tuple(finding.split()))
+    return found
+
+
+def findings(document):
+    rows = [row for row in document["checks"] if row["verdict"] in STATUS]
+    return [(row["verdict"], row["check"], row["text"]) for row in rows]
+
+
+def status_of(found):
+    return min((STATUS[verdict] for verdict, *_ in found), default=0)
+
+
+def examined(tool, host, *options):
+    result = tool.run("doctor", "--json", *options, "--sysroot", host)
+    document = json.loads(result.stdout)
+    assert result.returncode == document["exit_status"] == status_of(findings(document))
+    return document
+
+
+def with_mounts(host):
+    """A mount table out of the kernel's own, where none was captured."""
+    table = host / "proc" / "self" / "mountinfo"
+    if (host / "etc" / "mtab").exists() or (host / "etc" / "mtab").is_symlink():
+        return
+    lines = table.read_bytes().splitlines() if table.exists() else []
+    rows = [line.split(b" - ")[1].split() + line.split(b" ")[4:5] for line in lines if b" - " in line]
+    (host / "etc").mkdir(exist_ok=True)
+    (host / "etc" / "mtab").write_bytes(b"".join(b"%s %s %s rw 0 0\n" % (row[1], row[-1], row[0]) for row in rows if len(row) > 3))
+
+
+def by_root(host):
+    table = (host / "host.txt").read_text(encoding="latin-1")
+    (host / "host.txt").write_text(table.replace("\topen fails EACCES\n", ""), encoding="latin-1")
+
+
+def looked_at(host, into):
+    """A captured host as somebody would meet it."""
+    if "block" not in host.parts:
+        return host
+    whole = unfold(host, into)
+    with_mounts(whole)
+    by_root(whole)
+    return whole
+
+
+def name_of(host):
+    return str(host.relative_to(TESTS))
+
+
+@pytest.mark.parametrize("host", PREPARED, ids=lambda host: host.name)
+def test_prepared_host(tool, host, tmp_path):
+    options, expected = expected_of(host)
+    assert len(expected) == (0 if host.name.startswith("well-") else 1)
+    document = examined(tool, unfold(host, tmp_path / "host"), *options)
+    assert findings(document) == expected
+    # the leading line is the only message, with what to do
+    texts = [(message["severity"], message["code"], message["text"]) for message in document["messages"]]
+    advice = {row["text"]: row["advice"] for row in document["checks"]}
+    assert texts == [
+        ("error" if verdict == "problem" else "warning", f"{verdict}_found", f"{text}; {advice[text]}")
+        for verdict, _, text in expected
+    ]
+
+
+@pytest.mark.parametrize("host", CAPTURED, ids=name_of)
+def test_captured_host(tool, host, tmp_path):
+    expected = captured_findings().get(name_of(host), [])
+    found = findings(examined(tool, looked_at(host, tmp_path / "host")))
+    assert list(dict.fromkeys(row[:2] for row in found)) == expected
+
+
+def test_there_are_enough_of_both():
+    sick = [host for host in PREPARED if expected_of(host)[1]]
+    well = [host for host in PREPARED if not expected_of(host)[1]]
+    assert len(sick) >= 25
+    assert len({found[1] for host in sick for found in expected_of(host)[1]}) >= 20
+    assert len(well) + len(CAPTURED) - len(captured_findings()) >= 40
+    assert set(captured_findings()) <= {name_of(host) for host in CAPTURED}
+
+
+def test_each_check_of_this_machine_has_a_sick_host(tool, tmp_path):
+    """But for those that look at whoever asks, at a plug-in that hangs, and at failures without a cause."""
+    sick = {found[1] for host in PREPARED for found in expected_of(host)[1]}
+    checks = [row["check"] for row in examined(tool, unfold(DOCTOR / "well-nvme", tmp_path / "host"))["checks"]]
+    of_machine = checks[: checks.index("arrays") + 1]
+    assert set(of_machine) - sick == {"answers", "queries"}
+
+
+def test_rows_of_the_document(tool, tmp_path):
+    document = examined(tool, unfold(DOCTOR / "well-sata", tmp_path / "host"))
+    assert all(list(row) == ROW for row in document["checks"])
+    assert document["messages"] == []
+    rows = {row["check"]: row for row in document["checks"]}
+    assert rows["places"] == {
+        "check": "places",
+        "question": "Do the partitions lie within their disks?",
+        "verdict": "fine",
+        "text": None,
+        "advice": None,
+    }
+    # on a host of today that the classic lists are empty is explained, and fine
+    note = rows["scsi_table"]
+    assert (note["verdict"], note["text"]) == ("fine", "sda, sdb: this kernel has no /proc/scsi/scsi")
+    assert "CONFIG_SCSI_PROC_FS" in note["advice"]
+
+
+def test_what_runs_the_tool_is_not_asked(tool, tmp_path):
+    host = unfold(DOCTOR / "well-nvme", tmp_path / "host")
+    for row in examined(tool, host)["checks"]:
+        if row["verdict"] == "not asked":
+            assert (row["text"], row["advice"]) == ("the controller tool was not run", "diskscout doctor --raid runs it")
+
+
+# ---- for people ----
+
+
+def test_text_of_a_sick_host(tool, tmp_path):
+    host = unfold(DOCTOR / "no-scsi-table", tmp_path / "host")
+    result = tool.run("doctor", "--sysroot", host)
+    assert (result.returncode, result.stderr) == (1, "")
+    lines = result.stdout.splitlines()
+    assert lines[:2] == [
+        "problem: sda: this kernel has no /proc/scsi/scsi.",
+        "  take a kernel with CONFIG_SCSI_PROC_FS, or the lists of today: diskscout list devices.",
+    ]
+    assert re.fullmatch(r"\d+ checks, 1 problem(; .*)?\.", lines[-1])
+
+
+def test_text_of_a_host_that_is_well(tool, tmp_path):
+    result = tool.run("doctor", "--sysroot", unfold(DOCTOR / "well-ide-and-scsi", tmp_path / "host"))
+    assert (result.returncode, result.stderr) == (0, "")
+    assert re.fullmatch(r"\d+ checks, all fine(; .*)?\.", result.stdout.splitlines()[-1])
+
+
+def test_problems_stand_before_warnings_and_notes(tool, tmp_path):
+    host = unfold(TESTS / "tools" / "hosts" / "beside", tmp_path / "host")
+    lines = tool.run("doctor", "--sysroot", host).stdout.splitlines()
+    words = [line.split(":")[0] for line in lines[:-1] if not line.startswith("  ")]
+    assert words == sorted(words, key=["problem", "warning", "note"].index)
+    assert len(words) == (len(lines) - 1) / 2
+    assert re.fullmatch(r"\d+ checks, 1 problem, 4 warnings(; .*)?\.", lines[-1])
+
+
+# ---- who asks ----
+
+
+def prepared_process(*, stack=None, ignored=None):
+    def prepare():
+        if stack:
+            resource.setrlimit(resource.RLIMIT_STACK, (stack, resource.getrlimit(resource.RLIMIT_STACK)[1]))
+        if ignored:
+            signal.signal(ignored, signal.SIG_IGN)
+
+    return prepare
+
+
+@pytest.mark.parametrize(
+    "limits, expected",
+    [
+        ({"stack": 2 << 20}, []),
+        ({"stack": (2 << 20) - 4096}, [("problem", "stack")]),
+        ({"ignored": signal.SIGCHLD}, [("warning", "sigchld")]),
+        ({"ignored": signal.SIGUSR1}, []),
+    ],
+    ids=lambda value: "-".join(value) if isinstance(value, dict) else None,
+)
+def test_what_the_program_inherits_itself(tool, tmp_path, limits, expected):
+    host = unfold(DOCTOR / "well-nvme", tmp_path / "host")
+    result = tool.run("doctor", "--json", "--sysroot", host, preexec_fn=prepared_process(**limits))
+    assert [row[:2] for row in findings(json.loads(result.stdout))] == expected
+
+
+def test_a_process_that_is_not_there(tool, tmp_path):
+    document = examined(tool, unfold(DOCTOR / "well-nvme", tmp_path / "host"), "--pid", "77")
+    assert findings(document) == [
+        ("problem", "stack", "/proc/77/limits cannot be read: No such file or directory"),
+        ("problem", "sigchld", "/proc/77/status cannot be read: No such file or directory"),
+    ]
+
+
+def test_an_agent_of_this_machine(tool):
+    """This very process, whose limits are known."""
+    import os
+
+    result = tool.run("doctor", "--json", "--pid", str(os.getpid()))
+    rows = {row["check"]: row["verdict"] for row in json.loads(result.stdout)["checks"]}
+    assert rows["sigchld"] == "fine"
+    soft, _ = resource.getrlimit(resource.RLIMIT_STACK)
+    assert rows["stack"] == ("fine" if soft < 0 or soft >= 2 << 20 else "problem")
+
+
+# ---- options ----
+
+
+@pytest.mark.parametrize(
+    "words, text",
+    [
+        (["doctor", "--bytes"], "--bytes is for list"),
+        (["doctor", "--classic"], "--classic is for list"),
+        (["doctor", "-o", "name"], "--columns is for list"),
+        (["doctor", "--controller", "aac0"], "--controller is for list"),
+        (["doctor", "--format", "1"], "doctor is for format 2"),
+        (["list", "--raid"], "--raid is for doctor"),
+        (["list", "devices", "--pid", "1"], "--pid is for doctor"),
+        (["doctor", "--pid", "0"], "--pid: 0 is no number of a process (see diskscout --help)"),
+        (["doctor", "--pid", "1x"], "--pid: 1x is no number of a process (see diskscout --help)"),
+        (["doctor", "--timeout", "soon"], "--timeout: soon is none of 0 to 86400 whole seconds"),
+    ],
+    ids=" ".join,
+)
+def test_options_of_others_are_refused(tool, words, text):
+    assert complaint(tool.run(*words), 2) == text
+
+
+def test_format_2_may_be_named(tool, tmp_path):
+    host = unfold(DOCTOR / "well-nvme", tmp_path / "host")
+    result = tool.run("doctor", "--json", "--format", "2", "--sysroot", host)
+    assert result.returncode == 0
+
+
+# ---- what hangs and crashes ----
+
+
+@pytest.mark.parametrize("case, cause", [("hang", "timed out after "), ("crash", "was ended by signal ")])
+def test_a_plugin_that_does_not_come_to_answer(tool, case, cause):
+    start = time.monotonic()
+    result = tool.made("doctor", "--json", "--timeout", "3", classic=case)
+    assert time.monotonic() - start < 3 + 3
+    assert result.returncode == 1
+    texts = [row["text"] for row in json.loads(result.stdout)["checks"] if row["check"] == "answers"]
+    assert texts
+    assert all(re.match(r"the (disk|partition|CD-ROM) query failed: ", text) and cause in text for text in texts)

@@ -1,0 +1,128 @@
+// What was found, for people and for programs.
+#include "doctor.h"
+
+#include "asking.h"
+#include "document.h"
+#include "output.h"
+#include "program.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+std::string_view word_of(verdict_t verdict)
+{
+	static constexpr std::string_view WORDS[] = {"fine", "warning", "problem", "not asked"};
+	return WORDS[static_cast<std::size_t>(verdict)];
+}
+
+static bool is_note(const told_finding_t &found)
+{
+	return found.finding.verdict == verdict_t::FINE && !found.finding.text.empty();
+}
+
+static bool is_of(verdict_t verdict, const told_finding_t &found)
+{
+	return found.finding.verdict == verdict && !(verdict == verdict_t::FINE && is_note(found));
+}
+
+static std::size_t count_of(verdict_t verdict, const told_findings_t &found)
+{
+	return static_cast<std::size_t>(
+		std::count_if(found.begin(), found.end(), [&](const auto &f) { return is_of(verdict, f); }));
+}
+
+static int status_of(const told_findings_t &found)
+{
+	if (count_of(verdict_t::PROBLEM, found))
+		return STATUS_FAILED;
+	return count_of(verdict_t::WARNING, found) ? STATUS_WARNED : STATUS_FINE;
+}
+
+// ---- for people ----
+
+static std::string lines_of(const told_finding_t &found, std::string_view word)
+{
+	return fmt::format("{}: {}.\n  {}.\n", word, found.finding.text, found.advice);
+}
+
+// Checks, not findings: one may have several.
+static std::size_t checks_in(const told_findings_t &found)
+{
+	std::size_t count = 0;
+	const check_t *last = nullptr;
+	for (const told_finding_t &f : found) {
+		count += f.check != last ? 1 : 0;
+		last = f.check;
+	}
+	return count;
+}
+
+static std::string counted(std::size_t count, const char *what)
+{
+	return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+static std::string summary_of(const told_findings_t &found)
+{
+	const std::size_t unasked = count_of(verdict_t::NOT_ASKED, found);
+	const std::size_t problems = count_of(verdict_t::PROBLEM, found);
+	const std::size_t warnings = count_of(verdict_t::WARNING, found);
+	std::string verdict = "all fine";
+	if (problems && warnings)
+		verdict = counted(problems, "problem") + ", " + counted(warnings, "warning");
+	else if (problems)
+		verdict = counted(problems, "problem");
+	else if (warnings)
+		verdict = counted(warnings, "warning");
+	std::string text = counted(checks_in(found) - unasked, "check") + ", " + verdict;
+	if (unasked)
+		text += fmt::format("; {} run the controller tool, and only with --raid", unasked);
+	return text + ".\n";
+}
+
+listing_t doctor_as_text(const told_findings_t &found)
+{
+	std::string text;
+	for (const verdict_t verdict : {verdict_t::PROBLEM, verdict_t::WARNING}) {
+		for (const told_finding_t &f : found) {
+			if (f.finding.verdict == verdict)
+				text += lines_of(f, word_of(verdict));
+		}
+	}
+	for (const told_finding_t &f : found) {
+		if (is_note(f))
+			text += lines_of(f, "note");
+	}
+	return {text + summary_of(found), status_of(found)};
+}
+
+// ---- for programs ----
+
+static messages_t messages_of(const told_findings_t &found)
+{
+	const auto first = [&](verdict_t verdict, severity_t severity, code_t code) -> messages_t {
+		const auto f = std::find_if(found.begin(), found.end(),
+		                            [&](const auto &one) { return one.finding.verdict == verdict; });
+		if (f == found.end())
+			return {};
+		return {{severity, nullptr, code, fmt::format("{}; {}", f->finding.text, f->advice)}};
+	};
+	const messages_t problem = first(verdict_t::PROBLEM, severity_t::ERROR, code_t::PROBLEM_FOUND);
+	return problem.empty() ? first(verdict_t::WARNING, severity_t::WARNING, code_t::WARNING_FOUND)
+	                       : problem;
+}
+
+listing_t doctor_as_document(const told_findings_t &found, enquiry_t &from, const host_names_t &host)
+{
+	document_t document(host);
+	document.checks(found);
+	messages_t messages = messages_of(found);
+	for (const message_t &message : messages) {
+		if (message.severity == severity_t::ERROR)
+			complain(message.text);
+	}
+	for (message_t &told : left_behind(from))
+		messages.push_back(std::move(told));
+	const int status = status_of(found);
+	return {document.end(messages, status), status};
+}

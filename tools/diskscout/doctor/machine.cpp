@@ -1,0 +1,63 @@
+// This machine as the checks see it.
+#include "machine.h"
+
+#include "kinds.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+static void take(messages_t *to, const messages_t &more)
+{
+	to->insert(to->end(), more.begin(), more.end());
+}
+
+machine_t machine_of(enquiry_t &from)
+{
+	machine_t machine = {{}, read_kernel_tables(), {}, {}, true};
+	facts_t &facts = machine.facts;
+	take_devices(&facts, from);
+	take_disks(&facts, from);
+	take_partitions(&facts, from);
+	take_cdroms(&facts, from);
+	machine.unlisted = unlisted_disks(facts, machine.tables);
+	take(&machine.reasons, disk_reasons(facts, machine.unlisted, machine.tables, DISKS_KIND));
+	take(&machine.reasons,
+	     partition_reasons(facts, machine.unlisted, machine.tables, PARTITIONS_KIND, true));
+	take(&machine.reasons, cdrom_reasons(facts, machine.tables, CDROMS_KIND));
+	machine.is_judged = !facts.disks.empty() || !facts.cdroms.empty() || !facts.knows_devices;
+	return machine;
+}
+
+verdict_t judged(const machine_t &machine, verdict_t verdict)
+{
+	return machine.is_judged ? verdict : verdict_t::FINE;
+}
+
+bool has_text(const findings_t &findings, const std::string &text)
+{
+	return std::any_of(findings.begin(), findings.end(),
+	                   [&](const finding_t &finding) { return finding.text == text; });
+}
+
+// Two lists may leave out the same for the same reason.
+findings_t told(const machine_t &machine, code_t code, verdict_t verdict, detail_t detail)
+{
+	findings_t findings;
+	for (const message_t &reason : machine.reasons) {
+		if (reason.code == code && reason.detail == detail && !has_text(findings, reason.text))
+			findings.push_back({verdict, reason.text});
+	}
+	return findings;
+}
+
+void append(findings_t *to, const findings_t &more)
+{
+	to->insert(to->end(), more.begin(), more.end());
+}
+
+findings_t about(const std::vector<std::string> &names, const std::string &text, verdict_t verdict)
+{
+	if (names.empty())
+		return {};
+	return {{verdict, fmt::format("{}: {}", names_in_short(names), text)}};
+}
