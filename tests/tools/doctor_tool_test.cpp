@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace
@@ -132,6 +133,23 @@ TEST(DoctorTool, does_nothing_but_list_open_and_leave)
 	}
 	EXPECT_THAT(commands,
 	            ElementsAre("controller list", "exit", "open aac0", "exit", "open aac1", "exit"));
+}
+
+// Of those who may have no more files open nothing is known.
+TEST(DoctorTool, is_not_started_without_descriptors)
+{
+	SiteOf site("fine");
+	enquiry_t asked(&site.plugin, nullptr, "", std::chrono::seconds(1));
+	patient_t patient = {asked, {}, {}, true, nullptr};
+	rlimit before;
+	ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+	const rlimit none = {3, before.rlim_max};
+	ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+	const tool_look_t look = look_at_tool(patient);
+	ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+	patient.tool = &look;
+	EXPECT_EQ(lines_of(TOOL_CHECKS, patient), "problem tool_started: the controller tool was not run: no "
+	                                          "process can be started for it: Too many open files\n");
 }
 
 TEST(DoctorSite, may_not_be_readable)

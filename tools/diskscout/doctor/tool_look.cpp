@@ -31,6 +31,7 @@ static std::string first_problem(const patient_t &at)
 namespace
 {
 struct commands_t {
+	std::string failure; // why they are not known
 	std::string obstacle, tool, filter;
 };
 } // namespace
@@ -47,10 +48,11 @@ static commands_t commands_of(const patient_t &at)
 			to.result(obstacle + '\0' + config.tool() + '\0' + config.filter);
 		});
 	if (!worked.is_done)
-		return {worked.failure, "", ""};
+		return {worked.failure, "", "", ""};
 	const std::string text(worked.text());
 	const std::size_t first = text.find('\0'), second = text.find('\0', first + 1);
-	return {text.substr(0, first), text.substr(first + 1, second - first - 1), text.substr(second + 1)};
+	return {"", text.substr(0, first), text.substr(first + 1, second - first - 1),
+	        text.substr(second + 1)};
 }
 
 // ---- runs ----
@@ -154,6 +156,11 @@ tool_look_t look_at_tool(const patient_t &at)
 	tool_look_t look;
 	limited_t limited(at.from);
 	const commands_t commands = commands_of(at);
+	if (!commands.failure.empty()) {
+		look.tool_run.end = tool_run_t::end_t::NOT_STARTED;
+		look.tool_run.why = commands.failure;
+		return look;
+	}
 	look.obstacle = commands.obstacle;
 	look.tool = commands.tool;
 	look.filter = commands.filter;

@@ -10,7 +10,7 @@ using end_t = tool_run_t::end_t;
 
 static std::string tool_of(const tool_look_t &look)
 {
-	return "the controller tool " + look.tool;
+	return "the controller tool" + (look.tool.empty() ? "" : " " + look.tool);
 }
 
 static std::string filter_of(const tool_look_t &look)
