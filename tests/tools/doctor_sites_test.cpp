@@ -22,17 +22,20 @@ TEST_P(Site, has_its_cause)
 	ASSERT_TRUE(site.prepare());
 	const plugin_t plugin(DISKSCOUT_TEST_PLUGIN);
 	plugin.set_configuration(site.root_ / "raid.cfg");
+	const std::string expected = text_in(SITES / GetParam() / "expected");
+	// Time enough on a busy machine for those that need not wait for its end.
+	const auto limit = std::chrono::seconds(expected.find("timed out") == std::string::npos ? 20 : 1);
 	const auto begin = std::chrono::steady_clock::now();
 	{
-		enquiry_t asked(&plugin, nullptr, "", std::chrono::seconds(1));
+		enquiry_t asked(&plugin, nullptr, "", limit);
 		patient_t patient = {asked, {}, {}, true, nullptr};
 		const tool_look_t look = look_at_tool(patient);
 		patient.tool = &look;
 		EXPECT_EQ(lines_of(SITE_CHECKS, patient) + lines_of(TOOL_CHECKS, patient),
-		          site.here(text_in(SITES / GetParam() / "expected")));
+		          site.here(expected));
 		EXPECT_TRUE(asked.left_behind().empty());
 	}
-	EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(8));
+	EXPECT_LT(std::chrono::steady_clock::now() - begin, limit + std::chrono::seconds(7));
 	EXPECT_TRUE(fs::is_empty(site.root_ / "tmp"));
 	EXPECT_TRUE(descendants().empty());
 }

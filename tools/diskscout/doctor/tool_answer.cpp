@@ -27,14 +27,15 @@ static std::size_t length_of_sequence(std::string_view text)
 
 std::string without_paint(std::string_view output)
 {
-	constexpr char ESCAPE = '\033';
+	static const char PAINT[] = "\033\r";
 	std::string text;
 	text.reserve(output.size());
 	while (!output.empty()) {
-		const std::size_t count = output.front() == ESCAPE ? length_of_sequence(output) : 1;
-		if (output.front() != ESCAPE && output.front() != '\r')
-			text += output.front();
-		output.remove_prefix(count);
+		const std::size_t plain = std::min(output.find_first_of(PAINT), output.size());
+		text += output.substr(0, plain);
+		output.remove_prefix(plain);
+		if (!output.empty())
+			output.remove_prefix(output.front() == '\r' ? 1 : length_of_sequence(output));
 	}
 	return text;
 }
@@ -56,11 +57,15 @@ static std::string_view next_line(std::string_view &text)
 
 bool has_echo(const std::string &output, std::string_view command)
 {
-	const std::string wanted = "executing: " + in_small_letters(command);
+	static const std::string_view BEFORE = "Executing: ";
+	const std::string wanted = in_small_letters(command);
 	for (std::string_view rest = output; !rest.empty();) {
-		const std::string line = in_small_letters(next_line(rest).substr(0, wanted.size() + 1));
+		std::string_view line = next_line(rest);
+		if (!begins_with(line, BEFORE))
+			continue;
+		line.remove_prefix(BEFORE.size());
 		const bool is_whole = line.size() <= wanted.size() || line[wanted.size()] == ' ';
-		if (begins_with(line, wanted) && is_whole)
+		if (is_whole && in_small_letters(line.substr(0, wanted.size())) == wanted)
 			return true;
 	}
 	return false;
