@@ -184,8 +184,8 @@ def statuses(directory, pieces):
     """The filter's status for each: one shell for all of them."""
     for number, piece in enumerate(pieces):
         (directory / f"{number}.raw").write_bytes(piece)
-    loop = f'i=0; while [ $i -lt {len(pieces)} ]; do "{FILTER}" $i.raw $i.filtered 2>/dev/null; echo $?; i=$((i + 1)); done'
-    result = subprocess.run(["sh", "-c", loop], capture_output=True, check=True, cwd=directory)
+    loop = 'i=0; while [ -e $i.raw ]; do "$0" $i.raw $i.filtered 2>/dev/null; echo $?; i=$((i + 1)); done'
+    result = subprocess.run(["sh", "-c", loop, FILTER], capture_output=True, check=True, cwd=directory)
     return [int(status) for status in result.stdout.split()]
 
 
@@ -253,14 +253,15 @@ def test_rows_behind_a_prompt_keep_their_columns(tool, filtered):
         assert row.removeprefix(PAGER).split()[3:6] == ["-", "FAST_DISK", "1.02"]
 
 
-DISKS = """\
-Executing: disk list /full=TRUE
-C:ID:L  Device Type     Removable media  Vendor-ID Product-ID        Rev   Blocks    Bytes/Block Usage            Shared Rate
-------  --------------  ---------------  --------- ----------------  ----- --------- ----------- ---------------- ------ ----
-"""  # noqa: E501
-
-
-WIDTHS = [9, 16, 17, 10, 18, 6, 10, 12, 17, 7, 4]
+HEADINGS = ["C:ID:L", "Device Type", "Removable media", "Vendor-ID", "Product-ID", "Rev", "Blocks", "Bytes/Block"]
+HEADINGS += ["Usage", "Shared", "Rate"]
+DASHES = [6, 14, 15, 9, 16, 5, 9, 11, 16, 6, 4]
+# From one column to the next; the values stand one column right of their headings.
+WIDTHS = [8, 16, 17, 10, 18, 6, 10, 12, 17, 7, 4]
+DISKS = "".join(
+    "".join(cell.ljust(width) for cell, width in zip(line, WIDTHS)).rstrip() + "\n"
+    for line in (["Executing: disk list /full=TRUE"], HEADINGS, ["-" * count for count in DASHES])
+)
 
 
 @pytest.mark.parametrize(
@@ -285,7 +286,8 @@ WIDTHS = [9, 16, 17, 10, 18, 6, 10, 12, 17, 7, 4]
     ],
 )
 def test_rows_with_gaps(filtered, values, words):
-    row = "".join(value.ljust(width) for value, width in zip(values, WIDTHS))
+    first, *others = (value.ljust(width) for value, width in zip(values, WIDTHS))
+    row = " ".join([first, "".join(others)])
     text = filtered(f"{DISKS}{row}\n\nAAC0>\n").splitlines()
     assert text[3].split() == words.split()
     assert text[4:] == ["", "AAC0>"]
@@ -389,7 +391,10 @@ FUNCTIONS = {
     "Unknown": ["UNKNOWN", "unknown", "Unk", "Unkn"],
     "Verify": ["VERIFY", "verify", "Vfy", "Vrfy", "Verifying", "Verify/Fix", "Verify w/ fix"],
     "Zero": ["ZERO", "zero", "Zeroing"],
-    "Bld/Vfy": ["BLD/VFY", "Build/Verify", "Build / Verify", "Build/Vfy", "Bld/Verify", "Bld Vfy", "Bld/Ver", "Build", "Bld"],
+    "Bld/Vfy": [
+        *["BLD/VFY", "Build/Verify", "Build / Verify", "Build/Vfy", "Bld/Verify"],
+        *["Bld Vfy", "Bld/Ver", "Build", "Bld"],
+    ],
 }
 STATES = {
     "RUN": ["Run", "run", "Running"],

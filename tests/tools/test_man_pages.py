@@ -56,6 +56,14 @@ def test_sections_and_literal_text_come_through(directory, name, page):
     assert re.search(r"(?<!\\)--", re.sub(r"^\.\\\".*$", "", manual, flags=re.MULTILINE)) is None
 
 
+def test_what_the_readers_do_not_see_comes_through(directory):
+    source = (SOURCES / "docs" / "stcli.md").read_text(encoding="utf-8")
+    text = text_of(directory / "stcli.8")
+    assert text.count("Not seen:") == source.count("Not seen:") > 10
+    assert "Level 10 is told as 1." in text
+    assert "knows version 0.90 only" in text
+
+
 @pytest.mark.parametrize("name, page", PAGES.items())
 def test_samples_come_through(directory, name, page):
     source = (SOURCES / "docs" / f"{page}.md").read_text(encoding="utf-8")
