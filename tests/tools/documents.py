@@ -13,8 +13,10 @@ import jsonschema
 BLOCK_KINDS = ["devices", "links", "filesystems", "arrays", "mounts"]
 HOST_KINDS = ["disks", "partitions", "cdroms"]
 CONTROLLER_KINDS = ["containers", "raid_disks", "raid_space", "raid_partitions"]
+# Told by the plug-in's RAID operations alone.
+OPERATION_KINDS = ["tasks", "defects"]
 CLASSIC_KINDS = [*HOST_KINDS, "controllers", *CONTROLLER_KINDS]
-KINDS = [*BLOCK_KINDS, *CLASSIC_KINDS]
+KINDS = [*BLOCK_KINDS, *CLASSIC_KINDS, *OPERATION_KINDS]
 HEAD = ["format", "generator", "host", "time"]
 TAIL = ["messages", "exit_status"]
 OUTPUT_FAILED = "diskscout: the output cannot be written: "
@@ -77,7 +79,7 @@ def check_envelope(document):
     kinds = [key for key in keys if key in KINDS]
     controller = ["controller"] if "controller" in keys else []
     assert keys == [*HEAD, *controller, *sorted(kinds, key=KINDS.index), *TAIL]
-    assert not set(CONTROLLER_KINDS) & set(kinds) or controller
+    assert not {*CONTROLLER_KINDS, *OPERATION_KINDS} & set(kinds) or controller
     assert document["format"] == 2
     assert list(document["generator"]) == ["name", "version"]
     assert list(document["host"]) == ["name", "kernel"]

@@ -64,7 +64,7 @@ def test_commands(tool):
 
 
 def test_kinds(kinds):
-    assert len(kinds) == 13
+    assert len(kinds) == 15
     assert completed("list", "") == kinds
     assert completed("list", "devices", "--json", "raid_s") == ["raid_space"]
     assert completed("--format", "1", "list", "cd") == ["cdroms"]

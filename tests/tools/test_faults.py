@@ -45,9 +45,11 @@ def test_controller_tool_that_fails(site, fault):
 def test_same_things_as_in_the_first_format(site):
     old = json.loads(site.list("--json", *(kind.replace("_", "-") for kind in RAID_KINDS)).stdout)
     new = document_of(site, "")
-    for kind in RAID_KINDS:
-        assert len(new[kind]) == len(old[kind.replace("_", "-")])
-    assert new["raid_partitions"] == old["raid-partitions"]
+    assert new["controllers"] == old["controllers"]
+    first = {kind: [record for record in new[kind] if record["controller"] == "aac0"] for kind in RAID_KINDS[1:]}
+    for kind in RAID_KINDS[1:]:
+        assert len(first[kind]) == len(old[kind.replace("_", "-")])
+    assert first["raid_partitions"] == [{"controller": "aac0", **piece} for piece in old["raid-partitions"]]
 
 
 def numbers():

@@ -7,8 +7,9 @@ import pathlib
 import jsonschema
 import pytest
 from conftest import complaint
-from documents import KINDS, schema_of, validator_of
+from documents import KINDS, OPERATION_KINDS, schema_of, validator_of
 from promises import broken, is_of_objects, nodes
+from raid_site import RaidSite
 from records import INNER, RECORDS, members_of
 
 STORED = pathlib.Path(__file__).resolve().parent / "schema.json"
@@ -176,9 +177,13 @@ def at(document, path):
 
 
 @pytest.fixture
-def whole(tool):
-    """A document with every kind in it."""
-    return tool.made_document(*KINDS)
+def whole(tool, tmp_path):
+    """A document with every kind in it; what only operations tell comes from the simulated controller tool."""
+    queries = [kind for kind in KINDS if kind not in OPERATION_KINDS]
+    made = tool.made_document(*queries, "--controller", "aac0")
+    site = RaidSite(tool, tmp_path / "site")
+    told = json.loads(site.run("list", "--json", *OPERATION_KINDS, "--config", "raid.cfg").stdout)
+    return {**made, **{kind: told[kind] for kind in OPERATION_KINDS}}
 
 
 def test_no_object_may_have_another_key(tool, whole):

@@ -23,16 +23,18 @@ declare -gA _diskscout_columns=(
 	[cdroms]="cdrom_id device_name description interface position media vendor model serial_number
 		firmware_version mount_point label total_space"
 	[controllers]="controller_id adapter_name adapter_type availability availability_word clustering clustering_word"
-	[containers]="raid_id disk_number members type type_word total_size total_size_low32 stripe_size usage usage_word
-		hot_spare label"
-	[raid_disks]="address vendor model device_type device_type_word blocks blocks_least bytes_per_block size usage
+	[containers]="controller raid_id disk_number members type type_word total_size total_size_low32 stripe_size usage
+		usage_word hot_spare label state rebuilt_permille device"
+	[raid_disks]="controller address vendor model device_type device_type_word blocks blocks_least bytes_per_block size usage
 		usage_word shared shared_word rate"
-	[raid_space]="address offset offset_low32 free_space free_space_low32"
-	[raid_partitions]="address offset size raid_id type type_word multilevel_raid_id multilevel_type multilevel_type_word
-		part_of read_write_attribute read_write_attribute_word"
+	[raid_space]="controller address offset offset_low32 free_space free_space_low32"
+	[raid_partitions]="controller address offset size raid_id type type_word multilevel_raid_id multilevel_type
+		multilevel_type_word part_of read_write_attribute read_write_attribute_word"
+	[tasks]="controller task_id function function_word done_permille container state state_word"
+	[defects]="controller address primary grown result result_word"
 )
 _diskscout_kinds="devices links filesystems arrays mounts disks partitions cdroms
-	controllers containers raid_disks raid_space raid_partitions"
+	controllers containers raid_disks raid_space raid_partitions tasks defects"
 _diskscout_options="-h --help --version --json --classic --bytes --no-headings --pairs --inverse --plugin --sysroot
 	--config --block-plugin --controller --format -o --columns --sort --timeout"
 

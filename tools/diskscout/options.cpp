@@ -83,7 +83,7 @@ struct value_row_t {
 
 static const value_row_t VALUES[] = {
 	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin, OF_BOTH},
-	{"--controller", "NAME", "show this RAID controller, not the first one", &options_t::controller},
+	{"--controller", "NAME", "show this RAID controller alone", &options_t::controller},
 	{"--format", "1|2", "format of the document; 1: everything as before there were formats",
          &options_t::format, OF_BOTH},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},

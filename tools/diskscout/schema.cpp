@@ -203,7 +203,7 @@ void schema_t::properties()
 		pair("description", "when it was looked at, UTC");
 	});
 	property("controller", [&] {
-		described_text("that the lists of one RAID controller are about; null: there is none", true);
+		described_text("RAID controller that was named, or the first one that is listed; null: there is none", true);
 	});
 	for (const kind_t *kind : all_kinds()) {
 		property(kind->word, [&] {
