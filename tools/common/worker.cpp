@@ -283,6 +283,8 @@ static void judge(worked_t &worked, const task_t &task, bool is_in_time, int sta
 	} else if (!frames.failure.empty()) {
 		worked.failure = frames.failure;
 	} else if (!frames.has_result) {
+		if (WIFEXITED(status))
+			worked.exit_status = WEXITSTATUS(status);
 		worked.failure = fmt::format("the process for it {}{}", end_of(status), where);
 	}
 	worked.is_done = worked.failure.empty();

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,8 @@ struct worked_t {
 	bool is_timed_out = false;
 	std::string failure = {}; // not done: "timed out after 5 s at container list"
 	pids_t left_behind = {};  // those that the kernel does not let go of
+	// Not done: the exit status, where the work ended its process by itself.
+	std::optional<int> exit_status = {};
 	std::vector<char> received = {};
 	std::size_t from = 0, count = 0; // of the result in what was received; aligned for any record
 

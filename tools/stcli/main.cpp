@@ -86,6 +86,9 @@ static int run_command(const command_line_t &line)
 			const bool is_fine = tree.run(line.words);
 			to.result(&is_fine, sizeof is_fine);
 		});
+	// A command may end its process, and has said what it had to say.
+	if (worked.exit_status)
+		return *worked.exit_status;
 	if (!worked.is_done)
 		complain(worked.failure);
 	for (const pid_t pid : worked.left_behind)
