@@ -257,6 +257,34 @@ static int sized_disks(void **head, int *length)
 	return 0;
 }
 
+/* As a driver that does not come back. */
+int no_answer(void **head, int *length)
+{
+	(void)head, (void)length;
+	for (;;)
+		pause();
+}
+
+static int crash(void **head, int *length)
+{
+	(void)head, (void)length;
+	signal(SIGSEGV, SIG_DFL);
+	raise(SIGSEGV);
+	return -1;
+}
+
+/* With somebody who goes on, in a session of his own and with all that we have. */
+static int disks_with_companion(void **head, int *length)
+{
+	if (fork() == 0) {
+		setsid();
+		signal(SIGTERM, SIG_IGN);
+		for (;;)
+			pause();
+	}
+	return plain_disks(head, length);
+}
+
 static const struct {
 	const char *name;
 	answer *disks, *partitions, *cdroms;
@@ -274,6 +302,9 @@ static const struct {
 	{"sizes", sized_disks, no_items, no_items, &empty_raid},
 	{"hang", no_end, no_end, no_end, &empty_raid},
 	{"crash", bad_end, bad_end, bad_end, &empty_raid},
+	{"hanging", plain_disks, no_answer, plain_cdroms, &hanging_raid},
+	{"crashing", plain_disks, crash, plain_cdroms, &plain_raid},
+	{"companion", disks_with_companion, plain_partitions, plain_cdroms, &plain_raid},
 };
 
 void look_at_descriptors(void)

@@ -20,7 +20,7 @@ void *make_record(size_t size);
 void put_text(char *field, size_t size, const char *text);
 #define PUT(field, text) put_text(field, sizeof(field), text)
 
-answer no_items, failure;
+answer no_items, failure, no_answer;
 
 /* Answers of the hardware RAID side; those behind the controllers go out for aac0 alone. */
 struct raid_case {
@@ -28,7 +28,8 @@ struct raid_case {
 	/* Free areas of the disk at this address. */
 	int (*space)(int disk, void **head, int *length);
 };
-extern const struct raid_case plain_raid, empty_raid, bare_raid, failing_raid, hostile_raid, partial_raid;
+extern const struct raid_case plain_raid, empty_raid, bare_raid, failing_raid, hostile_raid, partial_raid,
+	hanging_raid;
 
 int answer_raid(const struct raid_case *from, const IPMICOMMAND *cmd, void **head, int *length);
 /* The record behind this one, of the query that handed it out. */

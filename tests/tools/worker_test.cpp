@@ -466,22 +466,55 @@ TEST_F(Worker, TenMegabytesOnStandardErrorPassThrough)
 	EXPECT_EQ(said.size(), 10U << 20);
 }
 
-// As one that is asked through a pipe whose reader sleeps.
-TEST_F(Worker, StandardErrorThatNobodyReadsIsNoReasonToWaitBeyondTheLimit)
+class WorkerReader : public Worker
 {
-	const int before = dup(STDERR_FILENO);
-	int ends[2];
-	ASSERT_EQ(pipe(ends), 0);
-	dup2(ends[1], STDERR_FILENO);
+protected:
+	WorkerReader()
+	{
+		EXPECT_EQ(pipe2(ends_, O_CLOEXEC), 0);
+		dup2(ends_[1], STDERR_FILENO);
+		close(ends_[1]);
+	}
+	~WorkerReader() override
+	{
+		dup2(before_, STDERR_FILENO);
+		close(before_);
+		close(ends_[0]);
+	}
+	const int before_ = dup(STDERR_FILENO);
+	int ends_[2];
+};
+
+TEST_F(WorkerReader, WhoSleepsIsNoReasonToWaitBeyondTheLimit)
+{
 	worked_t worked;
-	const auto time = time_of(
-		[&] { worked = run_in_worker(within(50ms), [](const worker_link_t &) { say_much(); }); });
-	dup2(before, STDERR_FILENO);
+	const auto time = time_of([&] {
+		worked = run_in_worker(within(50ms), [](const worker_link_t &) {
+			say_much();
+			sleep_for_good();
+		});
+	});
 	EXPECT_LT(time, 900ms);
 	EXPECT_TRUE(worked.is_timed_out);
-	close(before);
-	close(ends[0]);
-	close(ends[1]);
+}
+
+TEST_F(WorkerReader, WhoTakesHisTimeTakesNoneOfTheWorks)
+{
+	std::size_t count = 0;
+	std::thread reader([&] {
+		usleep(1500000);
+		char piece[4096];
+		while (count < 10U << 20)
+			count += static_cast<std::size_t>(
+				std::max<ssize_t>(read(ends_[0], piece, sizeof piece), 0));
+	});
+	const worked_t worked = run_in_worker(within(1s), [](const worker_link_t &to) {
+		say_much();
+		to.result("said");
+	});
+	reader.join();
+	EXPECT_EQ(worked.text(), "said");
+	EXPECT_EQ(count, 10U << 20);
 }
 
 TEST_F(Worker, StandardErrorWithoutAReaderOrClosedIsNothingToUs)

@@ -159,64 +159,67 @@ private:
 	struct sigaction child_before_, pipe_before_;
 };
 
-// What the worker says on standard error, on its way to ours; whoever does not read there keeps it from
-// going on, and nobody else.
+// What the worker says on standard error, on its way to ours. It does not wait for whoever reads there: his
+// time is not the work's.
 class relay_t
 {
 public:
 	explicit relay_t(pipe_t &from) : from_(from) {}
 
-	pollfd awaited() const
+	// What is awaited of both sides; nothing where that cannot help.
+	pollfd source() const { return {held() < MOST ? from_.ends[0] : -1, POLLIN, 0}; }
+	pollfd sink() const { return {held() > 0 ? STDERR_FILENO : -1, POLLOUT, 0}; }
+
+	// False: there is no more, now.
+	bool take()
 	{
-		return count_ > 0 ? pollfd{STDERR_FILENO, POLLOUT, 0} : pollfd{from_.ends[0], POLLIN, 0};
+		char piece[1 << 14];
+		const ssize_t count = kernel_read(from_.ends[0], piece, sizeof piece);
+		if (count > 0)
+			text_.append(piece, static_cast<std::size_t>(count));
+		else if (count == 0 || (errno != EINTR && errno != EAGAIN))
+			from_.shut(0);
+		return count > 0;
 	}
 
-	// To be called when there is what was awaited.
-	void go_on()
+	void pass_on()
 	{
-		if (count_ == 0)
-			take();
-		else
-			pass_on();
+		// A pipe that takes anything takes as much without letting us wait.
+		const std::size_t piece = std::min<std::size_t>(held(), PIPE_BUF);
+		const ssize_t count = kernel_write(STDERR_FILENO, text_.data() + begin_, piece);
+		if (count < 0 && (errno == EINTR || errno == EAGAIN))
+			return;
+		// Nobody is there any more, as a rule.
+		begin_ += count < 0 ? held() : static_cast<std::size_t>(count);
+		if (begin_ == text_.size() || begin_ >= MOST) {
+			text_.erase(0, begin_);
+			begin_ = 0;
+		}
 	}
 
-	// What was on its way when the worker ended. Somebody whom it left behind may go on and on.
-	void finish()
+	// What was on its way. Who reads it may take his time, but not when we have said how long we take.
+	void finish(bool is_in_time)
 	{
-		constexpr int MOST_PIECES = 64, PATIENCE = 200;
-		for (int i = 0; i < 2 * MOST_PIECES && from_.ends[0] >= 0; i++) {
-			pollfd polled = awaited();
-			if (poll(&polled, 1, count_ > 0 ? PATIENCE : 0) <= 0)
+		constexpr int PATIENCE = 200;
+		while (from_.ends[0] >= 0 && held() < MOST && take()) {
+		}
+		while (held() > 0) {
+			pollfd polled = sink();
+			const int ready = poll(&polled, 1, is_in_time ? -1 : PATIENCE);
+			if (ready == 0)
 				return;
-			go_on();
+			if (ready > 0)
+				pass_on();
 		}
 	}
 
 private:
-	void take()
-	{
-		const ssize_t count = kernel_read(from_.ends[0], piece_, sizeof piece_);
-		if (count > 0)
-			count_ = static_cast<std::size_t>(count);
-		else if (count == 0 || (errno != EINTR && errno != EAGAIN))
-			from_.shut(0);
-		begin_ = 0;
-	}
-	void pass_on()
-	{
-		const ssize_t count = kernel_write(STDERR_FILENO, piece_ + begin_, count_);
-		if (count < 0 && (errno == EINTR || errno == EAGAIN))
-			return;
-		// Nobody is there any more, as a rule.
-		const std::size_t done = count < 0 ? count_ : static_cast<std::size_t>(count);
-		begin_ += done;
-		count_ -= done;
-	}
+	static constexpr std::size_t MOST = 16 << 20;
+	std::size_t held() const { return text_.size() - begin_; }
 
 	pipe_t &from_;
-	// A pipe that takes anything takes as much without letting us wait.
-	char piece_[PIPE_BUF];
-	std::size_t begin_ = 0, count_ = 0;
+	std::string text_;
+	std::size_t begin_ = 0; // of what is still to be said
 };
 } // namespace
 
@@ -249,12 +252,14 @@ static bool listen(pid_t worker, wiring_t &wiring, relay_t &relay, const attenti
 		const std::chrono::nanoseconds left = end - clock_type::now();
 		if (is_limited && left.count() <= 0)
 			return false;
-		pollfd polled[] = {{wiring.answer.ends[0], POLLIN, 0}, relay.awaited()};
-		attention.wait(polled, 2, is_limited ? &left : nullptr);
+		pollfd polled[] = {{wiring.answer.ends[0], POLLIN, 0}, relay.source(), relay.sink()};
+		attention.wait(polled, 3, is_limited ? &left : nullptr);
 		if (polled[0].revents)
 			receive(wiring.answer, received);
 		if (polled[1].revents)
-			relay.go_on();
+			relay.take();
+		if (polled[2].revents)
+			relay.pass_on();
 	}
 }
 
@@ -324,7 +329,7 @@ worked_t run_in_worker(const task_t &task, const work_t &work)
 	wiring.answer.shut(0);
 	if (!is_in_time || !how.spared.empty() || has_children())
 		worked.left_behind = end_descendants(how);
-	relay.finish();
+	relay.finish(is_in_time);
 	judge(worked, task, is_in_time, status);
 	return worked;
 }
