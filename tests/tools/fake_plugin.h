@@ -20,7 +20,7 @@ void *make_record(size_t size);
 void put_text(char *field, size_t size, const char *text);
 #define PUT(field, text) put_text(field, sizeof(field), text)
 
-answer no_items, failure, no_answer;
+answer no_items, failure, no_end;
 
 /* Answers of the hardware RAID side; those behind the controllers go out for aac0 alone. */
 struct raid_case {

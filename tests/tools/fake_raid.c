@@ -222,8 +222,7 @@ static int partial_space(int disk, void **head, int *length)
 const struct raid_case partial_raid = {plain_controllers, plain_containers, partial_disks, plain_partitions,
                                        partial_space};
 
-const struct raid_case hanging_raid = {plain_controllers, no_answer, plain_disks, plain_partitions,
-                                       plain_space};
+const struct raid_case hanging_raid = {plain_controllers, no_end, plain_disks, plain_partitions, plain_space};
 
 static int answer_space(const struct raid_case *from, const char *argument, void **head, int *length)
 {
