@@ -187,6 +187,16 @@ class Mappings(Stock, unittest.TestCase):
         self.assertEqual({content["name"]: content["error"] for content in contents if content["error"] is not None},
                          {self.text.name("frozen"): errno.EBUSY})
 
+    def test_who_cannot_be_ended_is_left_behind_and_named(self):
+        *_, timed_out, named = self.machine.lines("hung-root/left.err")
+        self.assertEqual(self.machine.text("hung-root/left.status"), "1\n")
+        self.assertEqual(timed_out, "stcli: timed out after 1 s at part")
+        self.assertRegex(named, "^stcli: process [0-9]+ cannot be ended: ")
+        self.assertEqual(self.machine.text("hung-root/left.state"), "D\n")
+        began, ended = map(float, self.machine.lines("hung-root/left.times"))
+        # an emulated processor takes its time to start a program
+        self.assertLess(ended - began, 1 + 3 + 1)
+
 
 def main():
     parser = argparse.ArgumentParser()

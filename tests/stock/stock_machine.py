@@ -22,7 +22,7 @@ UDEV_RULES = ("01-md-raid-creating", "50-udev-default", "55-dm", "56-lvm", "60-b
               "60-persistent-storage", "60-persistent-storage-dm", "63-md-raid-arrays", "64-btrfs", "95-dm-notify")
 UDEV = pathlib.Path("/usr/lib/udev")
 STAGES = ("udev-root", "udev-user", "bare-root", "bare-user")
-OURS = ("block-json", "diskscout", "diskscout-block.so", "diskscout.so")
+OURS = ("block-json", "diskscout", "diskscout-block.so", "diskscout.so", "stcli")
 OUR_QUERY = ("block", "./block-json ./diskscout-block.so")
 CLASSIC_QUERY = ("classic", "./diskscout list --classic --format 1 --json")
 # {answer: the kinds that are keys of it}
