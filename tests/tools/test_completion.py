@@ -7,8 +7,10 @@ import pytest
 from raid_site import SOURCES
 
 COMPLETION = SOURCES / "tools" / "diskscout" / "diskscout.bash"
-COMMANDS = ["list", "schema"]
-VALUED = ["--plugin", "--sysroot", "--config", "--block-plugin", "--controller", "--format", "-o", "--columns", "--sort", "--timeout"]
+COMMANDS = ["list", "doctor", "schema"]
+OF_DOCTOR = ["--raid", "--pid"]
+OF_BOTH = ["-h", "--help", "--version", "--json", "--plugin", "--sysroot", "--config", "--block-plugin", "--format", "--timeout"]
+VALUED = ["--plugin", "--sysroot", "--config", "--block-plugin", "--controller", "--format", "-o", "--columns", "--sort", "--timeout", "--pid"]
 # As bash asks: the words of the line, of which the last one is being typed.
 ASK = """
 source "$1" || exit 1
@@ -72,7 +74,9 @@ def test_kinds(kinds):
 
 def test_options(options):
     assert len(options) > 15
-    assert sorted(completed("list", "-")) == sorted(options)
+    assert sorted([*completed("list", "-"), *OF_DOCTOR]) == sorted(options)
+    assert sorted(completed("doctor", "-")) == sorted([*OF_BOTH, *OF_DOCTOR])
+    assert completed("doctor", "") == []
     assert completed("--js") == ["--json"]
     assert completed("schema", "--js") == []
 

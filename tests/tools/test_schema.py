@@ -17,7 +17,7 @@ RENEW = "a key was added: renew the stored copy with\n    diskscout schema > tes
 CODES = set(
     "usage plugin_not_loaded captured_host_not_loaded failed query_failed timed_out left_behind no_controller output_failed list_cut"
     " no_sysfs no_classic_name no_scsi_table no_ide_table no_permission not_opened not_in_scsi_table not_in_ide_table"
-    " not_in_block_table no_mount_table not_among_disks no_medium protective_entry outside_disk cut_text help version".split()
+    " not_in_block_table no_mount_table not_among_disks no_medium protective_entry outside_disk cut_text problem_found warning_found help version".split()
 )
 WORDS = {"string": ["string"], "boolean": ["boolean"], "integer": ["integer"], "texts": ["array"], "objects": ["array"]}
 

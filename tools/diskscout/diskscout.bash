@@ -37,9 +37,10 @@ _diskscout_kinds="devices links filesystems arrays mounts disks partitions cdrom
 	controllers containers raid_disks raid_space raid_partitions tasks defects"
 _diskscout_options="-h --help --version --json --classic --bytes --no-headings --pairs --inverse --plugin --sysroot
 	--config --block-plugin --controller --format -o --columns --sort --timeout"
+_diskscout_doctor="-h --help --version --json --raid --plugin --sysroot --config --block-plugin --format --timeout --pid"
 
 # Those that take a value.
-_diskscout_valued="--controller --format -o --columns --sort --timeout --plugin --block-plugin --config --sysroot"
+_diskscout_valued="--controller --format -o --columns --sort --timeout --plugin --block-plugin --config --sysroot --pid"
 
 # Into `operands`: what is neither an option nor the value of one, but for the word that is being typed.
 _diskscout_operands() {
@@ -119,10 +120,14 @@ _diskscout() {
 		return
 	elif [[ " $_diskscout_valued " == *" $before "* ]]; then
 		_diskscout_value "$before" "$word"
+	elif [[ $word == -* && $command == doctor ]]; then
+		_diskscout_words "$_diskscout_doctor" "$word"
 	elif [[ $word == -* ]]; then
 		_diskscout_words "$_diskscout_options" "$word"
+	elif [[ $command == doctor ]]; then
+		return
 	elif [[ $command != list ]]; then
-		_diskscout_words "list schema" "$word"
+		_diskscout_words "list doctor schema" "$word"
 	elif [[ $word == */* ]]; then
 		_diskscout_paths -f "$word"
 	else

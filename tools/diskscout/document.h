@@ -2,9 +2,9 @@
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_DOCUMENT_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_DOCUMENT_H
 
+#include "doctor.h"
 #include "host_names.h"
 #include "json_writer.h"
-#include "doctor.h"
 #include "kinds.h"
 #include "messages.h"
 

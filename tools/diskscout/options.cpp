@@ -1,4 +1,5 @@
-// The command line: diskscout list [KIND|DEVICE]... [OPTION]..., diskscout doctor [OPTION]..., diskscout schema.
+// The command line: diskscout list [KIND|DEVICE]... [OPTION]..., diskscout doctor [OPTION]..., diskscout
+// schema.
 #include "options.h"
 
 #include "closest_word.h"
@@ -82,13 +83,15 @@ struct value_row_t {
 };
 
 static const value_row_t VALUES[] = {
-	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin, OF_BOTH},
+	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin,
+         OF_BOTH},
 	{"--controller", "NAME", "show this RAID controller alone", &options_t::controller},
 	{"--format", "1|2", "format of the document; 1: everything as before there were formats",
          &options_t::format, OF_BOTH},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
-	{"--pid", "PID", "let doctor look at the limits of this process, an agent", &options_t::pid, OF_DOCTOR},
+	{"--pid", "PID", "let doctor look at the limits of this process, an agent", &options_t::pid,
+         OF_DOCTOR},
 };
 
 // Of "-o,--columns" the last.
@@ -197,8 +200,8 @@ static void refuse_options_of_others(const CLI::App &app, unsigned command)
 		for (const auto &row : rows) {
 			const std::string name = long_name(row.name);
 			if ((row.commands & command) == 0 && app.get_option(name)->count() > 0)
-				throw usage_error_t(fmt::format(
-					"{} is for {}", name, row.commands == OF_LIST ? "list" : "doctor"));
+				throw usage_error_t(fmt::format("{} is for {}", name,
+				                                row.commands == OF_LIST ? "list" : "doctor"));
 		}
 	};
 	refuse(FLAGS);

@@ -24,8 +24,8 @@ struct options_t : common_options_t {
 	std::string block_plugin;          // empty: the one that comes with the program
 	std::string format = "2";
 	bool json = false;
-	bool classic = false;       // what the classic codes answer, and nothing else
-	std::string controller;     // empty: the first one
+	bool classic = false;   // what the classic codes answer, and nothing else
+	std::string controller; // empty: the first one
 
 	// Tables.
 	std::string columns; // empty: those of the kind; with "+" before: those as well

@@ -161,17 +161,23 @@ void schema_t::check()
 	type("object", false);
 	object({"check", "question", "verdict", "text", "advice"}, [&] {
 		property("check", [&] {
+			type("string", false);
 			texts("enum", words);
 			pair("description", "which, for programs");
 		});
 		property("question", [&] { described_text("that it answers, for people", false); });
 		property("verdict", [&] {
+			type("string", false);
 			texts("enum", {word_of(verdict_t::FINE), word_of(verdict_t::WARNING),
 			               word_of(verdict_t::PROBLEM), word_of(verdict_t::NOT_ASKED)});
-			pair("description", "not asked: it runs the controller tool, which nobody asked for");
+			pair("description", "problem: a list fails, is cut or holds what is not so, or "
+			                    "something cannot be read; "
+			                    "warning: what is told is right, and yet not all; not asked: it "
+			                    "runs the controller tool");
 		});
 		property("text", [&] {
-			described_text("what was found, for people; null: nothing; a note where it is fine", true);
+			described_text("what was found, for people; null: nothing; a note where it is fine",
+			               true);
 		});
 		property("advice", [&] { described_text("what to do about it; null: nothing", true); });
 	});
@@ -203,7 +209,9 @@ void schema_t::properties()
 		pair("description", "when it was looked at, UTC");
 	});
 	property("controller", [&] {
-		described_text("RAID controller that was named, or the first one that is listed; null: there is none", true);
+		described_text("RAID controller that was named, or the first one that is listed; null: there "
+		               "is none",
+		               true);
 	});
 	for (const kind_t *kind : all_kinds()) {
 		property(kind->word, [&] {

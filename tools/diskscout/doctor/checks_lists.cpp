@@ -8,7 +8,8 @@
 static findings_t missing_table(const patient_t &at, code_t code, int error)
 {
 	const machine_t machine = machine_of(at.from);
-	return told(machine, code, error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM);
+	return told(machine, code,
+	            error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM);
 }
 
 findings_t look_at_scsi_table(const patient_t &at)

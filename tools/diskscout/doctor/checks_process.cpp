@@ -40,8 +40,9 @@ findings_t look_at_children(const patient_t &at)
 	if (!at.agent) {
 		if (!at.inherited.ignores_children)
 			return {};
-		return {{verdict_t::WARNING, "whoever started this program ignores SIGCHLD, and so does an agent "
-		                             "that it starts, where queries of the RAID side fail then"}};
+		return {{verdict_t::WARNING,
+		         "whoever started this program ignores SIGCHLD, and so does an agent "
+		         "that it starts, where queries of the RAID side fail then"}};
 	}
 	const line_told_t line = line_of(*at.agent, "status", "SigIgn:");
 	if (!line.text)
@@ -50,8 +51,8 @@ findings_t look_at_children(const patient_t &at)
 	std::from_chars(line.text->data(), line.text->data() + line.text->size(), ignored, 16);
 	if ((ignored >> (SIGCHLD - 1) & 1) == 0)
 		return {};
-	return {{verdict_t::PROBLEM, fmt::format("process {} ignores SIGCHLD: queries of the RAID side fail there",
-	                                         *at.agent)}};
+	return {{verdict_t::PROBLEM,
+	         fmt::format("process {} ignores SIGCHLD: queries of the RAID side fail there", *at.agent)}};
 }
 
 // A list keeps up to 1 MB there, and whoever asks for it needs room as well.

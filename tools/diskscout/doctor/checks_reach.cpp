@@ -111,8 +111,9 @@ findings_t look_at_nodes(const patient_t &at)
 		// Those without a size are told already.
 		const int error = disk.size ? node_t(disk.node).error() : 0;
 		if (error && !is_denied(error))
-			append(&findings, about({disk.node}, fmt::format("cannot be opened: {}", strerror(error)),
-			                        verdict_t::PROBLEM));
+			append(&findings,
+			       about({disk.node}, fmt::format("cannot be opened: {}", strerror(error)),
+			             verdict_t::PROBLEM));
 	}
 	return findings;
 }
@@ -136,8 +137,9 @@ findings_t look_at_queries(const patient_t &at)
 	findings_t findings;
 	const auto add = [&](const char *name, const item_list_t &list, const std::string &cause) {
 		if (list.failed() && list.failure().empty() && cause.empty())
-			findings.push_back({verdict_t::PROBLEM,
-			                    fmt::format("the {} query failed, and no cause was found", name)});
+			findings.push_back(
+				{verdict_t::PROBLEM,
+			         fmt::format("the {} query failed, and no cause was found", name)});
 	};
 	const item_list_t &partitions = at.from.list(CMD_GET_PARTITIONS);
 	add("disk", at.from.list(CMD_GET_DISKS), "");

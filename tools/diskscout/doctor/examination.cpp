@@ -159,9 +159,8 @@ static std::string controller_not_there(enquiry_t &from)
 	if (name.empty() || from.controllers().failed())
 		return "";
 	const auto controllers = from.controllers().records<aac_controller>();
-	const bool is_there = std::any_of(controllers.begin(), controllers.end(), [&](const auto *c) {
-		return text_of(c->Adapter_Name) == name;
-	});
+	const bool is_there = std::any_of(controllers.begin(), controllers.end(),
+	                                  [&](const auto *c) { return text_of(c->Adapter_Name) == name; });
 	if (is_there)
 		return "";
 	if (controllers.empty())
@@ -183,7 +182,8 @@ static told_finding_t leading(unsigned concerns, const patient_t &at, const time
 		if ((check->concerns & concerns) == 0 || (check->runs_tool && !at.asks_tool))
 			continue;
 		for (told_finding_t &found : look(*check, at, time)) {
-			const bool says = found.finding.verdict != verdict_t::NOT_ASKED && !found.finding.text.empty();
+			const bool says =
+				found.finding.verdict != verdict_t::NOT_ASKED && !found.finding.text.empty();
 			if (says && outweighs(found, best))
 				best = std::move(found);
 		}

@@ -53,8 +53,8 @@ std::string packed(const messages_t &messages)
 {
 	std::string bytes;
 	for (const message_t &message : messages) {
-		const packed_message_t head = {message.severity, message.kind, message.code,
-		                               message.detail, message.text.size()};
+		const packed_message_t head = {message.severity, message.kind, message.code, message.detail,
+		                               message.text.size()};
 		bytes.append(reinterpret_cast<const char *>(&head), sizeof head);
 		bytes += message.text;
 	}

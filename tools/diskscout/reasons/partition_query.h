@@ -21,8 +21,8 @@ struct table_entry_t {
 // The entries of a disk's tables, read as the query reads them.
 struct partition_tables_t {
 	std::vector<table_entry_t> entries = {};
-	bool is_cut = false;      // there are more than the query lists
-	unsigned lost_links = 0;  // extended entries that are not followed: a table's last one leads on
+	bool is_cut = false;     // there are more than the query lists
+	unsigned lost_links = 0; // extended entries that are not followed: a table's last one leads on
 	bool is_opened = true;
 	std::string failure = {}; // such as "/dev/sda: Permission denied"; empty: none
 };

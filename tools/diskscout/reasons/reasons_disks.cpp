@@ -53,8 +53,7 @@ static maybe_reason_t block_table_reason(const known_device_t &disk, const block
 		return note(code_t::NOT_IN_BLOCK_TABLE, "not in " + PATH);
 	}
 	if (row - table.disks.begin() >= static_cast<std::ptrdiff_t>(TABLE_ROWS))
-		return cut(detail_t::TABLE_ROWS,
-		           fmt::format("behind the {}nd disk of {}", TABLE_ROWS, PATH));
+		return cut(detail_t::TABLE_ROWS, fmt::format("behind the {}nd disk of {}", TABLE_ROWS, PATH));
 	return std::nullopt;
 }
 

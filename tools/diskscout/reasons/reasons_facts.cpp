@@ -78,8 +78,7 @@ void take_devices(facts_t *facts, enquiry_t &from)
 void take_disks(facts_t *facts, enquiry_t &from)
 {
 	for (const STORAGE_DISK_LIST *disk : from.list(CMD_GET_DISKS).records<STORAGE_DISK_LIST>())
-		facts->disks.push_back(
-			{text_of(disk->szDeviceName), disk->nSize, disk->bUsedBySystem != 0});
+		facts->disks.push_back({text_of(disk->szDeviceName), disk->nSize, disk->bUsedBySystem != 0});
 }
 
 void take_partitions(facts_t *facts, enquiry_t &from)

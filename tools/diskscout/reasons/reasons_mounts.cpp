@@ -21,7 +21,8 @@ void take_unread_mounts(const mount_table_t &table, bool has_rows, const char *u
 void take_late_mounts(const mount_table_t &table, const std::vector<std::string> &nodes,
                       reason_lines_t *lines)
 {
-	reason_t late = cut(detail_t::MOUNTS, fmt::format("mounted behind the {}nd line of /etc/mtab", LINES_READ));
+	reason_t late =
+		cut(detail_t::MOUNTS, fmt::format("mounted behind the {}nd line of /etc/mtab", LINES_READ));
 	late.of_node = true;
 	std::set<std::string> told;
 	for (std::size_t i = LINES_READ; i < table.sources.size(); i++) {
