@@ -10,8 +10,8 @@ static const check_t CHECKS[] = {
 	{"config_missing", "Is there a configuration of the controller tool?",
          "The file that the plug-in names is opened. A host where nobody has named one and which has none at "
          "the usual place has no RAID controller tool, and needs none.",
-         "write the three lines \"Cli Path:\", \"Cli Name:\" and \"Filter Script:\" into the file, or name "
-         "the file that has them with --config",
+         "where there is a RAID controller, write the lines \"Cli Path:\", \"Cli Name:\" and \"Filter "
+         "Script:\" into it, or name the file that has them with --config",
          RAID_FAILED, false, missing_configuration},
 	{"config_directory", "Is the configuration a file?", "It is read.",
          "name the file in the directory with --config", RAID_FAILED, false, directory_for_configuration},

@@ -62,6 +62,22 @@ static std::string counted(std::size_t count, const char *what)
 	return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
+// Not asked: for want of --raid, which the advice tells, or for a problem that stands before it.
+static std::string unasked_in(const told_findings_t &found)
+{
+	const std::size_t unasked = count_of(verdict_t::NOT_ASKED, found);
+	const auto of_tool =
+		static_cast<std::size_t>(std::count_if(found.begin(), found.end(), [](const auto &f) {
+			return f.finding.verdict == verdict_t::NOT_ASKED && !f.advice.empty();
+		}));
+	std::string text;
+	if (unasked > of_tool)
+		text += fmt::format("; {} not asked for what stands before", unasked - of_tool);
+	if (of_tool)
+		text += fmt::format("; {} run the controller tool, and only with --raid", of_tool);
+	return text;
+}
+
 static std::string summary_of(const told_findings_t &found)
 {
 	const std::size_t unasked = count_of(verdict_t::NOT_ASKED, found);
@@ -74,10 +90,7 @@ static std::string summary_of(const told_findings_t &found)
 		verdict = counted(problems, "problem");
 	else if (warnings)
 		verdict = counted(warnings, "warning");
-	std::string text = counted(checks_in(found) - unasked, "check") + ", " + verdict;
-	if (unasked)
-		text += fmt::format("; {} run the controller tool, and only with --raid", unasked);
-	return text + ".\n";
+	return counted(checks_in(found) - unasked, "check") + ", " + verdict + unasked_in(found) + ".\n";
 }
 
 listing_t doctor_as_text(const told_findings_t &found)

@@ -5,6 +5,7 @@
 #include "inherited.h"
 #include "kind_sets.h"
 #include "text.h"
+#include "tool_look.h"
 
 #include "diskscout_block.h"
 
@@ -30,6 +31,8 @@ public:
 		const auto left = std::chrono::duration_cast<milliseconds>(end_ - clock_type::now());
 		return std::max(left / 2, milliseconds(1));
 	}
+	// Nearly all of it, for what nothing comes behind that takes long.
+	milliseconds rest() const { return limit_.count() == 0 ? limit_ : share() * 9 / 5; }
 
 private:
 	milliseconds limit_;
@@ -74,29 +77,58 @@ static told_finding_t unanswered(const check_t &check, const std::string &why)
 	        UNANSWERED_ADVICE};
 }
 
+static told_findings_t told(const check_t &check, const findings_t &findings)
+{
+	told_findings_t found;
+	for (const finding_t &finding : findings) {
+		const bool is_asked = finding.verdict != verdict_t::NOT_ASKED;
+		found.push_back(
+			{&check, {finding.verdict, printable(finding.text)}, is_asked ? check.advice : ""});
+	}
+	if (found.empty())
+		found.push_back({&check, {verdict_t::FINE, ""}, ""});
+	return found;
+}
+
 static told_findings_t look(const check_t &check, const patient_t &at, const time_left_t &time)
 {
 	if (check.runs_tool && !at.asks_tool)
 		return {{&check,
 		         {verdict_t::NOT_ASKED, "the controller tool was not run"},
 		         "diskscout doctor --raid runs it"}};
+	// What was seen of the tool is judged in no time.
+	if (check.runs_tool && at.tool)
+		return told(check, check.look(at));
 	if (time.is_over())
 		return {unanswered(check, "no time was left")};
 	at.from.set_limit(time.share());
-	const auto place = check.runs_tool ? enquiry_t::place_t::PRIVATE : enquiry_t::place_t::HERE;
-	const worked_t worked = at.from.work(
-		check.word, place, [&](const worker_link_t &to) { to.result(packed(check.look(at))); });
-	if (!worked.is_done)
-		return {unanswered(check, worked.failure)};
-	told_findings_t found;
-	for (finding_t &finding : unpacked(worked.text())) {
-		finding.text = printable(finding.text);
-		found.push_back({&check, std::move(finding), check.advice});
-	}
-	if (found.empty())
-		found.push_back({&check, {verdict_t::FINE, ""}, ""});
-	return found;
+	const worked_t worked =
+		at.from.work(check.word, enquiry_t::place_t::HERE,
+	                     [&](const worker_link_t &to) { to.result(packed(check.look(at))); });
+	return worked.is_done ? told(check, unpacked(worked.text()))
+	                      : told_findings_t{unanswered(check, worked.failure)};
 }
+
+// The tool is run once, before the first of the checks of what it did.
+class looked_at_t
+{
+public:
+	looked_at_t(const patient_t &at, const time_left_t &time) : at_(at), time_(time) {}
+
+	told_findings_t look_for(const check_t &check)
+	{
+		if (check.runs_tool && at_.asks_tool && !seen_ && !time_.is_over()) {
+			at_.from.set_limit(time_.rest());
+			at_.tool = &seen_.emplace(look_at_tool(at_));
+		}
+		return look(check, at_, time_);
+	}
+
+private:
+	patient_t at_;
+	const time_left_t &time_;
+	std::optional<tool_look_t> seen_;
+};
 
 // A worker sees the lists that were asked before, and what it asks itself is gone with it.
 static void ask_local_lists(enquiry_t &from, const time_left_t &time)
@@ -123,9 +155,10 @@ told_findings_t examine(const patient_t &at, milliseconds limit)
 {
 	const time_left_t time(limit);
 	ask_local_lists(at.from, time);
+	looked_at_t looked(at, time);
 	told_findings_t found;
 	for (const check_t *check : all_checks()) {
-		for (told_finding_t &finding : look(*check, at, time))
+		for (told_finding_t &finding : looked.look_for(*check))
 			found.push_back(std::move(finding));
 	}
 	return found;
@@ -177,11 +210,12 @@ static bool outweighs(const told_finding_t &one, const told_finding_t &other)
 
 static told_finding_t leading(unsigned concerns, const patient_t &at, const time_left_t &time)
 {
+	looked_at_t looked(at, time);
 	told_finding_t best = {nullptr, {verdict_t::FINE, ""}, ""};
 	for (const check_t *check : all_checks()) {
 		if ((check->concerns & concerns) == 0 || (check->runs_tool && !at.asks_tool))
 			continue;
-		for (told_finding_t &found : look(*check, at, time)) {
+		for (told_finding_t &found : looked.look_for(*check)) {
 			const bool says =
 				found.finding.verdict != verdict_t::NOT_ASKED && !found.finding.text.empty();
 			if (says && outweighs(found, best))

@@ -57,6 +57,13 @@ static commands_t commands_of(const patient_t &at)
 
 // ---- runs ----
 
+// A limit that can be told: tenths of seconds.
+static std::chrono::milliseconds rounded(std::chrono::milliseconds limit)
+{
+	constexpr std::chrono::milliseconds TENTH(100);
+	return limit < TENTH ? limit : limit / TENTH * TENTH;
+}
+
 namespace
 {
 // One limit for several runs.
@@ -64,10 +71,10 @@ class limited_t
 {
 public:
 	explicit limited_t(enquiry_t &from)
-	    : from_(from), limit_(from.limit()), end_(clock_type::now() + limit_)
+	    : from_(from), before_(from.limit()), limit_(rounded(before_)), end_(clock_type::now() + limit_)
 	{
 	}
-	~limited_t() { from_.set_limit(limit_); }
+	~limited_t() { from_.set_limit(before_); }
 	limited_t(const limited_t &) = delete;
 	limited_t &operator=(const limited_t &) = delete;
 
@@ -94,7 +101,7 @@ private:
 	}
 
 	enquiry_t &from_;
-	std::chrono::milliseconds limit_;
+	const std::chrono::milliseconds before_, limit_;
 	clock_type::time_point end_;
 	clock_type::duration slowest_ = {};
 };

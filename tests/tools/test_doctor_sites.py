@@ -1,0 +1,90 @@
+"""What doctor finds on sites that are sick in one way each, and on those that are well."""
+
+import json
+import re
+import time
+
+import pytest
+from doctor_sites import NAMES, DoctorSite, one_for_each_check
+from test_doctor import DOCTOR, findings, status_of
+from unfold import unfold
+
+# The text of what took too long tells the time that there was.
+SECONDS = re.compile(r"after [0-9.]+ s")
+
+
+def without_seconds(found):
+    return [(verdict, check, SECONDS.sub("after N s", text)) for verdict, check, text in found]
+
+
+@pytest.fixture
+def well(tmp_path):
+    """A host beside which nothing is found."""
+    return unfold(DOCTOR / "well-sata", tmp_path / "host")
+
+
+def examined(tool, site, host, *options, timeout="20"):
+    arguments = ("--config", site.config, "--timeout", timeout, "--sysroot", host)
+    result = tool.run("doctor", *options, "--json", *arguments, env=site.environment(), cwd=site.root)
+    return result, json.loads(result.stdout)
+
+
+def test_there_are_enough_of_both():
+    assert len([name for name in NAMES if not name.startswith("fine")]) >= 60
+    assert len([name for name in NAMES if name.startswith("fine")]) >= 15
+
+
+@pytest.mark.parametrize("name", one_for_each_check())
+def test_site(tool, well, tmp_path, name):
+    site = DoctorSite(name, tmp_path / "site", tool.program.parent)
+    expected = without_seconds(site.expected())
+    hangs = any("timed out" in text for *_, text in expected)
+    start = time.monotonic()
+    result, document = examined(tool, site, well, "--raid", timeout="2" if hangs else "20")
+    assert not hangs or time.monotonic() - start < 2 + 3
+    assert without_seconds(findings(document)) == expected
+    assert result.returncode == status_of(expected)
+    assert site.nothing_is_left()
+
+
+def test_the_tool_is_not_run_unasked(tool, well, tmp_path):
+    site = DoctorSite("fine", tmp_path / "site", tool.program.parent)
+    (site.root / "bin" / "tool").write_text(f"#!/bin/sh\ntouch {site.root}/was-run\n")
+    result, document = examined(tool, site, well)
+    assert (result.returncode, findings(document)) == (0, [])
+    assert not (site.root / "was-run").exists()
+    unasked = [row for row in document["checks"] if row["verdict"] == "not asked"]
+    assert "tool_hangs" in {row["check"] for row in unasked}
+    assert {row["advice"] for row in unasked} == {"diskscout doctor --raid runs it"}
+
+
+def test_the_tool_is_run_once_for_the_list(tool, well, tmp_path):
+    site = DoctorSite("no-controller", tmp_path / "site", tool.program.parent)
+    own = (site.root / "bin" / "tool").read_text()
+    (site.root / "bin" / "tool").write_text(own.replace("#!/bin/sh\n", f"#!/bin/sh\necho >>{site.root}/runs\n"))
+    examined(tool, site, well, "--raid")
+    assert (site.root / "runs").read_text() == "\n"
+
+
+def test_what_stands_behind_a_problem_is_not_asked(tool, well, tmp_path):
+    site = DoctorSite("tool-missing", tmp_path / "site", tool.program.parent)
+    arguments = ("doctor", "--raid", "--config", site.config, "--sysroot", well)
+    result = tool.run(*arguments, env=site.environment(), cwd=site.root)
+    assert (result.returncode, result.stderr) == (1, "")
+    lines = result.stdout.splitlines()
+    assert lines[:2] == [
+        f"problem: the controller tool {site.root}/bin/tool cannot be run: No such file or directory.",
+        "  install the program, or correct its path in the configuration.",
+    ]
+    assert re.fullmatch(r"\d+ checks, 1 problem; 21 not asked for what stands before\.", lines[-1])
+
+
+def test_a_configuration_that_is_asked_for_must_be_there(tool, well):
+    arguments = ("doctor", "--raid", "--sysroot", well)
+    result = tool.run(*arguments)
+    assert result.returncode == 1
+    assert result.stdout.startswith(
+        "problem: the configuration /root/hardraid.cfg cannot be read: No such file or directory"
+        " (--config names another one).\n"
+    )
+    assert tool.run("doctor", "--sysroot", well).returncode == 0
