@@ -68,6 +68,7 @@ BELOW = {
     "tools/diskscout": {"today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds", "tools/diskscout/reasons"},
     "tools/stcli": {"classic", "request", "tools/common"},
     "tools/disks": {"today", "request"},
+    "tools/filter": {"tools/common"},
     "tools/mirror": {"classic", "request"},
     "tools/raidsim": set(),
     # What is exported stands in the rooms that export it, and is no part of them.

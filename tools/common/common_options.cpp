@@ -1,10 +1,7 @@
 // The options of every program that loads the plug-in.
 #include "common_options.h"
 
-#include "usage_error.h"
-
-#include <charconv>
-#include <fmt/format.h>
+#include "seconds.h"
 
 const std::vector<common_option_t> COMMON_OPTIONS = {
 	{"--plugin", "PATH", "load this plug-in", &common_options_t::plugin},
@@ -17,16 +14,7 @@ const std::vector<common_option_t> COMMON_OPTIONS = {
 
 std::chrono::milliseconds common_options_t::limit() const
 {
-	constexpr unsigned USUAL = 60, LONGEST = 86400;
-	if (timeout.empty())
-		return std::chrono::seconds(USUAL);
-	unsigned seconds = 0;
-	const char *const behind = timeout.data() + timeout.size();
-	const auto [end, error] = std::from_chars(timeout.data(), behind, seconds);
-	if (error != std::errc() || end != behind || seconds > LONGEST)
-		throw usage_error_t(
-			fmt::format("--timeout: {} is none of 0 to {} whole seconds", timeout, LONGEST));
-	return std::chrono::seconds(seconds);
+	return timeout.empty() ? USUAL_LIMIT : whole_seconds("--timeout", timeout);
 }
 
 const char REPLAYED_OPTION[] = "--replayed";
