@@ -61,7 +61,8 @@ class Limited:
 
     def settings(self, **values):
         return {
-            "env": {**os.environ, "LIMITED": self.mark.partition("=")[2]},
+            # What other runs have left in the usual place is no matter of ours.
+            "env": {**os.environ, "LIMITED": self.mark.partition("=")[2], "TMPDIR": str(self.directory)},
             "cwd": self.directory,
             "stdin": subprocess.DEVNULL,
             "stdout": subprocess.PIPE,
@@ -471,19 +472,43 @@ def test_a_kill_at_a_random_moment_leaves_nobody(limited, batch):
     wait_until(lambda: limited.left() == [])
 
 
-def test_all_of_ours_killed_at_once_take_the_tool_along(limited):
-    limited.write("echo up; exec sleep 1000", "Lock:lock")
-    process = limited.start()
-    assert process.stdout.readline() == b"up\n"
+def kill_all_at_once(limited, process):
     parts = limited.parts(process)
     assert len(parts) == 3
     # Stopped first: nobody shall see another one end.
     for number in (signal.SIGSTOP, signal.SIGKILL):
         for pid in parts:
             os.kill(pid, number)
+    process.wait(PATIENCE)
+
+
+def test_all_of_ours_killed_at_once_take_the_tool_along(limited):
+    limited.write("echo up; exec sleep 1000", "Lock:lock")
+    process = limited.start()
+    assert process.stdout.readline() == b"up\n"
+    kill_all_at_once(limited, process)
     process.communicate(timeout=PATIENCE)
     wait_until(lambda: limited.left() == [])
     assert is_free(limited.directory / "lock")
+
+
+def test_the_next_run_ends_what_all_of_ours_have_left(limited):
+    """Before it asks; and nobody who is under another lock."""
+    limited.write(f"[ ! -e asked ] || {{ echo again; exit; }}\n: >asked\n{DEAF_CROWD}", "Lock:lock")
+    other = limited.start("--lock", "other", "sh", "-c", "echo up; exec sleep 1000")
+    assert other.stdout.readline() == b"up\n"
+    others = limited.left()
+    process = limited.start(stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    wait_until(lambda: len(limited.left()) - len(others) >= 3 + 2)
+    kill_all_at_once(limited, process)
+    # The tool itself is gone, and what it has put into the background is not.
+    wait_until(lambda: limited.left() != others)
+    assert set(limited.left()) > set(others)
+    again = limited.start()
+    assert again.communicate(timeout=PATIENCE) == (b"again\n", b"")
+    assert (again.returncode, limited.left()) == (0, others)
+    other.terminate()
+    other.communicate(timeout=PATIENCE)
 
 
 # ---- on a site ----

@@ -111,6 +111,20 @@ bool works_in(pid_t pid, const std::string &directory)
 	return behind.empty() || behind[0] == '/' || behind == " (deleted)";
 }
 
+bool was_started_with(pid_t pid, const std::string &line)
+{
+	const closer_t file(kernel_open((folder_of(pid) + "/environ").c_str(), O_RDONLY));
+	// As if a line stood before the first one, too.
+	std::string lines(1, '\0');
+	char piece[1 << 14];
+	for (ssize_t length = 1; file.file >= 0 && length > 0;) {
+		length = kernel_read(file.file, piece, sizeof piece);
+		lines.append(piece, length > 0 ? static_cast<std::size_t>(length) : 0);
+	}
+	lines += '\0';
+	return lines.find('\0' + line + '\0') != std::string::npos;
+}
+
 bool send_signal(const process_t &to, int signal)
 {
 	// What is held cannot be handed to anybody else while we look who it is.

@@ -26,6 +26,10 @@ std::vector<process_t> read_processes();
 // Whether this is its working directory, or its working directory lies in it. The path has no links.
 bool works_in(pid_t pid, const std::string &directory);
 
+// Whether this line, "NAME=value", was in its environment when its program was started; of those that may not
+// be looked at, it was not.
+bool was_started_with(pid_t pid, const std::string &line);
+
 // False: it is gone. Whoever has its number by now gets no signal, where the kernel can tell them apart.
 bool send_signal(const process_t &to, int signal);
 

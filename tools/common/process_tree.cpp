@@ -60,15 +60,22 @@ static processes_t below(pid_t root, const pids_t &spared)
 	return found;
 }
 
-static processes_t working_in(const std::string &directory)
+// All but this process and those that have ended.
+template <class Condition> static processes_t others_that(const Condition &are_meant)
 {
 	processes_t found = read_processes();
-	const auto is_elsewhere = [&](const process_t &process) {
-		return process.pid == getpid() || process.is_ended || process.has_terminal ||
-		       !works_in(process.pid, directory);
+	const auto is_not = [&](const process_t &process) {
+		return process.pid == getpid() || process.is_ended || !are_meant(process);
 	};
-	found.erase(std::remove_if(found.begin(), found.end(), is_elsewhere), found.end());
+	found.erase(std::remove_if(found.begin(), found.end(), is_not), found.end());
 	return found;
+}
+
+static processes_t working_in(const std::string &directory)
+{
+	return others_that([&](const process_t &process) {
+		return !process.has_terminal && works_in(process.pid, directory);
+	});
 }
 
 static pids_t pids_of(const processes_t &processes)
@@ -179,5 +186,14 @@ pids_t end_descendants(const ending_t &how)
 pids_t end_processes_in(const std::string &directory, const ending_t &how)
 {
 	const auto find = [&] { return working_in(directory); };
+	return end_all({find, [&] { return find().empty(); }}, how);
+}
+
+pids_t end_processes_started_with(const std::string &line, const ending_t &how)
+{
+	const auto find = [&] {
+		return others_that(
+			[&](const process_t &process) { return was_started_with(process.pid, line); });
+	};
 	return end_all({find, [&] { return find().empty(); }}, how);
 }

@@ -34,6 +34,9 @@ pids_t end_descendants(const ending_t &how = {});
 // The same for these, which may be no children of ours.
 pids_t end_processes_in(const std::string &directory, const ending_t &how = {});
 
+// The same for those whose programs were started with this line, "NAME=value", in their environment.
+pids_t end_processes_started_with(const std::string &line, const ending_t &how = {});
+
 // Whether this process has children, ended ones included.
 bool has_children();
 

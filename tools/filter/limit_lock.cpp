@@ -1,14 +1,17 @@
 // One question at a time: flock, which the kernel takes back when the last holder is gone.
 #include "limit_lock.h"
 
+#include "process_tree.h"
 #include "worker.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <stdexcept>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <thread>
 
 [[noreturn]] static void fail(const std::string &file)
@@ -28,6 +31,22 @@ static int open_lock(const std::string &file)
 	return opened;
 }
 
+// The file's name may be written in many ways.
+static std::string mark_of(int lock)
+{
+	struct stat status = {};
+	fstat(lock, &status);
+	return fmt::format("{}:{}", status.st_dev, status.st_ino);
+}
+
+static void end_what_was_left(int lock)
+{
+	static const char NAME[] = "DISKSCOUT_LIMIT_LOCK";
+	const std::string mark = mark_of(lock);
+	end_processes_started_with(fmt::format("{}={}", NAME, mark));
+	setenv(NAME, mark.c_str(), 1);
+}
+
 void hold_lock(const std::string &file, std::chrono::milliseconds limit)
 {
 	using clock = std::chrono::steady_clock;
@@ -43,4 +62,5 @@ void hold_lock(const std::string &file, std::chrono::milliseconds limit)
 			                                     file, in_seconds(limit)));
 		std::this_thread::sleep_for(PAUSE);
 	}
+	end_what_was_left(lock);
 }

@@ -55,9 +55,11 @@ static started_t start(const std::vector<std::string> &tool, const sigset_t &mas
 {
 	int cause[2];
 	checked(pipe2(cause, O_CLOEXEC), "no pipe can be made");
+	// Where no /proc tells who is below us its group can be ended all the same.
 	const pid_t parent = getpid();
 	started_t started = {checked(fork(), "no process can be started"), 0};
 	if (started.pid == 0) {
+		setpgid(0, 0);
 		sigprocmask(SIG_SETMASK, &mask, nullptr);
 		become(tool, cause[1], parent);
 	}
@@ -134,7 +136,9 @@ int run_limited(const std::vector<std::string> &tool, std::chrono::milliseconds 
 		return started.error == ENOENT ? STATUS_NOT_FOUND : STATUS_NOT_STARTED;
 	}
 	const std::optional<int> status = wait_for(started.pid, child_ended, limit);
-	const pids_t left = !status || has_children() ? end_descendants() : pids_t();
+	ending_t how;
+	how.group = started.pid;
+	const pids_t left = !status || has_children() ? end_descendants(how) : pids_t();
 	if (status)
 		return judge(tool.front(), *status, left);
 	complain(fmt::format("{} timed out after {}{}", tool.front(), in_seconds(limit), stuck(left)));
