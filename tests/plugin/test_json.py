@@ -34,7 +34,7 @@ def test_every_kind_is_told_in_its_order(page, schema):
 
 def test_every_field_is_told(page, schema):
     kinds = kinds_of(schema)
-    assert len(kinds) == 14
+    assert len(kinds) == 16
     for kind, record in kinds.items():
         assert table(page, heading_of(kind)) == rows_of(record), RENEW
 

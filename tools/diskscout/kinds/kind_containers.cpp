@@ -232,9 +232,8 @@ const kind_t CONTAINERS_KIND = {
 	side_t::CONTROLLER,
 	0,
 	FIELDS,
-	"controller,raid_id,label,type_word,total_size,state,device,usage_word,stripe_size,hot_spare,disk_"
-        "number,"
-	"members",
+	"controller,raid_id,label,type_word,total_size,state,device,usage_word,stripe_size,hot_spare,"
+	"disk_number,members",
 	"raid_id,label,type_word,usage_word,total_size_low32,stripe_size,hot_spare,disk_number,members",
 	ask,
 	"MOD 4 GIB leaves out whole multiples of 4 GiB; raid-partitions shows sizes in full.",

@@ -170,7 +170,8 @@ template <typename Row> void put_controller(const row_t &row, sink_t &to)
 
 template <typename Row> constexpr field_t controller_field()
 {
-	return {"controller", "CONTROLLER", shape_t::TEXT, NEW, "name of its controller", put_controller<Row>};
+	return {"controller",       "CONTROLLER", shape_t::TEXT, NEW, "name of its controller",
+	        put_controller<Row>};
 }
 
 // That the list of this controller is not whole.
