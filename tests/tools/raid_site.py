@@ -1,5 +1,6 @@
 """A host with the simulated controller tool: a working directory that holds nothing but what a site provides."""
 
+import json
 import pathlib
 
 from conftest import CLASSIC
@@ -37,3 +38,27 @@ class RaidSite:
 
     def list(self, *arguments, config="raid.cfg", **settings):
         return self.run("list", *CLASSIC, *arguments, "--config", config, **settings)
+
+    def document(self, *arguments, status=0, **settings):
+        """As it is told to programs of today."""
+        result = self.run("list", "--json", *arguments, "--config", "raid.cfg", **settings)
+        assert result.returncode == status, result.stderr
+        return json.loads(result.stdout)
+
+    def put_in_front(self, command, what):
+        """Where a script has this command, a pattern of the shell, the simulated tool is not asked before this is done."""
+        link = self.directory / "raidsim"
+        wrapper = self.directory.parent / "wrapped-tool"
+        wrapper.write_text(
+            f"""#!/bin/sh
+script=$(cat)
+ask() {{ printf '%s\\n' "$script" | {link.resolve()}; }}
+case $script in
+*{command}*) {what} ;;
+esac
+ask
+"""
+        )
+        wrapper.chmod(0o755)
+        link.unlink()
+        link.symlink_to(wrapper)
