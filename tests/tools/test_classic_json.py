@@ -150,6 +150,16 @@ def test_containers(raid):
         same([without(found, "state")], [{**of_aac0(known), **NOT_ASKED}])
 
 
+@pytest.mark.parametrize("kind", ["tasks", "defects"])
+def test_plugin_without_operations(tool, kind):
+    document = tool.made_document(kind, "--controller", "aac0", status=1)
+    assert document[kind] is None
+    name = {"tasks": "RAID task", "defects": "RAID defect"}[kind]
+    assert errors_of(document)[0]["text"] == (
+        f"the {name} query failed on aac0: the plug-in has no operation for it; it found nothing before"
+    )
+
+
 def test_state_that_the_disks_tell_without_the_tasks(tool):
     """The second member of the mirror is a printer."""
     states = [container["state"] for container in tool.made_document("containers", "--controller", "aac0")["containers"]]
