@@ -65,7 +65,10 @@ BELOW = {
     "tools/diskscout/show": {"tools/common"},
     "tools/diskscout/kinds": {"classic", "request", "today", "tools/common", "tools/diskscout/show"},
     "tools/diskscout/reasons": {"classic", "today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds"},
-    "tools/diskscout": {"today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds", "tools/diskscout/reasons"},
+    "tools/diskscout/doctor": {"classic", "today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds",
+                               "tools/diskscout/reasons"},
+    "tools/diskscout": {"today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds", "tools/diskscout/reasons",
+                        "tools/diskscout/doctor"},
     "tools/stcli": {"classic", "request", "tools/common"},
     "tools/disks": {"today", "request"},
     "tools/filter": {"tools/common"},
@@ -80,7 +83,7 @@ BELOW = {
 EXPORTED = {"src/define_command.h": "request", "src/diskscout.h": "classic", "src/diskscout_raid.h": "classic",
             "block/diskscout_block.h": "today"}
 # Where the build looks for headers, behind the folder of the file that includes.
-INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/diskscout", *(f"tools/diskscout/{room}" for room in ("kinds", "reasons", "show")),
+INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/diskscout", *(f"tools/diskscout/{room}" for room in ("doctor", "kinds", "reasons", "show")),
                            "tools/common", "block", "src"), "src": ("src",), "replay": (".",)}
 
 

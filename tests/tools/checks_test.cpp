@@ -1,5 +1,5 @@
 // The checks of doctor: what the page says of them, and what every row has to hold.
-#include "doctor.h"
+#include "examination.h"
 
 #include <algorithm>
 #include <cctype>

@@ -2,7 +2,7 @@
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_DOCUMENT_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_DOCUMENT_H
 
-#include "doctor.h"
+#include "examination.h"
 #include "host_names.h"
 #include "json_writer.h"
 #include "kinds.h"

@@ -3,8 +3,8 @@
 //
 // Exit status: 0; 1 when a query or the output failed, or a list is known to be cut, or doctor has found a
 // problem; 2 when the caller asked for what cannot be done; 3 when doctor has found no more than warnings.
-#include "doctor.h"
 #include "document.h"
+#include "findings.h"
 #include "inherited.h"
 #include "keeper.h"
 #include "listing.h"
@@ -36,7 +36,8 @@ static listing_t list(enquiry_t &from, const options_t &opts)
 static listing_t examine(enquiry_t &from, const options_t &opts)
 {
 	const told_findings_t found = examine({from, inherited(), opts.agent(), opts.raid}, opts.limit());
-	return opts.json ? doctor_as_document(found, from, host_names(opts.replayed)) : doctor_as_text(found);
+	return opts.json ? findings_as_document(found, from, host_names(opts.replayed))
+	                 : findings_as_text(found);
 }
 
 static int show(const options_t &opts)

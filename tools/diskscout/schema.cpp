@@ -1,7 +1,7 @@
 // The JSON Schema of the document of format 2.
 #include "schema.h"
 
-#include "doctor.h"
+#include "examination.h"
 #include "json_writer.h"
 #include "kinds.h"
 #include "messages.h"

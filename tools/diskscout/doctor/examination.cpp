@@ -1,6 +1,6 @@
 // All checks, one after the other. Each is work that may hang: none may take more than half of the time that
 // is left, so that there is some for those behind it.
-#include "doctor.h"
+#include "examination.h"
 
 #include "inherited.h"
 #include "kind_sets.h"
@@ -141,6 +141,17 @@ static void ask_local_lists(enquiry_t &from, const time_left_t &time)
 	}
 }
 
+std::string_view word_of(verdict_t verdict)
+{
+	static constexpr std::string_view WORDS[] = {"fine", "warning", "problem", "not asked"};
+	return WORDS[static_cast<std::size_t>(verdict)];
+}
+
+std::string line_of(const told_finding_t &found)
+{
+	return fmt::format("{}; {}", found.finding.text, found.advice);
+}
+
 std::vector<const check_t *> all_checks()
 {
 	std::vector<const check_t *> checks;
@@ -248,10 +259,5 @@ finding_t leading_finding(const kinds_t &kinds, enquiry_t &from)
 	from.set_limit(limit);
 	if (best.finding.text.empty())
 		return {verdict_t::FINE, ""};
-	return {best.finding.verdict, fmt::format("{}; {}", best.finding.text, best.advice)};
-}
-
-std::string leading_line(const kinds_t &kinds, enquiry_t &from)
-{
-	return leading_finding(kinds, from).text;
+	return {best.finding.verdict, line_of(best)};
 }

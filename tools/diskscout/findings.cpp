@@ -1,5 +1,5 @@
-// What was found, for people and for programs.
-#include "doctor.h"
+// What doctor has found, for people and for programs.
+#include "findings.h"
 
 #include "asking.h"
 #include "document.h"
@@ -8,12 +8,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-
-std::string_view word_of(verdict_t verdict)
-{
-	static constexpr std::string_view WORDS[] = {"fine", "warning", "problem", "not asked"};
-	return WORDS[static_cast<std::size_t>(verdict)];
-}
 
 static bool is_note(const told_finding_t &found)
 {
@@ -93,7 +87,7 @@ static std::string summary_of(const told_findings_t &found)
 	return counted(checks_in(found) - unasked, "check") + ", " + verdict + unasked_in(found) + ".\n";
 }
 
-listing_t doctor_as_text(const told_findings_t &found)
+listing_t findings_as_text(const told_findings_t &found)
 {
 	std::string text;
 	for (const verdict_t verdict : {verdict_t::PROBLEM, verdict_t::WARNING}) {
@@ -118,14 +112,14 @@ static messages_t messages_of(const told_findings_t &found)
 		                            [&](const auto &one) { return one.finding.verdict == verdict; });
 		if (f == found.end())
 			return {};
-		return {{severity, nullptr, code, fmt::format("{}; {}", f->finding.text, f->advice)}};
+		return {{severity, nullptr, code, line_of(*f)}};
 	};
 	const messages_t problem = first(verdict_t::PROBLEM, severity_t::ERROR, code_t::PROBLEM_FOUND);
 	return problem.empty() ? first(verdict_t::WARNING, severity_t::WARNING, code_t::WARNING_FOUND)
 	                       : problem;
 }
 
-listing_t doctor_as_document(const told_findings_t &found, enquiry_t &from, const host_names_t &host)
+listing_t findings_as_document(const told_findings_t &found, enquiry_t &from, const host_names_t &host)
 {
 	document_t document(host);
 	document.checks(found);
