@@ -5,6 +5,7 @@
 #include <cctype>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -24,13 +25,20 @@ std::string page()
 	return text.str();
 }
 
+// Options stand as what is typed.
+std::string quoted(const char *sentence)
+{
+	static const std::regex OPTION("--[a-z-]+");
+	return std::regex_replace(std::string(sentence), OPTION, "`$&`");
+}
+
 // Whoever changes a row finds here what the page has to say.
 std::string table_of_the_page()
 {
 	std::string table = "| Check | Question | How it is found out | What to do |\n|---|---|---|---|\n";
 	for (const check_t *check : all_checks())
-		table += "| `" + std::string(check->word) + "` | " + check->question + " | " + check->how +
-		         " | " + check->advice + " |\n";
+		table += "| `" + std::string(check->word) + "` | " + check->question + " | " +
+		         quoted(check->how) + " | " + quoted(check->advice) + " |\n";
 	return table;
 }
 
