@@ -26,6 +26,7 @@ const char PROGRAM_NAME[] = "diskscout-limit";
 // As the kernel was asked for it: argv may hold anything.
 static std::string started_as()
 {
+	// NOLINTNEXTLINE(performance-no-int-to-ptr): so the kernel hands addresses over
 	const auto *const path = reinterpret_cast<const char *>(getauxval(AT_EXECFN));
 	return path ? path : "/proc/self/exe";
 }
