@@ -15,9 +15,12 @@ const tool_config_key_t TOOL_CONFIG_KEYS[3] = {{"Cli Path:", &tool_config_t::dir
 static const char WHITE_SPACE[] = " \t\n\v\f\r";
 
 // As the plug-in opens it, so that a captured host shows its own.
+namespace
+{
 struct closer_t {
 	void operator()(FILE *file) const { fclose(file); }
 };
+} // namespace
 using file_t = std::unique_ptr<FILE, closer_t>;
 
 static void set_directory(std::string &directory, std::string_view value)

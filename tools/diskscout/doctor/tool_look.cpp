@@ -146,7 +146,7 @@ static void open_controllers(limited_t &limited, tool_look_t &look)
 			look.is_out_of_time = true;
 			return;
 		}
-		opening_t opening;
+		controller_opening_t opening;
 		opening.name = name;
 		opening.run = run_tool(limited, look, "open", fmt::format("open {}\n", name));
 		const std::string answer = without_paint(opening.run.output);

@@ -9,7 +9,7 @@
 #include <vector>
 
 // A controller, opened and left again.
-struct opening_t {
+struct controller_opening_t {
 	std::string name;
 	tool_run_t run;
 	std::string error; // that the tool told
@@ -25,7 +25,7 @@ struct tool_look_t {
 	std::string error;               // that the tool told
 	std::string named;               // the controller that the lists are about; empty: the first one
 	std::vector<std::string> controllers;
-	std::vector<opening_t> openings;
+	std::vector<controller_opening_t> openings;
 	bool is_out_of_time = false; // for those that were not opened
 
 	bool has_answer() const { return tool_run.is_fine() && has_echo && has_end; }

@@ -27,7 +27,7 @@ static findings_t of_all(const tool_look_t &look, const findings_t &found)
 static findings_t of_those_with(const tool_look_t &look, const char *words, const char *text)
 {
 	findings_t found;
-	for (const opening_t &opening : look.openings) {
+	for (const controller_opening_t &opening : look.openings) {
 		if (holds(opening.error, words))
 			append(found, problem(fmt::format(text, opening.name)));
 	}
@@ -69,7 +69,7 @@ findings_t controller_of_wrong_type(const tool_look_t &look)
 	return of_those_with(look, WRONG_TYPE, "controller {} is of a type that the tool does not drive");
 }
 
-static std::string refusal_of(const opening_t &opening)
+static std::string refusal_of(const controller_opening_t &opening)
 {
 	using end_t = tool_run_t::end_t;
 	const tool_run_t &run = opening.run;
@@ -87,7 +87,7 @@ static std::string refusal_of(const opening_t &opening)
 findings_t controller_refused(const tool_look_t &look)
 {
 	findings_t found;
-	for (const opening_t &opening : look.openings) {
+	for (const controller_opening_t &opening : look.openings) {
 		const std::string refusal = refusal_of(opening);
 		const bool is_known = holds(opening.error, HELD) || holds(opening.error, WRONG_TYPE) ||
 		                      holds(opening.error, MISSING);

@@ -105,6 +105,8 @@ static std::string text_of_file(const char *name, std::uint64_t most)
 	return text;
 }
 
+namespace
+{
 // In front of the output; behind it stands what it said.
 struct report_t {
 	tool_run_t::end_t end;
@@ -112,6 +114,7 @@ struct report_t {
 	std::uint64_t left, output;
 	bool has_output;
 };
+} // namespace
 
 static void do_run(const tool_command_t &command, const worker_link_t &to)
 {
