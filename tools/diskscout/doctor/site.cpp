@@ -35,7 +35,7 @@ std::string found_in_path(const std::string &name)
 	const std::string path = set ? set : USUAL;
 	for (std::size_t from = 0; from <= path.size();) {
 		const std::size_t end = std::min(path.find(':', from), path.size());
-		const std::string candidate = path.substr(from, end - from) + "/" + name;
+		std::string candidate = path.substr(from, end - from) + "/" + name;
 		// The working directory is another one when the shell looks.
 		if (candidate.front() == '/' && end > from && can_be_run(candidate))
 			return candidate;

@@ -18,11 +18,12 @@ static bool is_missing(int error)
 findings_t missing_configuration(const patient_t &at)
 {
 	const site_t site = site_of(at);
-	if (site.is_without)
-		return one_finding(verdict_t::FINE,
-		                   fmt::format("there is no configuration {}: this host is told to have no "
-		                               "RAID controller",
-		                               site.file));
+	if (site.is_without) {
+		const std::string text = fmt::format(
+			"there is no configuration {}: this host is told to have no RAID controller",
+			site.file);
+		return one_finding(verdict_t::FINE, text);
+	}
 	if (site.file.empty())
 		return not_asked("the plug-in does not tell which configuration it reads");
 	if (site.config || !is_missing(site.error))
@@ -81,11 +82,12 @@ static findings_t long_lines_in(const site_t &site)
 	findings_t found;
 	for (std::size_t i = 0; i < site.config->lines.size(); i++) {
 		const tool_config_key_t *const key = key_of(site.config->lines[i]);
-		if (key && is_cut(*site.config, i))
-			append(found,
-			       problem(fmt::format("the line \"{}\" of {} is longer than {} characters: the "
-			                           "rest is not read",
-			                           key->text, site.file, LONGEST)));
+		if (!key || !is_cut(*site.config, i))
+			continue;
+		append(found,
+		       problem(fmt::format("the line \"{}\" of {} is longer than {} characters: the rest is "
+		                           "not read",
+		                           key->text, site.file, LONGEST)));
 	}
 	return found;
 }

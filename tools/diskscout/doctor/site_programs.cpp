@@ -148,7 +148,7 @@ static const judge_t JUDGES[] = {judge_for_the_shell, judge_blanks,     judge_na
 static findings_t findings_of(judge_t judge, const program_t &program, const site_t &site)
 {
 	for (const judge_t earlier : JUDGES) {
-		const findings_t found = earlier(program, site);
+		findings_t found = earlier(program, site);
 		if (earlier == judge)
 			return found;
 		if (!found.empty())
