@@ -148,6 +148,43 @@ def test_what_runs_the_tool_is_not_asked(tool, tmp_path):
             assert (row["text"], row["advice"]) == ("the controller tool was not run", "diskscout doctor --raid runs it")
 
 
+# ---- lists that come back short ----
+
+OF_NO_LIST = {"contents", "arrays", "sigchld", "stack"}
+
+
+@pytest.mark.parametrize("host", PREPARED, ids=lambda host: host.name)
+def test_list_that_is_short_shows_the_line_that_doctor_leads_with(tool, host, tmp_path):
+    """And no other list does."""
+    whole = unfold(host, tmp_path / "host")
+    _, expected = expected_of(host)
+    leading = [message["text"] for message in examined(tool, whole)["messages"]]
+    if any(check in OF_NO_LIST for _, check, _ in expected):
+        leading = []
+    document = json.loads(tool.run("list", "disks", "partitions", "cdroms", "--json", "--sysroot", whole).stdout)
+    lines = [message for message in document["messages"] if message["code"] in ("problem_found", "warning_found")]
+    # what nobody can see in a list is told by doctor alone
+    unseen = {"root", "sector_size", "extended_entries", "sysfs"}
+    if not lines and any(check in unseen for _, check, _ in expected):
+        return
+    assert [line["text"] for line in lines] == leading
+    assert all(line["kind"] is None for line in lines)
+    errors = [message for message in document["messages"] if message["severity"] == "error"]
+    assert {line["severity"] for line in lines} <= {"error" if errors else "warning"}
+
+
+def test_list_without_a_failure_says_nothing_of_notes(tool, tmp_path):
+    host = unfold(DOCTOR / "well-sata", tmp_path / "host")
+    document = json.loads(tool.run("list", "--json", "--sysroot", host).stdout)
+    assert {message["severity"] for message in document["messages"]} == {"note"}
+
+
+def test_first_format_is_told_of_the_raid_side_alone(tool, tmp_path):
+    host = unfold(DOCTOR / "disk-does-not-answer", tmp_path / "host")
+    result = tool.run("list", "--classic", "--format", "1", "partitions", "--sysroot", host)
+    assert result.stderr == "diskscout: the partition query failed; what it found so far is shown\n"
+
+
 # ---- for people ----
 
 

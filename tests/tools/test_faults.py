@@ -81,7 +81,8 @@ def test_list_that_is_cut(tool):
     assert cut.returncode == 1
     document = json.loads(cut.stdout)
     assert len(document["disks"]) == 16
-    assert [(message["kind"], message["code"]) for message in errors_of(document)] == [("disks", "list_cut")]
+    told = [(message["kind"], message["code"]) for message in errors_of(document)]
+    assert told == [("disks", "list_cut"), (None, "problem_found")]
     table = tool.run("list", "disks", "--sysroot", HOSTS / "scsi-seventeen")
     assert table.returncode == 1
     assert any("ends at 16" in line for line in table.stdout.splitlines())
@@ -92,8 +93,9 @@ def test_list_that_is_cut(tool):
 
 def test_partition_query_names_its_cause(tool):
     result = tool.run("list", "partitions", "--json", "--sysroot", HOSTS / "short-disk")
-    (error,) = errors_of(json.loads(result.stdout))
-    assert "sector 100 of /dev/hdb" in error["text"]
+    errors = errors_of(json.loads(result.stdout))
+    assert [error["code"] for error in errors] == ["query_failed", "problem_found"]
+    assert all("sector 100 of /dev/hdb" in error["text"] for error in errors)
     old = tool.run("list", *CLASSIC, "partitions", "--sysroot", HOSTS / "short-disk")
     assert old.stderr == "diskscout: the partition query failed; what it found so far is shown\n"
 

@@ -254,7 +254,7 @@ def test_controller_that_another_program_holds(site):
     assert failures(result) == [
         "the container query failed; it found nothing before",
         "the RAID space query failed at the list of disks; it found nothing before",
-        "controller aac0 is there; another program may hold it",
+        "another program holds controller aac0; end the other program that uses the controller, or wait for it",
     ]
 
 
@@ -279,18 +279,21 @@ def test_configuration_that_is_not_there(site):
     assert result.stdout == "RAID CONTROLLERS\nThe RAID controller query failed.\n"
     assert failures(result) == [
         "the RAID controller query failed; it found nothing before",
-        "the configuration none.cfg cannot be read: No such file or directory (--config names another one)",
+        "the configuration none.cfg cannot be read: No such file or directory (--config names another one);"
+        ' write the three lines "Cli Path:", "Cli Name:" and "Filter Script:" into the file, or name the file that has'
+        " them with --config",
     ]
 
 
 def test_tool_that_fails(site):
     hint = (
-        "the controller tool or the filter script that raid.cfg names fails, or this directory,"
-        " where they are run, cannot be written"
+        f"the controller tool {site.directory}/raidsim ends with status 3;"
+        ' run the tool by hand with the commands "controller list" and "exit"'
     )
     first = "the RAID controller query failed; it found nothing before"
     assert failures(site.list("controllers", fault="exit=3")) == [first, hint]
     site.config.write_text("Cli Path:/nowhere\n")
+    hint = 'there is no line "Cli Name:" in the configuration raid.cfg; add the line with the key and its value'
     assert failures(site.list("controllers")) == [first, hint]
 
 

@@ -2,9 +2,10 @@
 #include "asking.h"
 
 #include "columns.h"
-#include "diagnosis.h"
 #include "diskscout_block.h"
+#include "examination.h"
 #include "kind_sets.h"
+#include "machine.h"
 #include "partition_query.h"
 #include "raid_site.h"
 #include "reasons.h"
@@ -88,19 +89,59 @@ static void add_failure(section_t &section, enquiry_t &from, const options_t &op
 
 static void add_failures(sections_t &sections, enquiry_t &from, const options_t &opts, messages_t &messages)
 {
-	bool hardware_failed = false;
 	for (section_t &section : sections) {
 		if (lacks_controller(*section.kind, from) && !section.answer.failed)
 			messages.push_back({severity_t::NOTE, section.kind, code_t::NO_CONTROLLER,
 			                    "no RAID controller was found"});
-		if (!section.answer.failed)
-			continue;
-		add_failure(section, from, opts, messages);
-		hardware_failed |= is_of_raid(section.kind);
+		if (section.answer.failed)
+			add_failure(section, from, opts, messages);
 	}
-	// One cause, most probably: one hint.
-	if (hardware_failed)
-		messages.push_back({severity_t::ERROR, nullptr, code_t::QUERY_FAILED, diagnosis(from)});
+}
+
+// Notes of what is empty by its nature lead nowhere.
+static bool is_short(const section_t &section, enquiry_t &from, const options_t &opts,
+                     const messages_t &messages)
+{
+	if (opts.classic || !is_of_host(section.kind))
+		return false;
+	return std::any_of(messages.begin(), messages.end(), [&](const message_t &m) {
+		return m.kind == section.kind && (m.severity != severity_t::NOTE || is_judged(from));
+	});
+}
+
+// Those that failed; where none has, those that the reasons name.
+static kinds_t kinds_to_ask_about(const sections_t &sections, enquiry_t &from, const options_t &opts,
+                                  const messages_t &messages)
+{
+	kinds_t failed, cut;
+	for (const section_t &section : sections) {
+		if (section.answer.failed && !is_of_another_time(section, from, opts))
+			failed.push_back(section.kind);
+		else if (is_short(section, from, opts, messages))
+			cut.push_back(section.kind);
+	}
+	return failed.empty() ? cut : failed;
+}
+
+// One cause, most probably: one line.
+static void add_leading_line(const sections_t &sections, enquiry_t &from, const options_t &opts,
+                             messages_t &messages)
+{
+	const kinds_t kinds = kinds_to_ask_about(sections, from, opts, messages);
+	if (kinds.empty())
+		return;
+	const bool has_failed = std::any_of(messages.begin(), messages.end(), [&](const message_t &m) {
+		return m.severity == severity_t::ERROR &&
+		       std::find(kinds.begin(), kinds.end(), m.kind) != kinds.end();
+	});
+	const finding_t found = leading_finding(kinds, from);
+	// Nobody has asked for notes of what did not fail.
+	if (found.text.empty() || (found.verdict == verdict_t::FINE && !has_failed))
+		return;
+	messages.push_back(
+		{has_failed ? severity_t::ERROR : severity_t::WARNING, nullptr,
+	         found.verdict == verdict_t::PROBLEM ? code_t::PROBLEM_FOUND : code_t::WARNING_FOUND,
+	         found.text});
 }
 
 static bool is_asked(const kind_t &kind, const options_t &opts)
@@ -219,6 +260,7 @@ sections_t ask_all(enquiry_t &from, const options_t &opts, messages_t &messages)
 			messages.push_back(std::move(reason));
 		add_reasons(from, opts, messages);
 	}
+	add_leading_line(sections, from, opts, messages);
 	for (message_t &told : left_behind(from))
 		messages.push_back(std::move(told));
 	// Names of devices and of controllers stand in them.

@@ -1,8 +1,8 @@
 // Tables and document as they were before there were formats: agents' scripts rely on every byte.
 #include "asking.h"
 #include "columns.h"
-#include "diagnosis.h"
 #include "drawing.h"
+#include "examination.h"
 #include "heading.h"
 #include "json_writer.h"
 #include "kind_sets.h"
@@ -18,7 +18,7 @@ using visitor_t = std::function<void(const section_t &section)>;
 static std::vector<std::string_view> visit_all(enquiry_t &from, const kinds_t &kinds, const visitor_t &visit)
 {
 	std::vector<std::string_view> failed;
-	bool hardware_failed = false;
+	kinds_t failed_hardware;
 	for (const kind_t *kind : kinds) {
 		const section_t section = {kind, ask(*kind, from)};
 		visit(section);
@@ -26,11 +26,13 @@ static std::vector<std::string_view> visit_all(enquiry_t &from, const kinds_t &k
 			continue;
 		complain(failure_of(section));
 		failed.push_back(kind->old_word);
-		hardware_failed |= is_of_raid(kind);
+		if (is_of_raid(kind))
+			failed_hardware.push_back(kind);
 	}
 	// One cause, most probably: one hint.
-	if (hardware_failed)
-		complain(diagnosis(from));
+	const std::string hint = failed_hardware.empty() ? "" : leading_finding(failed_hardware, from).text;
+	if (!hint.empty())
+		complain(hint);
 	return failed;
 }
 

@@ -21,6 +21,8 @@ findings_t look_at_answers(const patient_t &at)
 			                    fmt::format("the {} query failed: {}", name, list.failure())});
 	};
 	add("device", at.from.block_list(CMD_GET_BLOCK_DEVICES));
+	if (!at.from.has_classic())
+		return findings;
 	add("disk", at.from.list(CMD_GET_DISKS));
 	add("partition", at.from.list(CMD_GET_PARTITIONS));
 	add("CD-ROM", at.from.list(CMD_GET_CDROMS));
@@ -41,12 +43,8 @@ static bool kernel_knows_sysfs()
 findings_t look_at_sysfs(const patient_t &at)
 {
 	const item_list_t &devices = at.from.block_list(CMD_GET_BLOCK_DEVICES);
-	if (!devices.failed() || !devices.failure().empty())
+	if (!devices.failed() || devices.error() != ENOENT)
 		return {};
-	if (devices.error() != ENOENT)
-		return {{verdict_t::PROBLEM,
-		         fmt::format("today's devices cannot be asked: {}",
-		                     devices.error() ? strerror(devices.error()) : "no cause was found")}};
 	const bool is_unmounted = kernel_knows_sysfs();
 	return {{is_unmounted ? verdict_t::PROBLEM : verdict_t::FINE,
 	         is_unmounted ? "this kernel has a sysfs, which is not mounted at /sys"
@@ -141,6 +139,12 @@ findings_t look_at_queries(const patient_t &at)
 				{verdict_t::PROBLEM,
 			         fmt::format("the {} query failed, and no cause was found", name)});
 	};
+	const item_list_t &devices = at.from.block_list(CMD_GET_BLOCK_DEVICES);
+	if (devices.failed() && devices.failure().empty() && devices.error() != ENOENT)
+		findings.push_back(
+			{verdict_t::PROBLEM,
+		         fmt::format("the device query failed: {}",
+		                     devices.error() ? strerror(devices.error()) : "no cause was found")});
 	const item_list_t &partitions = at.from.list(CMD_GET_PARTITIONS);
 	add("disk", at.from.list(CMD_GET_DISKS), "");
 	add("partition", partitions, partitions.failed() ? known_partition_failure(at.from) : "");

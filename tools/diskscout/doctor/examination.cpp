@@ -117,6 +117,8 @@ public:
 
 	told_findings_t look_for(const check_t &check)
 	{
+		// A plug-in that does not tell its configuration does not tell its tool.
+		at_.asks_tool &= !check.runs_tool || !at_.from.configuration().empty();
 		if (check.runs_tool && at_.asks_tool && !seen_ && !time_.is_over()) {
 			at_.from.set_limit(time_.rest());
 			at_.tool = &seen_.emplace(look_at_tool(at_));
@@ -208,7 +210,7 @@ static std::string controller_not_there(enquiry_t &from)
 	if (is_there)
 		return "";
 	if (controllers.empty())
-		return fmt::format("there is no controller \"{}\", and no other one", name);
+		return "no RAID controller was found";
 	return fmt::format("there is no controller \"{}\", there is {}", name, names_of(controllers));
 }
 
@@ -224,7 +226,7 @@ static told_finding_t leading(unsigned concerns, const patient_t &at, const time
 	looked_at_t looked(at, time);
 	told_finding_t best = {nullptr, {verdict_t::FINE, ""}, ""};
 	for (const check_t *check : all_checks()) {
-		if ((check->concerns & concerns) == 0 || (check->runs_tool && !at.asks_tool))
+		if ((check->concerns & concerns) == 0)
 			continue;
 		for (told_finding_t &found : looked.look_for(*check)) {
 			const bool says =
@@ -238,11 +240,22 @@ static told_finding_t leading(unsigned concerns, const patient_t &at, const time
 	return best;
 }
 
+static constexpr unsigned LOCAL_LISTS = DISKS_SHORT | PARTITIONS_SHORT | CDROMS_SHORT;
+
+// What is judged of the classic lists is judged beside today's.
+static unsigned askable(const enquiry_t &from)
+{
+	if (from.has_classic() && from.has_block())
+		return ANY_LIST;
+	return from.has_classic() ? +RAID_FAILED : +DEVICES_FAILED;
+}
+
 finding_t leading_finding(const kinds_t &kinds, enquiry_t &from)
 {
 	unsigned concerns = 0;
 	for (const kind_t *kind : kinds)
 		concerns |= concern_of(kind);
+	concerns &= askable(from);
 	const bool is_raid = (concerns & RAID_FAILED) != 0;
 	if (is_raid) {
 		const std::string lacking = controller_not_there(from);
@@ -253,7 +266,7 @@ finding_t leading_finding(const kinds_t &kinds, enquiry_t &from)
 	const bool asks_tool = is_raid && !from.controllers().timed_out();
 	const milliseconds limit = from.limit();
 	const time_left_t time(limit);
-	if (concerns & ~RAID_FAILED)
+	if (concerns & LOCAL_LISTS)
 		ask_local_lists(from, time);
 	const told_finding_t best = leading(concerns, {from, inherited(), std::nullopt, asks_tool}, time);
 	from.set_limit(limit);

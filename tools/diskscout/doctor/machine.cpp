@@ -3,6 +3,8 @@
 
 #include "kinds.h"
 
+#include "diskscout_block.h"
+
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -24,8 +26,15 @@ machine_t machine_of(enquiry_t &from)
 	take(&machine.reasons,
 	     partition_reasons(facts, machine.unlisted, machine.tables, PARTITIONS_KIND, true));
 	take(&machine.reasons, cdrom_reasons(facts, machine.tables, CDROMS_KIND));
-	machine.is_judged = !facts.disks.empty() || !facts.cdroms.empty() || !facts.knows_devices;
+	machine.is_judged = is_judged(from);
 	return machine;
+}
+
+bool is_judged(enquiry_t &from)
+{
+	return from.block_list(CMD_GET_BLOCK_DEVICES).failed() ||
+	       !from.list(CMD_GET_DISKS).records<STORAGE_DISK_LIST>().empty() ||
+	       !from.list(CMD_GET_CDROMS).records<STORAGE_CDROM_LIST>().empty();
 }
 
 verdict_t judged(const machine_t &machine, verdict_t verdict)

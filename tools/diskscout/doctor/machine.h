@@ -14,14 +14,16 @@ struct machine_t {
 	kernel_tables_t tables;
 	std::vector<unlisted_t> unlisted;
 	messages_t reasons; // of the three classic lists
-	/*
-	 * Whether somebody relies on the classic lists here: they hold something, or nobody else tells the
-	 * devices. On other hosts, as on most of today, they are empty by their nature, and that is fine.
-	 */
 	bool is_judged;
 };
 
 machine_t machine_of(enquiry_t &from);
+
+/*
+ * Whether somebody relies on the classic lists here: they hold something, or nobody else tells the devices. On
+ * other hosts, as on most of today, they are empty by their nature, and that is fine.
+ */
+bool is_judged(enquiry_t &from);
 
 // What is a warning or a problem where the classic lists are judged, and else a note.
 verdict_t judged(const machine_t &machine, verdict_t verdict);

@@ -26,6 +26,9 @@ public:
 	          std::chrono::milliseconds limit = {});
 	~enquiry_t();
 	void set_limit(std::chrono::milliseconds limit) { limit_ = limit; }
+	// Of the plug-ins that nothing is asked of, nothing may be asked.
+	bool has_classic() const { return classic_; }
+	bool has_block() const { return block_; }
 	std::chrono::milliseconds limit() const { return limit_; }
 
 	// Work that may hang, beside the lists: in a worker, under the same limit. The controller tool's work
