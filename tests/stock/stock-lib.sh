@@ -33,7 +33,9 @@ fail() {
 # must COMMAND...: or the machine ends here; what it says is kept
 must() { "$@" < /dev/null >> $seen/made.log 2>&1 || fail "$*: $(tail -n 3 $seen/made.log)"; }
 
-step() { echo "$(cut -d ' ' -f 1 /proc/uptime) $*" >> $seen/times; }
+uptime_now() { cut -d ' ' -f 1 /proc/uptime; }
+
+step() { echo "$(uptime_now) $*" >> $seen/times; }
 
 # until_says WANTED COMMAND...: the kernel does some things in its own time
 until_says() {
@@ -157,6 +159,20 @@ ask() {
 	shift 2
 	"$@" > "$into.out" 2> "$into.err"
 	echo $? > "$into.status"
+}
+
+# leave_behind STAGE DEVICE: by a program of ours that reads what does not answer; how long it took, and what there is
+leave_behind() {
+	uptime_now > "$seen/$1/left.times"
+	ask "$1" left ./stcli --timeout 1 part "$2"
+	uptime_now >> "$seen/$1/left.times"
+	left_behind "$1" > "$seen/$1/left.state"
+}
+
+# left_behind STAGE: the state of the process that is named there; nothing when it is gone
+left_behind() {
+	pid=$(sed -n 's/.* process \([0-9]*\) cannot be ended.*/\1/p' "$seen/$1/left.err")
+	sed 's/.*) //; s/ .*//' "/proc/$pid/stat" 2> /dev/null
 }
 
 # stage NAME: as root and as an ordinary user who cannot open a device

@@ -28,7 +28,6 @@ esac
 """
 SLEEP = "sleep 1000"
 HANGS = {
-    "hang": SLEEP,
     "term": f"trap '' TERM; {SLEEP}",
     "session": f"setsid sh -c 'trap \"\" TERM; {SLEEP} & {SLEEP}' & {SLEEP}",
     "talks": "while :; do echo noise >&2; done",
@@ -362,7 +361,8 @@ def wait_until(condition, within=10):
 @pytest.mark.parametrize("number", ENDS)
 def test_end_while_the_tool_hangs(watched, number):
     begun = watched.room / "begun"
-    watched.behave("container list", f"trap '' TERM; >{begun}; {SLEEP}")
+    trap = "trap '' TERM;" if number in (signal.SIGTERM, signal.SIGKILL) else ""
+    watched.behave("container list", f"{trap} >{begun}; {SLEEP}")
     started = watched.start(*RAID_RUN)
     wait_until(begun.exists)
     begun.unlink()
@@ -395,18 +395,13 @@ def test_next_run_sweeps_what_a_kill_of_all_leaves(watched):
 # ---- what we are given ----
 
 
-@pytest.mark.parametrize("closed", [[1], [2], [0, 1, 2]])
-def test_closed_streams(watched, closed):
-    watched.behave("container list", SLEEP)
-
+@pytest.mark.parametrize("closed,status", [([0], 0), ([1], 1), ([2], 0), ([0, 1, 2], 1)])
+def test_closed_streams(watched, closed, status):
     def close():
         for descriptor in closed:
             os.close(descriptor)
 
-    begin = time.monotonic()
-    run = watched.start(*RAID_RUN, "--timeout", "1", preexec_fn=close)
-    assert run.wait() == 1
-    assert time.monotonic() - begin < 1 + 3
+    assert watched.start(*RAID_RUN, preexec_fn=close).wait() == status
     assert watched.left() == []
 
 
@@ -455,8 +450,10 @@ def limited(kind, number, user=None):
 
 
 @pytest.mark.parametrize("number", [4, 6, 8, 9, 10, 12])
-def test_few_descriptors(watched, number):
+def test_few_descriptors(watched, number, is_slow):
     """A named cause, or all of it."""
+    if is_slow:
+        pytest.skip("a sanitizer needs descriptors itself")
     started = watched.start(
         *RAID_RUN, "--timeout", "5", preexec_fn=limited(resource.RLIMIT_NOFILE, number), stderr=subprocess.PIPE
     )

@@ -185,6 +185,8 @@ static bool has_ended(pid_t work, int &status)
 	if (WIFEXITED(verdict.status)) {
 		wait_for_sweeper(sweeper);
 		end_remainder();
+		// Of work that somebody else has let exit.
+		wait_for_sweeper(start_sweeper(trio));
 	} else {
 		end_everything();
 	}

@@ -88,21 +88,11 @@ hang() {
 	head -c 512 /dev/mapper/frozen > /dev/null &
 }
 
-# Another mapping, which nobody else holds open: not even a kill ends who reads it.
-left_behind() {
-	must real dmsetup suspend --noflush --nolockfs nameless
-	cut -d ' ' -f 1 /proc/uptime > $seen/hung-root/left.times
-	ask hung-root left ./stcli --timeout 1 part /dev/mapper/nameless
-	cut -d ' ' -f 1 /proc/uptime >> $seen/hung-root/left.times
-	pid=$(sed -n 's/.* process \([0-9]*\) cannot be ended.*/\1/p' $seen/hung-root/left.err)
-	sed 's/.*) //; s/ .*//' "/proc/$pid/stat" > $seen/hung-root/left.state
-	must real dmsetup resume nameless
-	until_says '' state_of "$pid"
-}
-
-state_of() { cat "/proc/$1/stat" 2> /dev/null; }
-
 unhang() {
-	left_behind
+	# another one, which nobody else holds open: not even a kill ends who reads it
+	must real dmsetup suspend --noflush --nolockfs nameless
+	leave_behind hung-root /dev/mapper/nameless
+	must real dmsetup resume nameless
+	until_says '' left_behind hung-root
 	must real dmsetup resume frozen
 }
