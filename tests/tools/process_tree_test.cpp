@@ -1,4 +1,5 @@
 // Processes that somebody started for us: who they are, and that they go.
+#include "process_table.h"
 #include "processes.h"
 
 #include <csignal>
@@ -220,6 +221,23 @@ TEST_F(ProcessTree, NobodyElseIsTouched)
 		leave_copy(testing::Test::HasFailure());
 	});
 	EXPECT_EQ(wait_for(child), 0);
+}
+
+// Whoever has a number of one that is gone is somebody else.
+TEST_F(ProcessTree, NumberAloneIsNobody)
+{
+	const pid_t child = start([] { sleep_for_good(); });
+	process_t other = read_process(child);
+	EXPECT_EQ(other.parent, getpid());
+	EXPECT_FALSE(other.is_ended || other.has_terminal);
+	other.start++;
+	EXPECT_FALSE(send_signal(other, SIGKILL));
+	EXPECT_TRUE(send_signal(read_process(child), SIGKILL));
+	EXPECT_EQ(wait_for(child), SIGKILL);
+	const process_t gone = read_process(child);
+	EXPECT_TRUE(gone.is_ended);
+	EXPECT_EQ(gone.parent, 0);
+	EXPECT_FALSE(send_signal(gone, SIGKILL));
 }
 
 // Where /proc tells of nobody, as in a changed root, the group is all that is known.
