@@ -20,8 +20,8 @@ struct machine_t {
 machine_t machine_of(enquiry_t &from);
 
 /*
- * Whether somebody relies on the classic lists here: they hold something, or nobody else tells the devices. On
- * other hosts, as on most of today, they are empty by their nature, and that is fine.
+ * Whether somebody relies on the classic lists here: they hold something, or nobody else tells the devices.
+ * On other hosts, as on most of today, they are empty by their nature, and that is fine.
  */
 bool is_judged(enquiry_t &from);
 
