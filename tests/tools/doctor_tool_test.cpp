@@ -167,6 +167,25 @@ TEST(DoctorSite, may_not_be_readable)
 	                         " cannot be read: Permission denied\n");
 }
 
+// Everybody's own group is the usual one of those who are not root.
+TEST(DoctorSite, may_be_a_groups)
+{
+	SiteOf site("fine");
+	const auto bin = site.site.root_ / "bin";
+	const bool is_root = geteuid() == 0;
+	constexpr gid_t STAFF = 50;
+	ASSERT_EQ(chown(bin.c_str(), geteuid(), is_root ? STAFF : getegid()), 0);
+	fs::permissions(bin, fs::perms(0770));
+	EXPECT_EQ(site.found("", false),
+	          is_root ? "warning config_writable: " + bin.string() + " can be written by its group 50\n"
+	                  : "");
+	if (is_root) {
+		ASSERT_EQ(chown(bin.c_str(), 65534, 0), 0);
+		EXPECT_EQ(site.found("", false), "problem config_writable: " + bin.string() +
+		                                         " can be written by its owner, user 65534\n");
+	}
+}
+
 // A host whose usual place of the configuration can be looked into.
 class DoctorHost : public HostDir
 {

@@ -12,9 +12,10 @@
 #include <vector>
 
 /*
- * A problem: a list fails, is cut or holds what is not so, or something that has to be read cannot be. A
- * warning: what the lists tell is right, and yet not all. What is fine may have a text as well, which is a
- * note: it explains to whoever asks why a list is empty, on a host that is well.
+ * A problem: a list fails, is cut or holds what is not so, something that has to be read cannot be, or
+ * somebody else can choose what root runs. A warning: what the lists tell is right, and yet not all. What is
+ * fine may have a text as well, which is a note: it explains to whoever asks why a list is empty, on a host
+ * that is well.
  */
 enum class verdict_t { FINE, WARNING, PROBLEM, NOT_ASKED };
 

@@ -86,21 +86,22 @@ static bool is_trusted_group(gid_t group)
 	return group == 0 || (geteuid() != 0 && group == getegid());
 }
 
-// By whom; empty: by nobody else.
-static std::string writers_of(const std::string &path)
+// Whoever is in a group was put there by root: on some systems the group staff owns /usr/local.
+static findings_t writers_of(const std::string &path)
 {
 	struct stat status;
 	if (stat(path.c_str(), &status) != 0)
-		return "";
-	// Nobody takes away there what is not his own.
-	const bool is_shared = S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX);
+		return {};
 	if (!is_trusted(status.st_uid))
-		return fmt::format("by its owner, user {}", status.st_uid);
-	if ((status.st_mode & S_IWOTH) && !is_shared)
-		return "by everybody";
-	if ((status.st_mode & S_IWGRP) && !is_shared && !is_trusted_group(status.st_gid))
-		return fmt::format("by its group {}", status.st_gid);
-	return "";
+		return problem(fmt::format("{} can be written by its owner, user {}", path, status.st_uid));
+	// Nobody takes away there what is not his own.
+	if (S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX))
+		return {};
+	if (status.st_mode & S_IWOTH)
+		return problem(fmt::format("{} can be written by everybody", path));
+	if ((status.st_mode & S_IWGRP) && !is_trusted_group(status.st_gid))
+		return warning(fmt::format("{} can be written by its group {}", path, status.st_gid));
+	return {};
 }
 
 using paths_t = std::set<std::string>;
@@ -126,11 +127,8 @@ static findings_t writable_by_others_of(const site_t &site)
 			add(paths, program.path);
 	}
 	findings_t found;
-	for (const std::string &path : paths) {
-		const std::string writers = writers_of(path);
-		if (!writers.empty())
-			append(found, problem(fmt::format("{} can be written {}", path, writers)));
-	}
+	for (const std::string &path : paths)
+		append(found, writers_of(path));
 	return found;
 }
 
