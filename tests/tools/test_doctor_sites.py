@@ -88,3 +88,60 @@ def test_a_configuration_that_is_asked_for_must_be_there(tool, well):
         " (--config names another one).\n"
     )
     assert tool.run("doctor", "--sysroot", well).returncode == 0
+
+
+# ---- what a list is told ----
+
+# The list fails, and the cause is the one that doctor would lead with.
+OF_A_LIST = {
+    "controllers": [
+        "config-missing",
+        "config-directory",
+        "config-small-letters",
+        "config-no-filter",
+        "name-is-path",
+        "path-relative",
+        "tool-missing",
+        "tool-not-executable",
+        "filter-without-interpreter",
+        "run-directory-missing",
+        "tool-status",
+        "tool-killed",
+        "filter-status",
+        "filter-killed",
+        "filter-prints",
+    ],
+    "containers": [
+        "controller-held",
+        "controller-of-wrong-type",
+        "controller-gone",
+        "simulated-busy",
+        "simulated-flood",
+    ],
+}
+
+
+@pytest.mark.parametrize("kind, name", [(kind, name) for kind, names in OF_A_LIST.items() for name in names])
+def test_list_that_fails_tells_the_cause(tool, tmp_path, kind, name):
+    site = DoctorSite(name, tmp_path / "site", tool.program.parent)
+    arguments = ("--config", site.config, "--timeout", "20", "--json")
+    result = tool.run("list", kind, *arguments, env=site.environment(), cwd=site.root)
+    document = json.loads(result.stdout)
+    verdict, _, text = site.expected()[0]
+    leading = document["messages"][-1]
+    assert (leading["severity"], leading["code"]) == ("error", f"{verdict}_found")
+    assert leading["text"].startswith(f"{text}; ")
+    assert result.stderr.splitlines()[-1] == f"diskscout: {leading['text']}"
+    assert result.returncode == 1
+    assert site.nothing_is_left()
+
+
+def test_list_that_took_too_long_is_not_asked_again(tool, tmp_path):
+    site = DoctorSite("tool-hangs", tmp_path / "site", tool.program.parent)
+    start = time.monotonic()
+    arguments = ("list", "controllers", "--config", site.config, "--timeout", "1")
+    result = tool.run(*arguments, env=site.environment(), cwd=site.root)
+    assert time.monotonic() - start < 4
+    assert result.returncode == 1
+    assert "timed out after 1 s at controller list" in result.stderr
+    assert site.nothing_is_left()
