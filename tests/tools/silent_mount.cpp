@@ -50,7 +50,7 @@ silent_mount_t::silent_mount_t(std::string directory, questions_t questions)
 void silent_mount_t::open(questions_t questions)
 {
 	const auto lacks = [&](const char *what) { lack_ = std::string(what) + ": " + strerror(errno); };
-	if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+	if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0)
 		return lacks("no room of mounts");
 	const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
 	if (device < 0)

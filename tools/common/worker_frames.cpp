@@ -10,11 +10,11 @@
 #include <cstring>
 #include <fcntl.h>
 
-enum frame_kind_t : std::uint32_t { STAGE, RESULT, FAILURE };
+enum frame_kind_t : std::uint64_t { STAGE, RESULT, FAILURE };
 
 // As long as any record's alignment is, and so is what stands behind it.
 struct alignas(16) frame_t {
-	std::uint32_t kind;
+	std::uint64_t kind;
 	std::uint64_t count;
 };
 
