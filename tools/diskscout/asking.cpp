@@ -231,11 +231,12 @@ static void add_reasons(enquiry_t &from, const options_t &opts, messages_t &mess
 	const worked_t worked = from.work("what lists leave out", enquiry_t::place_t::HERE, look);
 	for (message_t &reason : unpacked_messages(worked.text()))
 		messages.push_back(std::move(reason));
-	if (!worked.is_done)
+	if (!worked.is_done) {
 		messages.push_back(
 			{severity_t::WARNING, nullptr,
 		         worked.is_timed_out ? code_t::TIMED_OUT : code_t::QUERY_FAILED,
 		         fmt::format("why lists are short could not be told: {}", worked.failure)});
+	}
 }
 
 messages_t left_behind(const enquiry_t &from)

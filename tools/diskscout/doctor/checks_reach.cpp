@@ -140,11 +140,12 @@ findings_t look_at_queries(const patient_t &at)
 			         fmt::format("the {} query failed, and no cause was found", name)});
 	};
 	const item_list_t &devices = at.from.block_list(CMD_GET_BLOCK_DEVICES);
-	if (devices.failed() && devices.failure().empty() && devices.error() != ENOENT)
+	if (devices.failed() && devices.failure().empty() && devices.error() != ENOENT) {
 		findings.push_back(
 			{verdict_t::PROBLEM,
 		         fmt::format("the device query failed: {}",
 		                     devices.error() ? strerror(devices.error()) : "no cause was found")});
+	}
 	const item_list_t &partitions = at.from.list(CMD_GET_PARTITIONS);
 	add("disk", at.from.list(CMD_GET_DISKS), "");
 	add("partition", partitions, partitions.failed() ? known_partition_failure(at.from) : "");

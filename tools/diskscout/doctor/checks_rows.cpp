@@ -51,13 +51,14 @@ findings_t look_at_sectors(const patient_t &at)
 	findings_t findings;
 	for (const known_disk_t &disk : facts.disks) {
 		const int size = sector_of(disk, facts);
-		if (size > CLASSIC && has_places(disk))
+		if (size > CLASSIC && has_places(disk)) {
 			append(&findings,
 			       about({disk.node},
 			             fmt::format("has sectors of {} bytes, its partitions are told as if "
 			                         "they had {}",
 			                         size, CLASSIC),
 			             verdict_t::PROBLEM));
+		}
 	}
 	return findings;
 }

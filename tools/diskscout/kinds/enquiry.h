@@ -59,7 +59,7 @@ public:
 	std::string configuration() const { return classic_->configuration(); }
 
 private:
-	worked_t ask_plugin(const plugin_t &of, UINT query, const std::string &argument);
+	worked_t ask_plugin(const plugin_t &of, UINT code, const std::string &argument);
 	const item_list_t &remembered(const plugin_t &of, UINT query);
 	const std::string &private_directory();
 	work_t with_full_paths(const work_t &what) const;

@@ -153,9 +153,16 @@ const query_t &query_of(UINT code)
 // ---- packing ----
 
 // A pointer in bytes, whose type does not matter there.
-static std::uintptr_t pointer_at(const char *bytes)
+static const char *pointer_at(const char *bytes)
 {
-	std::uintptr_t value;
+	const char *value;
+	memcpy(&value, bytes, sizeof value);
+	return value;
+}
+
+static std::size_t distance_at(const char *bytes)
+{
+	std::size_t value;
 	memcpy(&value, bytes, sizeof value);
 	return value;
 }
@@ -163,11 +170,6 @@ static std::uintptr_t pointer_at(const char *bytes)
 static void set_pointer(char *bytes, std::uintptr_t value)
 {
 	memcpy(bytes, &value, sizeof value);
-}
-
-static const char *address(std::uintptr_t pointer)
-{
-	return reinterpret_cast<const char *>(pointer);
 }
 
 // What lies behind the end of a shorter record is not there; of a longer one nobody asks for more.
@@ -229,11 +231,11 @@ std::size_t packer_t::list(const record_layout_t &layout, const char *first, int
 		     p++) {
 			if (!lies_within(*p, size))
 				continue;
-			const char *const target = address(pointer_at(record + p->at));
+			const char *const target = pointer_at(record + p->at);
 			set(at + p->at, p->list ? list(*p->list, target, -1) : text(target));
 		}
 		before = at;
-		record = address(pointer_at(record + layout.next));
+		record = pointer_at(record + layout.next);
 	}
 	return head;
 }
@@ -271,14 +273,14 @@ static void relocate(const record_layout_t &layout, char *base, std::size_t firs
 		const std::size_t size = size_of(layout, record);
 		for (const pointer_layout_t *p = layout.pointers; p != layout.pointers + layout.pointer_count;
 		     p++) {
-			const std::size_t target = lies_within(*p, size) ? pointer_at(record + p->at) : 0;
+			const std::size_t target = lies_within(*p, size) ? distance_at(record + p->at) : 0;
 			if (target == 0)
 				continue;
 			set_pointer(record + p->at, reinterpret_cast<std::uintptr_t>(base + target));
 			if (p->list)
 				relocate(*p->list, base, target);
 		}
-		at = pointer_at(record + layout.next);
+		at = distance_at(record + layout.next);
 		if (at != 0)
 			set_pointer(record + layout.next, reinterpret_cast<std::uintptr_t>(base + at));
 	}

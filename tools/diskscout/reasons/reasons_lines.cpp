@@ -28,10 +28,11 @@ void reason_lines_t::add(const std::string &name, const reason_t &reason)
 messages_t reason_lines_t::messages() const
 {
 	messages_t result;
-	for (const line_t &line : lines_)
+	for (const line_t &line : lines_) {
 		result.push_back(
 			{line.reason.severity, kind_, line.reason.code,
 		         fmt::format("{}: {}", names_in_short(line.names), printable(line.reason.text)),
 		         line.reason.detail});
+	}
 	return result;
 }
