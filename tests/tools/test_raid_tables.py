@@ -142,8 +142,8 @@ def failure_of(result, name):
 
 
 WRITE_IT = (
-    'write the three lines "Cli Path:", "Cli Name:" and "Filter Script:" into the file, or name the file that has them'
-    " with --config"
+    'where there is a RAID controller, write the lines "Cli Path:", "Cli Name:" and "Filter Script:" into it, or name the'
+    " file that has them with --config"
 )
 
 
@@ -156,7 +156,7 @@ def test_configuration_that_cannot_be_read(tool):
     result = tool.fake("failing", "list", *CLASSIC, "controllers")
     assert result.stdout == "RAID CONTROLLERS\nThe RAID controller query failed.\n"
     assert failure_of(result, "RAID controller") == (
-        "the configuration /nowhere/hardraid.cfg cannot be read: No such file or directory"
+        f"the configuration /nowhere/hardraid.cfg cannot be read: No such file or directory"
         f" (--config names another one); {WRITE_IT}"
     )
 

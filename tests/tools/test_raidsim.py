@@ -280,8 +280,8 @@ def test_configuration_that_is_not_there(site):
     assert failures(result) == [
         "the RAID controller query failed; it found nothing before",
         "the configuration none.cfg cannot be read: No such file or directory (--config names another one);"
-        ' write the three lines "Cli Path:", "Cli Name:" and "Filter Script:" into the file, or name the file that has'
-        " them with --config",
+        ' where there is a RAID controller, write the lines "Cli Path:", "Cli Name:" and "Filter Script:" into it, or name'
+        " the file that has them with --config",
     ]
 
 

@@ -55,10 +55,11 @@ WHOLE = {
 def marked(mark):
     """The processes that have this in their environment."""
     found = {}
-    for path in pathlib.Path("/proc").glob("[0-9]*/environ"):
+    for number in filter(str.isdigit, os.listdir("/proc")):
+        process = pathlib.Path("/proc", number)
         with contextlib.suppress(OSError):
-            if mark.encode() in path.read_bytes():
-                found[int(path.parent.name)] = os.readlink(path.parent / "exe")
+            if mark.encode() in (process / "environ").read_bytes():
+                found[int(number)] = os.readlink(process / "exe")
     return found
 
 
@@ -241,17 +242,19 @@ def test_plugin_that_hangs(tool):
     document = tool.made_document("disks", "partitions", "cdroms", "--timeout", "1", classic="hanging", status=1)
     assert time.monotonic() - begin < 1 + 3
     assert [document[kind] is None for kind in ("disks", "partitions", "cdroms")] == [False, True, False]
-    error = error_of(document, "partitions")
-    assert error["code"] == "timed_out"
-    assert "timed out after 1 s at partition list" in error["text"]
+    error, leading = errors_of(document)
+    assert (error["kind"], error["code"]) == ("partitions", "timed_out")
+    assert (leading["kind"], leading["code"]) == (None, "problem_found")
+    assert all("timed out after 1 s at partition list" in text for text in (error["text"], leading["text"]))
 
 
 def test_plugin_that_crashes(tool):
     document = tool.made_document("disks", "partitions", "cdroms", classic="crashing", status=1)
     assert [document[kind] is None for kind in ("disks", "partitions", "cdroms")] == [False, True, False]
-    error = error_of(document, "partitions")
-    assert error["code"] == "query_failed"
-    assert "was ended by signal 11" in error["text"]
+    error, leading = errors_of(document)
+    assert (error["kind"], error["code"]) == ("partitions", "query_failed")
+    assert (leading["kind"], leading["code"]) == (None, "problem_found")
+    assert all("was ended by signal 11" in text for text in (error["text"], leading["text"]))
 
 
 def test_plugin_that_leaves_a_process(tool):
