@@ -1,6 +1,7 @@
 """What doctor finds on captured hosts, and what it does with a machine that hangs."""
 
 import json
+import os
 import re
 import resource
 import signal
@@ -304,3 +305,19 @@ def test_a_plugin_that_does_not_come_to_answer(tool, case, cause):
     texts = [row["text"] for row in json.loads(result.stdout)["checks"] if row["check"] == "answers"]
     assert texts
     assert all(re.match(r"the (disk|partition|CD-ROM) query failed: ", text) and cause in text for text in texts)
+
+
+def test_a_check_that_hangs_is_a_finding_and_leaves_time_for_the_others(tool, tmp_path):
+    """Nobody ever writes into the pipe that stands in the place of the table."""
+    host = unfold(DOCTOR / "outside-its-disk", tmp_path / "host")
+    for name in ("mdstat", "filesystems"):
+        os.mkfifo(host / "proc" / name)
+    (host / "sys").rename(host / "kept")
+    start = time.monotonic()
+    result = tool.run("doctor", "--json", "--timeout", "4", "--sysroot", host)
+    assert time.monotonic() - start < 4 + 2
+    found = findings(json.loads(result.stdout))
+    assert result.returncode == 1
+    assert [row[:2] for row in found] == [("warning", "sysfs"), ("problem", "places"), ("warning", "arrays")]
+    for _, check, text in (found[0], found[2]):
+        assert re.fullmatch(rf"{check} could not be answered: timed out after [0-9.]+ s at {check}", text)
