@@ -80,9 +80,10 @@ findings_t look_at_arrays(const patient_t &at)
 		std::istringstream words(line);
 		std::string name, colon;
 		words >> name >> colon;
-		const std::string reason = ++arrays > ARRAYS
-		                                   ? fmt::format("stands behind the {}th array", ARRAYS)
-		                                   : array_reason(words);
+		// Those that are left out take no place.
+		std::string reason = array_reason(words);
+		if (reason.empty() && ++arrays > ARRAYS)
+			reason = fmt::format("stands behind the {}th array", ARRAYS);
 		if (!reason.empty())
 			findings.push_back({verdict, fmt::format("{} {}", name, reason)});
 	}
