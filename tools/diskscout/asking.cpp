@@ -68,6 +68,13 @@ static void find_cause(section_t &section, enquiry_t &from)
 		answer.where = fmt::format(": {}", cause_of_partitions(from));
 }
 
+message_t message_of_failure(section_t &section, enquiry_t &from)
+{
+	find_cause(section, from);
+	return {severity_t::ERROR, section.kind,
+	        section.answer.timed_out ? code_t::TIMED_OUT : code_t::QUERY_FAILED, failure_of(section)};
+}
+
 bool is_of_another_time(const section_t &section, enquiry_t &from, const options_t &opts)
 {
 	return opts.is_alone && is_block(section.kind) && section.answer.error == ENOENT &&
@@ -77,10 +84,7 @@ bool is_of_another_time(const section_t &section, enquiry_t &from, const options
 static void add_failure(section_t &section, enquiry_t &from, const options_t &opts, messages_t &messages)
 {
 	if (!is_of_another_time(section, from, opts)) {
-		find_cause(section, from);
-		messages.push_back({severity_t::ERROR, section.kind,
-		                    section.answer.timed_out ? code_t::TIMED_OUT : code_t::QUERY_FAILED,
-		                    failure_of(section)});
+		messages.push_back(message_of_failure(section, from));
 	} else if (section.kind == &DEVICES_KIND) {
 		messages.push_back({severity_t::NOTE, section.kind, code_t::NO_SYSFS,
 		                    "this host has no /sys: devices of today cannot be told"});

@@ -19,6 +19,9 @@ answer_t ask(const kind_t &kind, enquiry_t &from);
 // "the disk query failed; it found nothing before"
 std::string failure_of(const section_t &section);
 
+// The error that it is, with its cause as far as it can be told.
+message_t message_of_failure(section_t &section, enquiry_t &from);
+
 // A host without what the devices are told from is none of today's. That is a failure only for somebody who
 // asked for just that.
 bool is_of_another_time(const section_t &section, enquiry_t &from, const options_t &opts);

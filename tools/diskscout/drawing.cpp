@@ -9,13 +9,14 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <map>
+#include <unistd.h>
 
 static bool is_number(const field_t &field)
 {
 	return field.shape == shape_t::NUMBER || field.shape == shape_t::BYTES;
 }
 
-static table_t empty_table(const columns_t &columns)
+table_t empty_table(const columns_t &columns)
 {
 	table_t table;
 	for (const field_t *column : columns)
@@ -24,7 +25,7 @@ static table_t empty_table(const columns_t &columns)
 	return table;
 }
 
-static table_row_t draw(const columns_t &columns, const row_t &row, sizes_t sizes)
+table_row_t draw_row(const columns_t &columns, const row_t &row, sizes_t sizes)
 {
 	table_row_t drawn;
 	for (const field_t *column : columns)
@@ -36,7 +37,7 @@ table_t draw_rows(const columns_t &columns, const std::vector<row_t> &rows, size
 {
 	table_t table = empty_table(columns);
 	for (const row_t &row : rows)
-		table.rows.push_back(draw(columns, row, sizes));
+		table.rows.push_back(draw_row(columns, row, sizes));
 	return table;
 }
 
@@ -81,7 +82,7 @@ table_t draw_tree(const columns_t &columns, const std::vector<row_t> &devices, e
 	const tree_style_t &style = writes_utf8() ? TREE_OF_LINES : TREE_OF_ASCII;
 	table_t table = empty_table(columns);
 	for (const tree_row_t &place : tree_rows(forest.roots, forest.below, style)) {
-		table_row_t row = draw(columns, devices[place.node], sizes);
+		table_row_t row = draw_row(columns, devices[place.node], sizes);
 		row.before = place.before;
 		row.beside = place.beside;
 		// The rest of its row and what is below it stand where it was met first.
@@ -92,6 +93,37 @@ table_t draw_tree(const columns_t &columns, const std::vector<row_t> &devices, e
 		table.rows.push_back(std::move(row));
 	}
 	return table;
+}
+
+// ---- as wide as the terminal ----
+
+static std::string headings_of(const columns_t &columns)
+{
+	std::string text;
+	for (const field_t *column : columns)
+		text += fmt::format("{}{}", text.empty() ? "" : ", ", column->heading);
+	return text;
+}
+
+std::string fitted_table(columns_t columns, const columns_t &spare, const draw_t &draw)
+{
+	const auto room = terminal_columns(STDOUT_FILENO);
+	const table_t whole = draw(columns);
+	if (!room || width_of_table(whole) <= *room)
+		return format_table(whole, room);
+	columns_t left_out;
+	for (const field_t *column : spare) {
+		const auto found = std::find(columns.begin(), columns.end(), column);
+		if (found == columns.end())
+			continue;
+		columns.erase(found);
+		left_out.push_back(column);
+		const table_t smaller = draw(columns);
+		if (width_of_table(smaller) <= *room)
+			return format_table(smaller) +
+			       fmt::format("Left out for want of room: {}.\n", headings_of(left_out));
+	}
+	return format_table(whole, room);
 }
 
 std::string old_note_of(const kind_t &kind)

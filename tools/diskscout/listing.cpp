@@ -63,37 +63,14 @@ static bool is_as_before(const kind_t &kind, const options_t &opts)
 	return opts.classic && is_of_controller(&kind);
 }
 
-static std::string headings_of(const columns_t &columns)
-{
-	std::string text;
-	for (const field_t *column : columns)
-		text += fmt::format("{}{}", text.empty() ? "" : ", ", column->heading);
-	return text;
-}
-
-/*
- * The table as wide as the terminal allows. Where nobody named columns, those that can be done without are
- * left out one by one, which is told below it; where that does not help, the rows become blocks of lines with
- * all of them.
- */
 static std::string table_of(const section_t &section, enquiry_t &from, const options_t &opts)
 {
-	const auto room = terminal_columns(STDOUT_FILENO);
+	const auto draw = [&](const columns_t &columns) { return table_with(columns, section, from, opts); };
 	const bool as_before = is_as_before(*section.kind, opts);
-	columns_t columns = columns_of(*section.kind, opts.columns, as_before);
-	const table_t whole = table_with(columns, section, from, opts);
-	if (!room || !opts.columns.empty() || opts.no_headings || as_before || width_of_table(whole) <= *room)
-		return format_table(whole, room);
-	columns_t left_out;
-	for (const field_t *spare : spare_columns_of(*section.kind)) {
-		columns.erase(std::remove(columns.begin(), columns.end(), spare), columns.end());
-		left_out.push_back(spare);
-		const table_t smaller = table_with(columns, section, from, opts);
-		if (width_of_table(smaller) <= *room)
-			return format_table(smaller) +
-			       fmt::format("Left out for want of room: {}.\n", headings_of(left_out));
-	}
-	return format_table(whole, room);
+	const columns_t columns = columns_of(*section.kind, opts.columns, as_before);
+	if (!opts.columns.empty() || opts.no_headings || as_before)
+		return format_table(draw(columns), terminal_columns(STDOUT_FILENO));
+	return fitted_table(columns, spare_columns_of(*section.kind), draw);
 }
 
 static std::string pairs_of(const section_t &section, const options_t &opts)

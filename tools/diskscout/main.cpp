@@ -15,6 +15,7 @@
 #include "schema.h"
 #include "sysroot.h"
 #include "text.h"
+#include "tree_listing.h"
 #include "usage_error.h"
 
 const char PROGRAM_NAME[] = "diskscout";
@@ -40,6 +41,23 @@ static listing_t examine(enquiry_t &from, const options_t &opts)
 	                 : findings_as_text(found);
 }
 
+static listing_t tree(enquiry_t &from, const options_t &opts)
+{
+	return opts.json ? tree_as_document(from, opts, host_names(opts.replayed)) : tree_as_picture(from, opts);
+}
+
+static listing_t shown(enquiry_t &from, const options_t &opts)
+{
+	switch (opts.command) {
+	case command_t::DOCTOR:
+		return examine(from, opts);
+	case command_t::TREE:
+		return tree(from, opts);
+	default:
+		return list(from, opts);
+	}
+}
+
 static int show(const options_t &opts)
 {
 	// The other plug-in starts no programs: a worker that ends with us is enough for it.
@@ -55,8 +73,8 @@ static int show(const options_t &opts)
 	enquiry_t asked(classic ? &*classic : nullptr, block ? &*block : nullptr, opts.controller,
 	                opts.limit());
 	asked.set_raid_as_before(opts.classic);
-	const listing_t shown = opts.command == command_t::DOCTOR ? examine(asked, opts) : list(asked, opts);
-	return written(shown.text, shown.status);
+	const listing_t told = shown(asked, opts);
+	return written(told.text, told.status);
 }
 
 // Reading the command line ended where it asked for this.

@@ -17,13 +17,13 @@
 
 bool options_t::asks_classic() const
 {
-	return command == command_t::DOCTOR || has(kinds, is_classic);
+	return command != command_t::LIST || has(kinds, is_classic);
 }
 
 // The classic lists of the host are told beside today's, unless they are wanted alone.
 bool options_t::asks_block() const
 {
-	return command == command_t::DOCTOR || has(kinds, is_block) || (!classic && has(kinds, is_of_host));
+	return command != command_t::LIST || has(kinds, is_block) || (!classic && has(kinds, is_of_host));
 }
 
 static std::string refuse_empty(const std::string &value)
@@ -54,8 +54,34 @@ std::optional<pid_t> options_t::agent() const
 	return number;
 }
 
-// The commands that an option means something to. Those that are not named here mean something to both.
-enum : unsigned { OF_LIST = 1, OF_DOCTOR = 2, OF_BOTH = 3 };
+// The commands that an option means something to. Those that are not named here mean something to all.
+enum : unsigned { OF_LIST = 1, OF_DOCTOR = 2, OF_TREE = 4, OF_ALL = OF_LIST | OF_DOCTOR | OF_TREE };
+
+// Commands that show the machine in one way, without kinds.
+struct whole_row_t {
+	command_t command;
+	unsigned is_of;
+	const char *name;
+	const char *what;
+	const char *exit_status; // in its help; null: that of the program
+};
+
+static constexpr whole_row_t WHOLES[] = {
+	{command_t::TREE, OF_TREE, "tree", "show the whole machine as one picture", nullptr},
+	{command_t::DOCTOR, OF_DOCTOR, "doctor", "tell why a list is empty, short, old or slow",
+         "Exit status: 0 all is fine, 1 a problem, 3 warnings only, 2 for bad usage."},
+};
+
+// "list, tree"
+static std::string names_of(unsigned commands)
+{
+	std::string names = commands & OF_LIST ? "list" : "";
+	for (const whole_row_t &row : WHOLES) {
+		if (commands & row.is_of)
+			names += fmt::format("{}{}", names.empty() ? "" : ", ", row.name);
+	}
+	return names;
+}
 
 struct flag_row_t {
 	const char *name;
@@ -65,9 +91,9 @@ struct flag_row_t {
 };
 
 static const flag_row_t FLAGS[] = {
-	{"--json", "print one JSON document instead of text", &options_t::json, OF_BOTH},
+	{"--json", "print one JSON document instead of text", &options_t::json, OF_ALL},
 	{"--classic", "show what the classic command codes answer, and nothing else", &options_t::classic},
-	{"--bytes", "print sizes in bytes", &options_t::bytes},
+	{"--bytes", "print sizes in bytes", &options_t::bytes, OF_LIST | OF_TREE},
 	{"--no-headings", "print rows alone", &options_t::no_headings},
 	{"--pairs", "print a line of KEY=\"value\" for each row", &options_t::pairs},
 	{"--inverse", "show what devices stand on, not what stands on them", &options_t::inverse},
@@ -84,10 +110,11 @@ struct value_row_t {
 
 static const value_row_t VALUES[] = {
 	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin,
-         OF_BOTH},
-	{"--controller", "NAME", "show this RAID controller alone", &options_t::controller},
+         OF_ALL},
+	{"--controller", "NAME", "show this RAID controller alone", &options_t::controller,
+         OF_LIST | OF_TREE},
 	{"--format", "1|2", "format of the document; 1: everything as before there were formats",
-         &options_t::format, OF_BOTH},
+         &options_t::format, OF_ALL},
 	{"-o,--columns", "COLUMNS", "show these columns; behind a +: these too", &options_t::columns},
 	{"--sort", "COLUMN", "sort by this column", &options_t::sort},
 	{"--pid", "PID", "let doctor look at the limits of this process, an agent", &options_t::pid,
@@ -200,12 +227,23 @@ static void refuse_options_of_others(const CLI::App &app, unsigned command)
 		for (const auto &row : rows) {
 			const std::string name = long_name(row.name);
 			if ((row.commands & command) == 0 && app.get_option(name)->count() > 0)
-				throw usage_error_t(fmt::format("{} is for {}", name,
-				                                row.commands == OF_LIST ? "list" : "doctor"));
+				throw usage_error_t(fmt::format("{} is for {}", name, names_of(row.commands)));
 		}
 	};
 	refuse(FLAGS);
 	refuse(VALUES);
+}
+
+static options_t options_of_whole(const whole_row_t &row, const CLI::App &app, options_t opts)
+{
+	refuse_options_of_others(app, row.is_of);
+	if (opts.is_old())
+		throw usage_error_t(fmt::format("{} is for format 2", row.name));
+	if (opts.bytes && opts.json)
+		throw usage_error_t("--bytes is for tables, the document is always whole");
+	opts.command = row.command;
+	opts.limit();
+	return opts;
 }
 
 options_t parse_options(int argc, char **argv)
@@ -227,9 +265,11 @@ options_t parse_options(int argc, char **argv)
 	// Options of the program are taken behind the subcommand too.
 	list->fallthrough();
 	list->footer("The options of diskscout --help belong here, too.\n" + app.get_footer());
-	CLI::App *const doctor = app.add_subcommand("doctor", "tell why a list is empty, short, old or slow");
-	doctor->fallthrough();
-	doctor->footer("Exit status: 0 all is fine, 1 a problem, 3 warnings only, 2 for bad usage.");
+	for (const whole_row_t &row : WHOLES) {
+		CLI::App *const whole = app.add_subcommand(row.name, row.what);
+		whole->fallthrough();
+		whole->footer(row.exit_status ? row.exit_status : app.get_footer());
+	}
 	const CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
 	try {
 		app.parse(argc, argv);
@@ -245,14 +285,11 @@ options_t parse_options(int argc, char **argv)
 		opts.command = command_t::SCHEMA;
 		return opts;
 	}
-	refuse_options_of_others(app, doctor->parsed() ? OF_DOCTOR : OF_LIST);
-	if (doctor->parsed()) {
-		if (opts.is_old())
-			throw usage_error_t("doctor is for format 2");
-		opts.command = command_t::DOCTOR;
-		opts.limit();
-		return opts;
+	for (const whole_row_t &row : WHOLES) {
+		if (app.got_subcommand(row.name))
+			return options_of_whole(row, app, std::move(opts));
 	}
+	refuse_options_of_others(app, OF_LIST);
 	opts.classic |= opts.is_old();
 	take_words(words, opts);
 	opts.limit();
@@ -312,9 +349,11 @@ std::vector<std::string> replayed_command_line(const options_t &opts, const std:
 	add("--timeout", opts.timeout);
 	for (const value_row_t &row : VALUES)
 		add(row.name, opts.*row.field);
-	if (opts.command == command_t::DOCTOR) {
-		arguments.emplace_back("doctor");
-		return arguments;
+	for (const whole_row_t &row : WHOLES) {
+		if (opts.command == row.command) {
+			arguments.emplace_back(row.name);
+			return arguments;
+		}
 	}
 	arguments.emplace_back("list");
 	if (!opts.is_alone) {

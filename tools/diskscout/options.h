@@ -12,7 +12,7 @@
 #include <sys/types.h>
 #include <vector>
 
-enum class command_t { LIST, DOCTOR, SCHEMA, ANSWER };
+enum class command_t { LIST, TREE, DOCTOR, SCHEMA, ANSWER };
 
 struct options_t : common_options_t {
 	command_t command = command_t::LIST;

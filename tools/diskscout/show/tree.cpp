@@ -60,10 +60,17 @@ private:
 		const bool goes_on = !is_repeated && !below_[node].empty();
 		const bool is_drawn = goes_on && open_.size() < DEEPEST_DRAWN;
 		rows.push_back({node, std::move(before), around + (is_drawn ? style_.pass : style_.gap),
-		                is_repeated});
+		                is_repeated, parent_of_next()});
 		is_met_[node] = true;
 		if (goes_on)
 			open_.push_back({node, 0, std::move(around)});
+	}
+
+	std::optional<std::size_t> parent_of_next() const
+	{
+		if (open_.empty())
+			return std::nullopt;
+		return open_.back().node;
 	}
 
 	const branches_t &below_;

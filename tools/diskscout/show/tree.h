@@ -3,6 +3,7 @@
 #define DISKSCOUT_TOOLS_DISKSCOUT_TREE_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct tree_row_t {
 	std::string before; // drawn before its name
 	std::string beside; // before further lines of the same row
 	bool is_repeated;   // it stands above already, with all that is below it
+	std::optional<std::size_t> parent; // the one that it is drawn below; none: it is a root
 };
 
 // The roots with all that they lead to. A node is drawn whole where it is met first and is a row without
