@@ -78,8 +78,9 @@ def check_envelope(document):
     keys = list(document)
     kinds = [key for key in keys if key in KINDS]
     controller = ["controller"] if "controller" in keys else []
-    checks = ["checks"] if "checks" in keys else []
-    assert keys == [*HEAD, *controller, *sorted(kinds, key=KINDS.index), *checks, *TAIL]
+    whole = [key for key in ("tree", "checks") if key in keys]
+    assert keys == [*HEAD, *controller, *sorted(kinds, key=KINDS.index), *whole, *TAIL]
+    assert len(whole) + bool(kinds) <= 1
     assert not {*CONTROLLER_KINDS, *OPERATION_KINDS} & set(kinds) or controller
     assert document["format"] == 2
     assert list(document["generator"]) == ["name", "version"]

@@ -7,8 +7,9 @@ import pytest
 from raid_site import SOURCES
 
 COMPLETION = SOURCES / "tools" / "diskscout" / "diskscout.bash"
-COMMANDS = ["list", "doctor", "schema"]
+COMMANDS = ["list", "tree", "doctor", "schema"]
 OF_DOCTOR = ["--raid", "--pid"]
+OF_TREE = ["--bytes", "--controller"]
 OF_BOTH = ["-h", "--help", "--version", "--json", "--plugin", "--sysroot", "--config", "--block-plugin", "--format", "--timeout"]
 VALUED = ["--plugin", "--sysroot", "--config", "--block-plugin", "--controller", "--format", "-o", "--columns", "--sort", "--timeout", "--pid"]
 # As bash asks: the words of the line, of which the last one is being typed.
@@ -76,7 +77,8 @@ def test_options(options):
     assert len(options) > 15
     assert sorted([*completed("list", "-"), *OF_DOCTOR]) == sorted(options)
     assert sorted(completed("doctor", "-")) == sorted([*OF_BOTH, *OF_DOCTOR])
-    assert completed("doctor", "") == []
+    assert sorted(completed("tree", "-")) == sorted([*OF_BOTH, *OF_TREE])
+    assert completed("doctor", "") == completed("tree", "") == []
     assert completed("--js") == ["--json"]
     assert completed("schema", "--js") == []
 

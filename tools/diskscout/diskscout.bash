@@ -37,6 +37,7 @@ _diskscout_kinds="devices links filesystems arrays mounts disks partitions cdrom
 	controllers containers raid_disks raid_space raid_partitions tasks defects"
 _diskscout_options="-h --help --version --json --classic --bytes --no-headings --pairs --inverse --plugin --sysroot
 	--config --block-plugin --controller --format -o --columns --sort --timeout"
+_diskscout_tree="-h --help --version --json --bytes --plugin --sysroot --config --block-plugin --controller --format --timeout"
 _diskscout_doctor="-h --help --version --json --raid --plugin --sysroot --config --block-plugin --format --timeout --pid"
 
 # Those that take a value.
@@ -120,14 +121,16 @@ _diskscout() {
 		return
 	elif [[ " $_diskscout_valued " == *" $before "* ]]; then
 		_diskscout_value "$before" "$word"
+	elif [[ $word == -* && $command == tree ]]; then
+		_diskscout_words "$_diskscout_tree" "$word"
 	elif [[ $word == -* && $command == doctor ]]; then
 		_diskscout_words "$_diskscout_doctor" "$word"
 	elif [[ $word == -* ]]; then
 		_diskscout_words "$_diskscout_options" "$word"
-	elif [[ $command == doctor ]]; then
+	elif [[ $command == doctor || $command == tree ]]; then
 		return
 	elif [[ $command != list ]]; then
-		_diskscout_words "list doctor schema" "$word"
+		_diskscout_words "list tree doctor schema" "$word"
 	elif [[ $word == */* ]]; then
 		_diskscout_paths -f "$word"
 	else

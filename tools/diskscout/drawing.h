@@ -19,8 +19,8 @@ table_row_t draw_row(const columns_t &columns, const row_t &row, sizes_t sizes);
 table_t draw_tree(const columns_t &columns, const std::vector<row_t> &devices, enquiry_t &from, bool inverse,
                   sizes_t sizes);
 
-// The table as wide as the terminal allows. Spare columns are left out one by one, which is told below it; where
-// that does not help, the rows become blocks of lines with all of them.
+// The table as wide as the terminal allows. Spare columns are left out one by one, which is told below it;
+// where that does not help, the rows become blocks of lines with all of them.
 using draw_t = std::function<table_t(const columns_t &columns)>;
 std::string fitted_table(columns_t columns, const columns_t &spare, const draw_t &draw);
 

@@ -43,7 +43,8 @@ static listing_t examine(enquiry_t &from, const options_t &opts)
 
 static listing_t tree(enquiry_t &from, const options_t &opts)
 {
-	return opts.json ? tree_as_document(from, opts, host_names(opts.replayed)) : tree_as_picture(from, opts);
+	return opts.json ? tree_as_document(from, opts, host_names(opts.replayed))
+	                 : tree_as_picture(from, opts);
 }
 
 static listing_t shown(enquiry_t &from, const options_t &opts)

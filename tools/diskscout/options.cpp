@@ -109,8 +109,7 @@ struct value_row_t {
 };
 
 static const value_row_t VALUES[] = {
-	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin,
-         OF_ALL},
+	{"--block-plugin", "PATH", "load this plug-in for today's devices", &options_t::block_plugin, OF_ALL},
 	{"--controller", "NAME", "show this RAID controller alone", &options_t::controller,
          OF_LIST | OF_TREE},
 	{"--format", "1|2", "format of the document; 1: everything as before there were formats",
@@ -227,7 +226,8 @@ static void refuse_options_of_others(const CLI::App &app, unsigned command)
 		for (const auto &row : rows) {
 			const std::string name = long_name(row.name);
 			if ((row.commands & command) == 0 && app.get_option(name)->count() > 0)
-				throw usage_error_t(fmt::format("{} is for {}", name, names_of(row.commands)));
+				throw usage_error_t(
+					fmt::format("{} is for {}", name, names_of(row.commands)));
 		}
 	};
 	refuse(FLAGS);

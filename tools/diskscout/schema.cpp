@@ -5,6 +5,7 @@
 #include "json_writer.h"
 #include "kinds.h"
 #include "messages.h"
+#include "node.h"
 #include "program.h"
 
 #include <functional>
@@ -224,6 +225,15 @@ void schema_t::properties()
 			pair("description", "null when it could not be asked");
 		});
 	}
+	property(TREE_KIND.word, [&] {
+		list_of(
+			[&] {
+				type("object", false);
+				fields(TREE_KIND.fields);
+			},
+			false);
+		pair("description", "of diskscout tree alone, from the roots down: each thing once");
+	});
 	property("checks", [&] {
 		list_of([&] { check(); }, false);
 		pair("description", "of diskscout doctor alone, in its order");

@@ -1,5 +1,5 @@
-// One RAID controller with all that is behind it: every disk once, below the first container that uses it, else
-// among the spares or the unused ones; its free areas below it.
+// One RAID controller with all that is behind it: every disk once, below the first container that uses it,
+// else among the spares or the unused ones; its free areas below it.
 #include "controller_part.h"
 
 #include "raid.h"
@@ -42,11 +42,11 @@ private:
 	enquiry_t &from_;
 	raid_site_t &site_;
 	std::size_t top_ = 0;
-	std::vector<std::size_t> in_order_;         // containers, a row each
-	std::map<int, std::size_t> containers_;     // by number
-	std::map<int, std::size_t> disks_;          // by address
-	std::vector<std::size_t> all_disks_;        // in the order in which they were found
-	std::map<std::size_t, std::size_t> above_;  // whom a container or a disk is drawn below
+	std::vector<std::size_t> in_order_;        // containers, a row each
+	std::map<int, std::size_t> containers_;    // by number
+	std::map<int, std::size_t> disks_;         // by address
+	std::vector<std::size_t> all_disks_;       // in the order in which they were found
+	std::map<std::size_t, std::size_t> above_; // whom a container or a disk is drawn below
 };
 
 } // namespace
@@ -119,8 +119,8 @@ std::size_t controller_part_t::container_of(int number)
 	const auto found = containers_.find(number);
 	if (found != containers_.end())
 		return found->second;
-	node_t container = node(fmt::format("/container/{}", number), "container",
-	                        fmt::format("container {}", number));
+	node_t container =
+		node(fmt::format("/container/{}", number), "container", fmt::format("container {}", number));
 	container.raid_id = number;
 	container.state = site_.containers(name_).failed ? "unknown" : "missing";
 	const std::size_t added = machine_.add(std::move(container));
@@ -197,7 +197,8 @@ void controller_part_t::add_groups()
 		}
 		if (disks.empty())
 			continue;
-		const std::size_t at = machine_.add(node(fmt::format("/{}", group.name), "group", group.name));
+		const std::size_t at =
+			machine_.add(node(fmt::format("/{}", group.name), "group", group.name));
 		machine_.put_below(top_, at);
 		for (const std::size_t disk : disks)
 			machine_.put_below(at, disk);

@@ -4,8 +4,8 @@
 
 #include "local_part.h"
 
-// Puts the controller of this name with its containers and disks behind what the machine has already; null: it
-// is not listed. What could not be asked is told as its cause.
+// Puts the controller of this name with its containers and disks behind what the machine has already; null:
+// it is not listed. What could not be asked is told as its cause.
 void add_controller(machine_t &machine, const std::string &name, const aac_controller *listed,
                     enquiry_t &from, claims_t &claims);
 

@@ -50,6 +50,15 @@ static const origin_t ORIGINS[] = {
 	{value_t::SIZE, &RAID_SPACE_KIND, "free_space"},
 	{value_t::TYPE, &ARRAYS_KIND, "level"},
 	{value_t::STATE, &ARRAYS_KIND, "state"},
+	{value_t::SIZE, &DISKS_KIND, "size"},
+	{value_t::NODE, &DISKS_KIND, "device_name"},
+	{value_t::TRANSPORT, &DISKS_KIND, "interface"},
+	{value_t::VENDOR, &DISKS_KIND, "vendor"},
+	{value_t::MODEL, &DISKS_KIND, "model"},
+	{value_t::SERIAL, &DISKS_KIND, "serial_number"},
+	{value_t::SIZE, &PARTITIONS_KIND, "size"},
+	{value_t::NODE, &PARTITIONS_KIND, "device_name"},
+	{value_t::MOUNT_POINTS, &PARTITIONS_KIND, "mount_points"},
 	{value_t::LABEL, &DEVICES_KIND, "dm_name"},
 	{value_t::TYPE, &DEVICES_KIND, "dm_kind"},
 	{value_t::SIZE, &DEVICES_KIND, "size"},
@@ -220,7 +229,8 @@ static std::string node_cell(const row_t &row)
 	return node.lacks_device ? path + " (not there)" : path;
 }
 
-template <value_t Value> static constexpr field_t told_text(const char *key, const char *heading, const char *what)
+template <value_t Value>
+static constexpr field_t told_text(const char *key, const char *heading, const char *what)
 {
 	return {key, heading, shape_t::TEXT, NEW | MAY_LACK, what, put_told<Value>};
 }
@@ -247,13 +257,8 @@ static constexpr field_t FIELDS[] = {
          "the RAID controller that it is behind; null for what the kernel sees",
          put_optional<&node_t::controller>},
 	{"raid_id", "RAID ID", shape_t::NUMBER, NEW | MAY_LACK, "a container's number", put_raid_id},
-	{"address",
-         "ADDRESS",
-         shape_t::OBJECT,
-         NEW | MAY_LACK,
-         "of a disk behind a controller, or of that of a free area",
-         put_address,
-         ADDRESS_FIELDS,
+	{"address", "ADDRESS", shape_t::OBJECT, NEW | MAY_LACK,
+         "of a disk behind a controller, or of that of a free area", put_address, ADDRESS_FIELDS,
          address_cell},
 	told_text<value_t::TYPE>("type", "TYPE",
                                  "of a container, a device behind a controller, an array, a mapping"),
@@ -265,8 +270,8 @@ static constexpr field_t FIELDS[] = {
          put_told<value_t::SIZE>,
          {},
          told_cell<value_t::SIZE>},
-	{"offset", "OFFSET", shape_t::BYTES, NEW | MAY_LACK, "of a free area: bytes from the disk's beginning",
-         put_told<value_t::OFFSET>},
+	{"offset", "OFFSET", shape_t::BYTES, NEW | MAY_LACK,
+         "of a free area: bytes from the disk's beginning", put_told<value_t::OFFSET>},
 	{"state",
          "STATE",
          shape_t::TEXT,

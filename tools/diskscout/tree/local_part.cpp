@@ -2,9 +2,12 @@
 #include "local_part.h"
 
 #include "block_fields.h"
+#include "cell.h"
+#include "text.h"
 #include "unused.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 using numbers_t = std::map<std::string_view, std::size_t>; // of nodes, by the kernel's names
@@ -127,10 +130,46 @@ static void put_below_local(machine_t &machine, std::size_t local)
 	}
 }
 
-std::string add_local_part(machine_t &machine, const claims_t &claims, local_options_t how, enquiry_t &from,
-                           messages_t &messages)
+// ---- a host without the tables of today ----
+
+// Disks and partitions by the kernel's old tables, which agents of all ages know.
+static void add_classic_devices(machine_t &machine, const claims_t &claims, enquiry_t &from,
+                                messages_t &messages)
 {
-	const std::size_t local = machine.add({"local", "local", "local"});
+	const char NODES[] = "/dev/";
+	const auto name_of = [&](const std::string &node) {
+		return node.rfind(NODES, 0) == 0 ? node.substr(strlen(NODES)) : node;
+	};
+	std::map<std::string, std::size_t> disks;
+	for (const row_t &row : rows_of(DISKS_KIND, from, messages)) {
+		const std::string node = text_of(record_of<STORAGE_DISK_LIST>(row).szDeviceName);
+		const std::string name = printable(name_of(node));
+		disks.emplace(node, machine.add({name, "disk", name, {{&DISKS_KIND, row}}}));
+	}
+	for (const row_t &row : rows_of(PARTITIONS_KIND, from, messages)) {
+		const auto disk = disks.find(text_of(record_of<STORAGE_PART_LIST>(row).szDiskDeviceName));
+		const std::string name = printable(name_of(raw_cell_of(*PARTITIONS_KIND.fields.first, row)));
+		const std::size_t added = machine.add({name, "partition", name, {{&PARTITIONS_KIND, row}}});
+		if (disk == disks.end())
+			continue;
+		machine.stand_on(added, disk->second);
+		machine.put_below(disk->second, added);
+	}
+	for (const claim_t &claim : claims) {
+		const auto disk = disks.find(claim.node);
+		machine.at(claim.container).lacks_device = disk == disks.end();
+		if (disk == disks.end())
+			continue;
+		machine.stand_on(disk->second, claim.container);
+		machine.put_below(disk->second, claim.container);
+	}
+}
+
+// ---- ----
+
+static std::string add_devices(machine_t &machine, std::size_t local, const claims_t &claims,
+                               local_options_t how, enquiry_t &from, messages_t &messages)
+{
 	const std::size_t told_before = messages.size();
 	std::vector<row_t> devices = rows_of(DEVICES_KIND, from, messages);
 	const bool is_whole = messages.size() == told_before;
@@ -146,9 +185,24 @@ std::string add_local_part(machine_t &machine, const claims_t &claims, local_opt
 	add_containers(machine, claims, devices, numbers, is_whole);
 	add_arrays(machine, numbers, from, messages);
 	add_links(machine, numbers, rows_of(LINKS_KIND, from, messages));
-	put_below_local(machine, local);
 	// The list of mounts is asked for where a device is shown.
 	if (!devices.empty())
 		rows_of(MOUNTS_KIND, from, messages);
+	return left_out;
+}
+
+std::string add_local_part(machine_t &machine, const claims_t &claims, local_options_t how, enquiry_t &from,
+                           messages_t &messages)
+{
+	const std::size_t local = machine.add({"local", "local", "local"});
+	std::string left_out;
+	if (from.block_list(CMD_GET_BLOCK_DEVICES).error() == ENOENT) {
+		messages.push_back({severity_t::NOTE, &TREE_KIND, code_t::NO_SYSFS,
+		                    "this host has no /sys: its disks are those of the classic list"});
+		add_classic_devices(machine, claims, from, messages);
+	} else {
+		left_out = add_devices(machine, local, claims, how, from, messages);
+	}
+	put_below_local(machine, local);
 	return left_out;
 }

@@ -12,8 +12,8 @@
 class machine_t
 {
 public:
-	// Its number, by which it is known from now on. Where another node has its id already, "#2" or a higher
-	// number is put behind it.
+	// Its number, by which it is known from now on. Where another node has its id already, "#2" or a
+	// higher number is put behind it.
 	std::size_t add(node_t node);
 	node_t &at(std::size_t node) { return nodes_[node]; }
 	const node_t &at(std::size_t node) const { return nodes_[node]; }

@@ -27,8 +27,8 @@ static int error_of_configuration(enquiry_t &from)
 	return error;
 }
 
-// A machine without a RAID controller has no configuration either. One that nobody named and that may be there
-// or not is no failure, but it is said.
+// A machine without a RAID controller has no configuration either. One that nobody named and that may be
+// there or not is no failure, but it is said.
 static bool has_raid(enquiry_t &from, const options_t &opts, messages_t &messages)
 {
 	if (!opts.config.empty() || !opts.controller.empty())

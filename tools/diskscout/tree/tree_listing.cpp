@@ -44,7 +44,8 @@ listing_t tree_as_picture(enquiry_t &from, const options_t &opts)
 	asked_t asked;
 	ask(from, opts, asked);
 	const sizes_t sizes = opts.bytes ? sizes_t::IN_BYTES : sizes_t::IN_UNITS;
-	std::string text = fmt::format("{}\n{}{}", TREE_KIND.heading, picture_of(asked.machine, sizes), asked.left_out);
+	std::string text =
+		fmt::format("{}\n{}{}", TREE_KIND.heading, picture_of(asked.machine, sizes), asked.left_out);
 	for (const message_t &message : asked.messages) {
 		if (message.severity != severity_t::ERROR)
 			text += message.text + ".\n";
