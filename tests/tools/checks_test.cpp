@@ -57,6 +57,19 @@ TEST(Checks, ThatRunTheToolStandBehindAllOthers)
 	EXPECT_THAT(page(), HasSubstr("Those from `" + std::string((*first)->word) + "` on run"));
 }
 
+// Somebody may do at once what he reads.
+TEST(Checks, AdviseNothingThatTakesADiskOrItsPartitionsAway)
+{
+	for (const check_t *check : all_checks()) {
+		const std::string advice = check->advice;
+		if (advice.find("scsiremove") != std::string::npos) {
+			EXPECT_THAT(advice, HasSubstr("that nothing uses")) << check->word;
+		}
+		EXPECT_THAT(advice, Not(HasSubstr("fdisk"))) << check->word;
+		EXPECT_THAT(advice, Not(HasSubstr("make one extended partition"))) << check->word;
+	}
+}
+
 TEST(Checks, HaveWordsOfTheirOwn)
 {
 	std::set<std::string> words;
