@@ -124,6 +124,29 @@ def test_controller_that_is_not_there(sample):
     )
 
 
+NOISE = "printf 'CLI>\\nExecuting: controller list\\n'; yes noise | head -n 300000; echo 'Executing: exit'; exit"
+
+
+@pytest.mark.parametrize(
+    "noise, why",
+    [
+        ("", "the controller tool {}/raidsim lists no controller; look with lspci whether "),
+        (NOISE, 'the answer to "controller list" has '),
+    ],
+    ids=["none", "noise"],
+)
+def test_list_without_a_controller_leads_with_what_doctor_says(sample, noise, why):
+    if noise:
+        sample.put_in_front("controller", noise)
+    document = sample.document("controllers", "containers", fault="missing")
+    note, warning = document["messages"]
+    assert (note["kind"], note["code"]) == ("containers", "no_controller")
+    assert (warning["severity"], warning["kind"], warning["code"]) == ("warning", None, "problem_found")
+    assert warning["text"].startswith(why.format(sample.directory))
+    classic = sample.document("containers", "--classic", fault="missing")
+    assert [message["code"] for message in classic["messages"]] == ["no_controller"]
+
+
 def test_name_with_a_line_end_never_becomes_a_command(sample):
     log = sample.directory.parent / "log"
     sample.put_in_front("open", f"echo asked >>{log}")

@@ -113,6 +113,15 @@ static bool is_short(const section_t &section, enquiry_t &from, const options_t 
 	});
 }
 
+// Of a tool that prints what no tool of this kind prints it is read as well that it lists none.
+static bool finds_no_controller(const section_t &section, enquiry_t &from, const options_t &opts)
+{
+	if (opts.classic || section.answer.failed)
+		return false;
+	return section.kind == &CONTROLLERS_KIND ? section.answer.rows.empty()
+	                                         : lacks_controller(*section.kind, from);
+}
+
 // Those that failed; where none has, those that the reasons name.
 static kinds_t kinds_to_ask_about(const sections_t &sections, enquiry_t &from, const options_t &opts,
                                   const messages_t &messages)
@@ -121,7 +130,7 @@ static kinds_t kinds_to_ask_about(const sections_t &sections, enquiry_t &from, c
 	for (const section_t &section : sections) {
 		if (section.answer.failed && !is_of_another_time(section, from, opts))
 			failed.push_back(section.kind);
-		else if (is_short(section, from, opts, messages))
+		else if (finds_no_controller(section, from, opts) || is_short(section, from, opts, messages))
 			cut.push_back(section.kind);
 	}
 	return failed.empty() ? cut : failed;
