@@ -404,6 +404,14 @@ def test_state_of_a_stripe_of_mirrors(tool, tmp_path, lost, found):
     assert list(states(site.document("containers")).values()) == found
 
 
+@pytest.mark.parametrize("size, state", [(2 * 1048576, "unknown"), (1048576 + 51000, "optimal")])
+def test_stripe_of_which_a_mirror_is_not_listed_any_more(tool, tmp_path, size, state):
+    """Two mirrors of 1 GB made 2 GB; what printing rounds off makes no difference."""
+    lines = container(2, "Stripe", size=size, device="/dev/sdc") + container(24, "Mirror", *FOUR[:2], parent=2)
+    site = site_of(tool, tmp_path, *(disk(at) for at in FOUR), *lines)
+    assert states(site.document("containers")) == {2: state, 24: "optimal"}
+
+
 @pytest.mark.parametrize("state, wanted", [("RUN", "rebuilding"), ("SUS", "degraded"), ("BAD", "degraded"), ("UNK", "unknown")])
 def test_state_by_the_task(tool, tmp_path, state, wanted):
     lines = container(0, "Mirror", *FOUR[:2])

@@ -133,20 +133,51 @@ static void count_permille(int permille, count_t &count)
 		count.permille = count.permille < 0 ? permille : std::min(count.permille, permille);
 }
 
-static raid_state_t state_of(const HWRAID_LIST &container, const raid_facts_t &facts, int depth);
+static raid_state_t state_of(const raid_container_t &container, const raid_facts_t &facts, int depth);
+
+static const raid_container_t *container_of(int number, const raid_facts_t &facts)
+{
+	const auto &rows = facts.containers.rows;
+	const auto found = std::find_if(rows.begin(), rows.end(), [&](const raid_container_t &row) {
+		return row.record.nRaidID == number;
+	});
+	return found == rows.end() ? nullptr : &*found;
+}
 
 static void count_container(int number, const raid_facts_t &facts, int depth, count_t &count)
 {
-	raid_state_t state;
-	for (const raid_container_t &row : facts.containers.rows) {
-		if (row.record.nRaidID == number)
-			state = state_of(row.record, facts, depth + 1);
-	}
+	const raid_container_t *const member = container_of(number, facts);
+	const raid_state_t state = member ? state_of(*member, facts, depth + 1) : raid_state_t();
 	count.lost += state.state == container_state_t::FAILED;
 	count.weak += state.state == container_state_t::DEGRADED;
 	count.being_rebuilt += state.state == container_state_t::REBUILDING;
 	count.doubtful += state.state == container_state_t::UNKNOWN;
 	count_permille(state.rebuilt_permille, count);
+}
+
+// The tool prints gigabytes and less, with one digit behind the point.
+static long long most_rounded_off(long long size)
+{
+	constexpr long long MEGABYTE = 1 << 20, GIGABYTE = 1 << 30;
+	return size >= GIGABYTE ? GIGABYTE / 20 + MEGABYTE : 2 * MEGABYTE;
+}
+
+// A member container that is not listed any more leaves no place behind: the others are too small together.
+static bool lacks_container(const raid_container_t &whole, const raid_facts_t &facts)
+{
+	long long most = most_rounded_off(whole.total_size);
+	bool has_containers = false;
+	for (const int number : whole.record.nPosition) {
+		if (!is_container(number))
+			continue;
+		const raid_container_t *const member = container_of(number, facts);
+		// In doubt by itself, or of any size.
+		if (!member || member->total_size == NOT_TOLD)
+			return false;
+		most += member->total_size + most_rounded_off(member->total_size);
+		has_containers = true;
+	}
+	return has_containers && most < whole.total_size;
 }
 
 static void count_members(const HWRAID_LIST &container, const raid_facts_t &facts, int depth, count_t &count)
@@ -200,17 +231,19 @@ static void count_tasks(int container, const raid_list_t<raid_task_t> &tasks, co
 
 // ---- states ----
 
-static raid_state_t state_of(const HWRAID_LIST &container, const raid_facts_t &facts, int depth)
+static raid_state_t state_of(const raid_container_t &row, const raid_facts_t &facts, int depth)
 {
 	// The controller makes no containers of containers of containers.
 	constexpr int DEEPEST = 1;
 	if (depth > DEEPEST)
 		return {};
+	const HWRAID_LIST &container = row.record;
 	count_t count;
 	const auto *const type = std::find_if(std::begin(TYPES), std::end(TYPES),
 	                                      [&](const type_t &t) { return t.type == container.RaidType; });
 	count.type = type == std::end(TYPES) ? nullptr : type;
 	count_members(container, facts, depth, count);
+	count.doubtful += lacks_container(row, facts);
 	count_tasks(container.nRaidID, facts.tasks, count);
 	for (const rule_t &rule : RULES) {
 		if (!rule.fits(count))
@@ -226,7 +259,7 @@ std::vector<raid_state_t> states_of(const raid_facts_t &facts)
 	std::vector<raid_state_t> states;
 	states.reserve(facts.containers.rows.size());
 	for (const raid_container_t &row : facts.containers.rows)
-		states.push_back(state_of(row.record, facts, 0));
+		states.push_back(state_of(row, facts, 0));
 	return states;
 }
 
