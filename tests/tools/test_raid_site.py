@@ -455,7 +455,8 @@ def test_answer_that_is_none(tool, tmp_path, command, kind, what):
     site.put_in_front(command, what)
     document = site.document("containers", status=1)
     assert states(document) == {0: "unknown"}
-    assert f" on aac0 at the list of {kind}; " in errors_of(document)[0]["text"]
+    cause = "the controller tool or the filter has failed, or the answer was cut"
+    assert f" on aac0 at the list of {kind}: {cause}; " in errors_of(document)[0]["text"]
 
 
 def test_every_cut_answer(tool, tmp_path):

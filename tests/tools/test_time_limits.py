@@ -181,6 +181,7 @@ def test_tool_whose_answer_is_none(watched, behaviour):
     assert [len(document[kind]) for kind in ("controllers", "raid_disks")] == [1, 4]
     error = error_of(document, "containers")
     assert error["code"] == "query_failed"
+    assert "on aac0: the controller tool or the filter has failed, or the answer was cut; " in error["text"]
 
 
 @pytest.mark.parametrize("behaviour", WHOLE)

@@ -29,6 +29,7 @@ std::string_view words_of_result(int result)
 		std::string_view words;
 	};
 	static constexpr words_t WORDS[] = {
+		{AAC_RUN_FAILED, "the controller tool or the filter has failed, or the answer was cut"},
 		{AAC_NO_SUCH_DEVICE, "the controller has no such disk"},
 		{AAC_NO_SUCH_CONTAINER, "the controller has no such container"},
 		{AAC_BAD_PARAMETER, "the disk does not take the question"},
