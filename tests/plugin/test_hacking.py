@@ -83,7 +83,7 @@ BELOW = {
 EXPORTED = {"src/define_command.h": "request", "src/diskscout.h": "classic", "src/diskscout_raid.h": "classic",
             "block/diskscout_block.h": "today"}
 # Where the build looks for headers, behind the folder of the file that includes.
-INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/diskscout", *(f"tools/diskscout/{room}" for room in ("doctor", "kinds", "reasons", "show")),
+INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/diskscout", *(f"tools/diskscout/{room}" for room in ("doctor", "kinds", "reasons", "show", "tree")),
                            "tools/common", "block", "src"), "src": ("src",), "replay": (".",)}
 
 

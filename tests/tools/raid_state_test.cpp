@@ -358,3 +358,96 @@ TEST_F(members_test, containers_that_are_members_of_each_other)
 	EXPECT_EQ(state(), UNKNOWN);
 }
 } // namespace
+
+// ---- members that are not listed any more ----
+
+namespace
+{
+constexpr long long GIB = 1LL << 30;
+
+class pieces_test : public state_test
+{
+protected:
+	void hold(long long size) { containers.rows.back().total_size = size; }
+	void piece(int container, long long size)
+	{
+		raid_piece_t row{};
+		row.record.bRaidID = container;
+		row.record.nSize = size;
+		pieces.rows.push_back(row);
+	}
+	container_state_t with_pieces() const
+	{
+		return states_of({containers, disks, tasks, &pieces}).at(0).state;
+	}
+
+	raid_list_t<raid_piece_t> pieces;
+};
+} // namespace
+
+TEST_F(pieces_test, RaidFiveOfFourWithThreeListedIsDegraded)
+{
+	make(0, KESTREL_HWRAID_TYPE_RAID5, {FIRST, SECOND, THIRD});
+	hold(30 * GIB);
+	for (int i = 0; i < 3; i++)
+		piece(0, 10 * GIB);
+	EXPECT_EQ(with_pieces(), DEGRADED);
+	fail(SECOND);
+	EXPECT_EQ(with_pieces(), FAILED);
+}
+
+TEST_F(pieces_test, AllAreThereAlsoWhereSizesAreRounded)
+{
+	make(0, KESTREL_HWRAID_TYPE_RAID5, {FIRST, SECOND, THIRD});
+	// 33.84 and 67.68 GB, as the tool tells them.
+	hold(677 * GIB / 10);
+	for (int i = 0; i < 3; i++)
+		piece(0, 338 * GIB / 10);
+	EXPECT_EQ(with_pieces(), OPTIMAL);
+	// 136.4 and 272.8 GB: without digits behind the point.
+	hold(273 * GIB);
+	for (raid_piece_t &row : pieces.rows)
+		row.record.nSize = 136 * GIB;
+	EXPECT_EQ(with_pieces(), OPTIMAL);
+}
+
+TEST_F(pieces_test, LostMemberThatIsListedIsCountedOnce)
+{
+	make(0, KESTREL_HWRAID_TYPE_RAID5, {FIRST, SECOND, THIRD});
+	hold(20 * GIB);
+	piece(0, 10 * GIB);
+	piece(0, 10 * GIB);
+	fail(THIRD);
+	EXPECT_EQ(with_pieces(), DEGRADED);
+}
+
+TEST_F(pieces_test, StripeThatLacksOneIsFailed)
+{
+	make(0, KESTREL_HWRAID_TYPE_RAID0, {FIRST, SECOND});
+	hold(30 * GIB);
+	piece(0, 10 * GIB);
+	piece(0, 10 * GIB);
+	EXPECT_EQ(with_pieces(), FAILED);
+	hold(20 * GIB);
+	EXPECT_EQ(with_pieces(), OPTIMAL);
+}
+
+TEST_F(pieces_test, PiecesOfOthersAndOfMirrorsTellNothing)
+{
+	make(0, KESTREL_HWRAID_TYPE_RAID0, {FIRST, SECOND});
+	hold(30 * GIB);
+	piece(1, 10 * GIB);
+	EXPECT_EQ(with_pieces(), OPTIMAL);
+	containers.rows.clear();
+	make(0, KESTREL_HWRAID_TYPE_RAID1, {FIRST, SECOND});
+	hold(30 * GIB);
+	piece(0, 10 * GIB);
+	EXPECT_EQ(with_pieces(), OPTIMAL);
+}
+
+TEST_F(pieces_test, WithoutTheirListNothingIsOptimal)
+{
+	make(0, KESTREL_HWRAID_TYPE_RAID1, {FIRST, SECOND});
+	pieces.failed = true;
+	EXPECT_EQ(with_pieces(), UNKNOWN);
+}

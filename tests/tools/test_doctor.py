@@ -270,10 +270,10 @@ def test_an_agent_of_this_machine(tool):
 @pytest.mark.parametrize(
     "words, text",
     [
-        (["doctor", "--bytes"], "--bytes is for list"),
+        (["doctor", "--bytes"], "--bytes is for list, tree"),
         (["doctor", "--classic"], "--classic is for list"),
         (["doctor", "-o", "name"], "--columns is for list"),
-        (["doctor", "--controller", "aac0"], "--controller is for list"),
+        (["doctor", "--controller", "aac0"], "--controller is for list, tree"),
         (["doctor", "--format", "1"], "doctor is for format 2"),
         (["list", "--raid"], "--raid is for doctor"),
         (["list", "devices", "--pid", "1"], "--pid is for doctor"),

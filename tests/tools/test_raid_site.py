@@ -478,6 +478,15 @@ def test_device_that_cannot_be_asked_for_in_time(tool, tmp_path):
     )
 
 
+@pytest.mark.parametrize("answer", ["exit 3", "ask | head -c 420; exit"])
+def test_device_that_is_not_answered_is_no_missing_one(tool, tmp_path, answer):
+    site = mirror_site(tool, tmp_path, "Initialized", "Initialized")
+    site.put_in_front('"container list "[0-9]', answer)
+    document = site.document("containers", status=1)
+    assert [(one["raid_id"], one["device"], one["state"]) for one in document["containers"]] == [(0, None, "optimal")]
+    assert errors_of(document)[0]["text"].startswith("the container query failed on aac0: ")
+
+
 def test_defects(sample):
     document = sample.document("defects", "--controller", "aac0")
     found = {one["address"]["position"]: (one["primary"], one["grown"], one["result"]) for one in document["defects"]}

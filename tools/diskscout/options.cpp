@@ -257,6 +257,7 @@ options_t parse_options(int argc, char **argv)
 	app.require_subcommand(1);
 	app.footer("Exit status: 0, 1 when a query or the output failed or a list is cut, 2 for bad usage.");
 
+	const std::string OPTIONS_ARE_ABOVE = "The options of diskscout --help belong here, too.\n";
 	CLI::App *const list = app.add_subcommand("list", "show what there is");
 	list->add_option("KIND", words,
 	                 "what to show, of " + words_of(is_any) +
@@ -264,11 +265,11 @@ options_t parse_options(int argc, char **argv)
 		->type_name("");
 	// Options of the program are taken behind the subcommand too.
 	list->fallthrough();
-	list->footer("The options of diskscout --help belong here, too.\n" + app.get_footer());
+	list->footer(OPTIONS_ARE_ABOVE + app.get_footer());
 	for (const whole_row_t &row : WHOLES) {
 		CLI::App *const whole = app.add_subcommand(row.name, row.what);
 		whole->fallthrough();
-		whole->footer(row.exit_status ? row.exit_status : app.get_footer());
+		whole->footer(OPTIONS_ARE_ABOVE + (row.exit_status ? row.exit_status : app.get_footer()));
 	}
 	const CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
 	try {

@@ -190,7 +190,7 @@ static constexpr field_t FIELDS[] = {
          "the operating system's name of it, where it is told", put_device},
 };
 
-// Without the disks or the tasks nobody knows how the containers are.
+// Without the disks, their pieces or the tasks nobody knows how the containers are.
 static void add_failures_beside(raid_site_t &site, const std::string &controller, answer_t &answer)
 {
 	if (site.is_as_before() || site.containers(controller).rows.empty())
@@ -200,6 +200,7 @@ static void add_failures_beside(raid_site_t &site, const std::string &controller
 		add_failure(site, controller, failure, answer);
 	};
 	add(" at the list of disks", site.disks(controller));
+	add(" at the list of pieces", site.pieces(controller));
 	// Where no operation tells the tasks the states are unknown without anything being wrong.
 	if (site.tasks(controller).from_operations)
 		add(" at the list of tasks", site.tasks(controller));

@@ -152,20 +152,28 @@ static bool may_have_device(const raid_container_t &c)
 	return c.record.nRaidID >= 0 && c.record.nRaidID < FIRST_MEMBER;
 }
 
-static void ask_for_device(const raid_operations_t &by, const char *controller, raid_container_t &c)
+// What is no answer. A container without a device, or one that has gone meanwhile, is one.
+static bool is_unanswered(int result)
 {
-	if (by.device_of(controller, c.record.nRaidID, c.device) != AAC_OK)
+	return result == AAC_RUN_FAILED || result == AAC_CONTROLLER_UNUSABLE || result == AAC_CONTROLLER_BUSY;
+}
+
+static int ask_for_device(const raid_operations_t &by, const char *controller, raid_container_t &c)
+{
+	const int result = by.device_of(controller, c.record.nRaidID, c.device);
+	if (result != AAC_OK)
 		c.device[0] = '\0';
 	// A name that stands alone in its line comes with the line's end.
 	for (std::size_t length = strlen(c.device); length > 0 && strchr("\r\n\t ", c.device[length - 1]);)
 		c.device[--length] = '\0';
+	return result;
 }
 
 // The devices are more runs of the tool. When they take too long the containers are known all the same.
 void tell_containers(const raid_operations_t &by, const char *controller, const worker_link_t &to)
 {
 	aac_container *head = nullptr;
-	const int result = by.containers(controller, &head);
+	int result = by.containers(controller, &head);
 	auto rows = taken(head, by.clear_containers);
 	tell(to, result, rows);
 	if (result < 0)
@@ -173,7 +181,9 @@ void tell_containers(const raid_operations_t &by, const char *controller, const 
 	for (raid_container_t &row : rows) {
 		if (!may_have_device(row))
 			continue;
-		ask_for_device(by, controller, row);
+		const int of_device = ask_for_device(by, controller, row);
+		if (is_unanswered(of_device))
+			result = of_device;
 		tell(to, result, rows);
 	}
 }

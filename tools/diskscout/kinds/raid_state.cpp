@@ -155,10 +155,12 @@ static void count_container(int number, const raid_facts_t &facts, int depth, co
 	count_permille(state.rebuilt_permille, count);
 }
 
-// The tool prints gigabytes and less, with one digit behind the point.
+// The tool prints gigabytes and less, with one digit behind the point, and none from 100 on.
 static long long most_rounded_off(long long size)
 {
 	constexpr long long MEGABYTE = 1 << 20, GIGABYTE = 1 << 30;
+	if (size >= 100 * GIGABYTE)
+		return GIGABYTE / 2 + MEGABYTE;
 	return size >= GIGABYTE ? GIGABYTE / 20 + MEGABYTE : 2 * MEGABYTE;
 }
 
@@ -178,6 +180,38 @@ static bool lacks_container(const raid_container_t &whole, const raid_facts_t &f
 		has_containers = true;
 	}
 	return has_containers && most < whole.total_size;
+}
+
+// A disk that is not listed as a member any more leaves no place behind either: how many of the pieces that
+// are there would make as much as the container holds. 0: they do not tell.
+static int least_members(const raid_container_t &whole, const raid_facts_t &facts)
+{
+	constexpr int MOST = 64;
+	const bool has_parity = whole.record.RaidType == KESTREL_HWRAID_TYPE_RAID5;
+	if (whole.total_size <= 0 || (!has_parity && whole.record.RaidType != KESTREL_HWRAID_TYPE_RAID0))
+		return 0;
+	long long largest = 0;
+	for (const raid_piece_t &piece : facts.pieces->rows) {
+		if (piece.record.bRaidID == whole.record.nRaidID)
+			largest =
+				std::max(largest, piece.record.nSize + most_rounded_off(piece.record.nSize));
+	}
+	const long long least = whole.total_size - most_rounded_off(whole.total_size);
+	if (largest <= 0 || least / largest >= MOST)
+		return 0;
+	return static_cast<int>((least + largest - 1) / largest) + has_parity;
+}
+
+static void count_pieces(const raid_container_t &container, const raid_facts_t &facts, count_t &count)
+{
+	if (!facts.pieces)
+		return;
+	count.doubtful += facts.pieces->failed;
+	const int least = least_members(container, facts);
+	if (count.members > 0 && count.members < least) {
+		count.lost += least - count.members;
+		count.members = least;
+	}
 }
 
 static void count_members(const HWRAID_LIST &container, const raid_facts_t &facts, int depth, count_t &count)
@@ -243,6 +277,7 @@ static raid_state_t state_of(const raid_container_t &row, const raid_facts_t &fa
 	                                      [&](const type_t &t) { return t.type == container.RaidType; });
 	count.type = type == std::end(TYPES) ? nullptr : type;
 	count_members(container, facts, depth, count);
+	count_pieces(row, facts, count);
 	count.doubtful += lacks_container(row, facts);
 	count_tasks(container.nRaidID, facts.tasks, count);
 	for (const rule_t &rule : RULES) {
@@ -269,5 +304,6 @@ std::vector<raid_state_t> states_of(raid_site_t &site, const std::string &contro
 	// The queries of before tell no tasks, and are not asked for more than is listed.
 	if (site.is_as_before() || containers.rows.empty())
 		return std::vector<raid_state_t>(containers.rows.size());
-	return states_of({containers, site.disks(controller), site.tasks(controller)});
+	return states_of(
+		{containers, site.disks(controller), site.tasks(controller), &site.pieces(controller)});
 }

@@ -28,6 +28,7 @@ struct raid_facts_t {
 	const raid_list_t<raid_container_t> &containers;
 	const raid_list_t<raid_disk_t> &disks;
 	const raid_list_t<raid_task_t> &tasks;
+	const raid_list_t<raid_piece_t> *pieces = nullptr; // null: they are left out of it
 };
 
 // One for each row of the containers, in their order.
