@@ -16,14 +16,14 @@ namespace
 class controller_part_t
 {
 public:
-	controller_part_t(machine_t &machine, const std::string &name, enquiry_t &from)
+	controller_part_t(machine_tree_t &machine, const std::string &name, enquiry_t &from)
 	    : machine_(machine), name_(name), from_(from), site_(from.raid())
 	{
 	}
 	void add(const aac_controller *listed, claims_t &claims);
 
 private:
-	node_t node(const std::string &id, const char *kind, std::string name) const;
+	tree_node_t node(const std::string &id, const char *kind, std::string name) const;
 	void add_containers(claims_t &claims);
 	void add_disks();
 	void add_members(const raid_container_t &container, std::size_t at);
@@ -37,7 +37,7 @@ private:
 	void use(std::size_t container, std::size_t member);
 	bool is_below(std::size_t node, std::size_t other) const;
 
-	machine_t &machine_;
+	machine_tree_t &machine_;
 	const std::string &name_;
 	enquiry_t &from_;
 	raid_site_t &site_;
@@ -51,9 +51,9 @@ private:
 
 } // namespace
 
-node_t controller_part_t::node(const std::string &id, const char *kind, std::string name) const
+tree_node_t controller_part_t::node(const std::string &id, const char *kind, std::string name) const
 {
-	node_t node{machine_.at(top_).id + id, kind, std::move(name)};
+	tree_node_t node{machine_.at(top_).id + id, kind, std::move(name)};
 	node.controller = name_;
 	return node;
 }
@@ -66,8 +66,8 @@ void controller_part_t::add_containers(claims_t &claims)
 	const std::vector<raid_state_t> states = states_of(site_, name_);
 	for (std::size_t i = 0; i < rows.size(); i++) {
 		const int number = rows[i].record.nRaidID;
-		node_t container = node(fmt::format("/container/{}", number), "container",
-		                        fmt::format("container {}", number));
+		tree_node_t container = node(fmt::format("/container/{}", number), "container",
+		                             fmt::format("container {}", number));
 		container.sources = {{&CONTAINERS_KIND, {&rows[i], &from_}}};
 		container.state = word_of(states[i].state);
 		if (states[i].rebuilt_permille >= 0)
@@ -88,7 +88,7 @@ void controller_part_t::add_disks()
 	for (const raid_disk_t &row : site_.disks(name_).rows) {
 		const int at = row.record.nPosition;
 		const bool is_disk = row.record.DeviceType == DISK || row.record.DeviceType == OTHER;
-		node_t disk =
+		tree_node_t disk =
 			node("/disk/" + address(at), is_disk ? "raid_disk" : "raid_device", address(at));
 		disk.address = at;
 		disk.sources = {{&RAID_DISKS_KIND, {&row, &from_}}};
@@ -104,7 +104,7 @@ std::size_t controller_part_t::disk_of(int at)
 	const auto found = disks_.find(at);
 	if (found != disks_.end())
 		return found->second;
-	node_t disk = node("/disk/" + address(at), "raid_disk", address(at));
+	tree_node_t disk = node("/disk/" + address(at), "raid_disk", address(at));
 	disk.address = at;
 	if (!site_.disks(name_).failed)
 		disk.state = "missing";
@@ -119,7 +119,7 @@ std::size_t controller_part_t::container_of(int number)
 	const auto found = containers_.find(number);
 	if (found != containers_.end())
 		return found->second;
-	node_t container =
+	tree_node_t container =
 		node(fmt::format("/container/{}", number), "container", fmt::format("container {}", number));
 	container.raid_id = number;
 	container.state = site_.containers(name_).failed ? "unknown" : "missing";
@@ -168,8 +168,8 @@ void controller_part_t::add_spares()
 	for (std::size_t i = 0; i < rows.size(); i++) {
 		if (rows[i].record.nHotSpare == NO_ADDRESS)
 			continue;
-		const node_t &container = machine_.at(in_order_[i]);
-		node_t &disk = machine_.at(disk_of(rows[i].record.nHotSpare));
+		const tree_node_t &container = machine_.at(in_order_[i]);
+		tree_node_t &disk = machine_.at(disk_of(rows[i].record.nHotSpare));
 		disk.spare_of.push_back(container.id);
 		disk.remark += (disk.remark.empty() ? "spare of " : ", ") + container.name;
 	}
@@ -180,14 +180,14 @@ void controller_part_t::add_groups()
 {
 	struct group_t {
 		const char *name;
-		bool (*has)(const node_t &disk);
+		bool (*has)(const tree_node_t &disk);
 	};
 	static constexpr group_t GROUPS[] = {
-		{"spares", [](const node_t &disk) { return !disk.spare_of.empty(); }},
+		{"spares", [](const tree_node_t &disk) { return !disk.spare_of.empty(); }},
 		{"unused",
-	         [](const node_t &disk) { return disk.spare_of.empty() && disk.kind == "raid_disk"; }},
+	         [](const tree_node_t &disk) { return disk.spare_of.empty() && disk.kind == "raid_disk"; }},
 		{"others",
-	         [](const node_t &disk) { return disk.spare_of.empty() && disk.kind != "raid_disk"; }},
+	         [](const tree_node_t &disk) { return disk.spare_of.empty() && disk.kind != "raid_disk"; }},
 	};
 	for (const group_t &group : GROUPS) {
 		std::vector<std::size_t> disks;
@@ -209,7 +209,8 @@ void controller_part_t::add_free_areas()
 {
 	for (const raid_space_t &row : site_.spaces(name_).rows) {
 		const std::string offset = row.offset == NOT_TOLD ? "?" : std::to_string(row.offset);
-		node_t area = node(fmt::format("/free/{}/{}", address(row.disk), offset), "free", "free");
+		tree_node_t area =
+			node(fmt::format("/free/{}/{}", address(row.disk), offset), "free", "free");
 		area.address = row.disk;
 		area.sources = {{&RAID_SPACE_KIND, {&row, &from_}}};
 		const std::size_t disk = disk_of(row.disk);
@@ -248,7 +249,7 @@ void controller_part_t::tell_cause()
 
 void controller_part_t::add(const aac_controller *listed, claims_t &claims)
 {
-	node_t controller{name_, "controller", name_};
+	tree_node_t controller{name_, "controller", name_};
 	controller.controller = name_;
 	if (listed)
 		controller.sources = {{&CONTROLLERS_KIND, {listed, &from_}}};
@@ -268,7 +269,7 @@ void controller_part_t::add(const aac_controller *listed, claims_t &claims)
 	tell_cause();
 }
 
-void add_controller(machine_t &machine, const std::string &name, const aac_controller *listed,
+void add_controller(machine_tree_t &machine, const std::string &name, const aac_controller *listed,
                     enquiry_t &from, claims_t &claims)
 {
 	controller_part_t(machine, name, from).add(listed, claims);

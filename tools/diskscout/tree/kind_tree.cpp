@@ -71,9 +71,9 @@ static const origin_t ORIGINS[] = {
 	{value_t::MOUNT_POINTS, &DEVICES_KIND, "mount_points"},
 };
 
-static const node_t &node_of(const row_t &row)
+static const tree_node_t &node_of(const row_t &row)
 {
-	return record_of<node_t>(row);
+	return record_of<tree_node_t>(row);
 }
 
 static const field_t *field_of(const kind_t &kind, std::string_view key)
@@ -92,7 +92,7 @@ struct told_t {
 };
 } // namespace
 
-static told_t told_of(const node_t &node, value_t value)
+static told_t told_of(const tree_node_t &node, value_t value)
 {
 	for (const source_t &source : node.sources) {
 		for (const origin_t &origin : ORIGINS) {
@@ -121,7 +121,7 @@ template <value_t Value> static std::string told_cell(const row_t &row)
 }
 
 // Empty when nobody knows it.
-static std::string raw(const node_t &node, value_t value)
+static std::string raw(const tree_node_t &node, value_t value)
 {
 	const told_t told = told_of(node, value);
 	return told.field ? raw_cell_of(*told.field, told.row) : "";
@@ -197,7 +197,7 @@ static void put_done(const row_t &row, sink_t &to)
 
 static std::string name_cell(const row_t &row)
 {
-	const node_t &node = node_of(row);
+	const tree_node_t &node = node_of(row);
 	const std::string label = raw(node, value_t::LABEL);
 	const std::string &behind = label.empty() ? node.remark : label;
 	return behind.empty() ? node.name : fmt::format("{} ({})", node.name, behind);
@@ -211,7 +211,7 @@ static std::string kind_cell(const row_t &row)
 
 static std::string state_cell(const row_t &row)
 {
-	const node_t &node = node_of(row);
+	const tree_node_t &node = node_of(row);
 	if (!node.state)
 		return told_cell<value_t::STATE>(row);
 	if (!node.done_permille)
@@ -222,7 +222,7 @@ static std::string state_cell(const row_t &row)
 // That of a device is known by its name.
 static std::string node_cell(const row_t &row)
 {
-	const node_t &node = node_of(row);
+	const tree_node_t &node = node_of(row);
 	const std::string path = raw(node, value_t::NODE);
 	if (!node.controller || path.empty())
 		return "-";
@@ -238,24 +238,31 @@ static constexpr field_t told_text(const char *key, const char *heading, const c
 static constexpr field_t FIELDS[] = {
 	{"id", "ID", shape_t::TEXT, NEW,
          "no other row has it: aac0, aac0/container/0, aac0/disk/0:01:0, aac0/free/0:01:0/65536, local, sda",
-         put_text<&node_t::id>},
+         put_text<&tree_node_t::id>},
 	{"parent", "PARENT", shape_t::TEXT, NEW | MAY_LACK,
          "id of the row that it is drawn below, which stands before it; null: below none",
-         put_optional<&node_t::parent>},
+         put_optional<&tree_node_t::parent>},
 	{"kind",
          "KIND",
          shape_t::TEXT,
          NEW,
          "controller, container, raid_disk, raid_device (behind a controller and no disk), free, group, "
          "local, or the kind of a device",
-         put_text<&node_t::kind>,
+         put_text<&tree_node_t::kind>,
          {},
          kind_cell},
-	{"name", "NAME", shape_t::TEXT, NEW, "as people call it", put_text<&node_t::name>, {}, name_cell},
+	{"name",
+         "NAME",
+         shape_t::TEXT,
+         NEW,
+         "as people call it",
+         put_text<&tree_node_t::name>,
+         {},
+         name_cell},
 	told_text<value_t::LABEL>("label", "LABEL", "of a container, or the name of a mapping"),
 	{"controller", "CONTROLLER", shape_t::TEXT, NEW | MAY_LACK,
          "the RAID controller that it is behind; null for what the kernel sees",
-         put_optional<&node_t::controller>},
+         put_optional<&tree_node_t::controller>},
 	{"raid_id", "RAID ID", shape_t::NUMBER, NEW | MAY_LACK, "a container's number", put_raid_id},
 	{"address", "ADDRESS", shape_t::OBJECT, NEW | MAY_LACK,
          "of a disk behind a controller, or of that of a free area", put_address, ADDRESS_FIELDS,
@@ -284,9 +291,9 @@ static constexpr field_t FIELDS[] = {
 	{"done_permille", "DONE", shape_t::NUMBER, NEW | MAY_LACK,
          "how far it is with what its state says: 0 to 1000", put_done},
 	{"stands_on", "STANDS ON", shape_t::TEXTS, NEW, "ids of the rows that it is made of",
-         put_texts<&node_t::stands_on>},
+         put_texts<&tree_node_t::stands_on>},
 	{"spare_of", "SPARE OF", shape_t::TEXTS, NEW, "ids of the containers whose hot spare it is",
-         put_texts<&node_t::spare_of>},
+         put_texts<&tree_node_t::spare_of>},
 	{"node",
          "NODE",
          shape_t::TEXT,
@@ -302,9 +309,9 @@ static constexpr field_t FIELDS[] = {
 	{"mount_points", "MOUNT POINTS", shape_t::TEXTS, NEW,
          "where a device is mounted, [SWAP] for a swap area", put_mount_points},
 	{"shared", "ALSO ON", shape_t::TEXTS, 0, "what it stands on and what is drawn below another one",
-         put_texts<&node_t::shared>},
+         put_texts<&tree_node_t::shared>},
 	{"cause", "NOT TOLD", shape_t::TEXT, NEW | MAY_LACK, "what below it could not be asked, and why",
-         put_optional<&node_t::cause>},
+         put_optional<&tree_node_t::cause>},
 };
 
 const kind_t TREE_KIND = {

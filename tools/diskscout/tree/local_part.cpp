@@ -24,7 +24,7 @@ static std::vector<row_t> rows_of(const kind_t &kind, enquiry_t &from, messages_
 // ---- arrays ----
 
 // The kernel has words for what an array does, none for what it lacks.
-static void tell_state(const block_array &array, node_t &node)
+static void tell_state(const block_array &array, tree_node_t &node)
 {
 	if (array.degraded == BLOCK_ABSENT || array.degraded <= 0)
 		return;
@@ -36,7 +36,8 @@ static void tell_state(const block_array &array, node_t &node)
 		                                               static_cast<double>(array.sync_total));
 }
 
-static void add_arrays(machine_t &machine, const numbers_t &numbers, enquiry_t &from, messages_t &messages)
+static void add_arrays(machine_tree_t &machine, const numbers_t &numbers, enquiry_t &from,
+                       messages_t &messages)
 {
 	const auto is_array = [&](const auto &number) { return machine.at(number.second).kind == "md"; };
 	if (std::none_of(numbers.begin(), numbers.end(), is_array))
@@ -46,7 +47,7 @@ static void add_arrays(machine_t &machine, const numbers_t &numbers, enquiry_t &
 		const auto found = numbers.find(array.name);
 		if (found == numbers.end())
 			continue;
-		node_t &node = machine.at(found->second);
+		tree_node_t &node = machine.at(found->second);
 		node.sources.insert(node.sources.begin(), {&ARRAYS_KIND, row});
 		if (member_within<&block_array::sync_total>(row))
 			tell_state(array, node);
@@ -56,7 +57,7 @@ static void add_arrays(machine_t &machine, const numbers_t &numbers, enquiry_t &
 // ---- what stands on what ----
 
 // Of a list that is not whole nobody can say what it lacks.
-static void add_containers(machine_t &machine, const claims_t &claims, const std::vector<row_t> &devices,
+static void add_containers(machine_tree_t &machine, const claims_t &claims, const std::vector<row_t> &devices,
                            const numbers_t &numbers, bool is_whole)
 {
 	std::map<std::string_view, std::size_t> by_path;
@@ -79,7 +80,7 @@ static void add_containers(machine_t &machine, const claims_t &claims, const std
 	}
 }
 
-static void add_links(machine_t &machine, const numbers_t &numbers, const std::vector<row_t> &links)
+static void add_links(machine_tree_t &machine, const numbers_t &numbers, const std::vector<row_t> &links)
 {
 	std::map<std::size_t, std::vector<std::size_t>> uppers;
 	for (const row_t &row : links) {
@@ -98,7 +99,7 @@ static void add_links(machine_t &machine, const numbers_t &numbers, const std::v
 	}
 }
 
-static void reach(const machine_t &machine, std::size_t from, std::vector<bool> &is_reached)
+static void reach(const machine_tree_t &machine, std::size_t from, std::vector<bool> &is_reached)
 {
 	std::vector<std::size_t> open = {from};
 	while (!open.empty()) {
@@ -113,7 +114,7 @@ static void reach(const machine_t &machine, std::size_t from, std::vector<bool> 
 }
 
 // Whoever is below nobody; and of each ring, which nobody else leads to, the first one.
-static void put_below_local(machine_t &machine, std::size_t local)
+static void put_below_local(machine_tree_t &machine, std::size_t local)
 {
 	std::vector<bool> is_reached(machine.size());
 	is_reached[local] = true;
@@ -133,7 +134,7 @@ static void put_below_local(machine_t &machine, std::size_t local)
 // ---- a host without the tables of today ----
 
 // Disks and partitions by the kernel's old tables, which agents of all ages know.
-static void add_classic_devices(machine_t &machine, const claims_t &claims, enquiry_t &from,
+static void add_classic_devices(machine_tree_t &machine, const claims_t &claims, enquiry_t &from,
                                 messages_t &messages)
 {
 	const char NODES[] = "/dev/";
@@ -167,7 +168,7 @@ static void add_classic_devices(machine_t &machine, const claims_t &claims, enqu
 
 // ---- ----
 
-static std::string add_devices(machine_t &machine, std::size_t local, const claims_t &claims,
+static std::string add_devices(machine_tree_t &machine, std::size_t local, const claims_t &claims,
                                local_options_t how, enquiry_t &from, messages_t &messages)
 {
 	const std::size_t told_before = messages.size();
@@ -191,8 +192,8 @@ static std::string add_devices(machine_t &machine, std::size_t local, const clai
 	return left_out;
 }
 
-std::string add_local_part(machine_t &machine, const claims_t &claims, local_options_t how, enquiry_t &from,
-                           messages_t &messages)
+std::string add_local_part(machine_tree_t &machine, const claims_t &claims, local_options_t how,
+                           enquiry_t &from, messages_t &messages)
 {
 	const std::size_t local = machine.add({"local", "local", "local"});
 	std::string left_out;

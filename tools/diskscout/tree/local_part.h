@@ -1,9 +1,9 @@
 // What the kernel sees of the machine: devices, and what stands on what.
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_LOCAL_PART_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_TREE_LOCAL_PART_H
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_LOCAL_PART_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_LOCAL_PART_H
 
 #include "asking.h"
-#include "machine.h"
+#include "machine_tree.h"
 
 // A container, and the device node that the controller's tool tells of it.
 struct claim_t {
@@ -18,7 +18,7 @@ struct local_options_t {
 
 // Puts "local" with all devices behind what the machine has already. A device that a container claims stands
 // on it. What is left out is told by a line, empty when nothing is; what failed by messages.
-std::string add_local_part(machine_t &machine, const claims_t &claims, local_options_t how, enquiry_t &from,
-                           messages_t &messages);
+std::string add_local_part(machine_tree_t &machine, const claims_t &claims, local_options_t how,
+                           enquiry_t &from, messages_t &messages);
 
 #endif

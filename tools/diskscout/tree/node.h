@@ -1,7 +1,7 @@
 // One thing of the machine: a controller, a container, a disk behind it, a device that the kernel sees. What
 // is told of it comes from the rows of other kinds, so that the tree can say nothing else of it than they do.
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_NODE_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_TREE_NODE_H
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_NODE_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_NODE_H
 
 #include "kinds.h"
 
@@ -15,11 +15,11 @@ struct source_t {
 	row_t row;
 };
 
-struct node_t {
+struct tree_node_t {
 	std::string id;   // of a machine's nodes no two have the same; printable
 	std::string kind; // "controller", "container", "raid_disk", "raid_device", "free", "group", "local",
 	                  // or the word of a local device's
-	std::string name;                   // as people call it: "container 0", "0:04:0", "sda"
+	std::string name; // as people call it: "container 0", "0:04:0", "sda"
 	std::vector<source_t> sources = {}; // the first one that knows of a value tells it
 
 	std::optional<std::string> parent = {};     // id of the one that it is drawn below; none: a root

@@ -11,15 +11,15 @@
 
 // The rest of its row and what is below it stand where it was met first. A device's container is named
 // with its controller.
-static std::string repeated(const machine_t &machine, const tree_row_t &place, const field_t &name)
+static std::string repeated(const machine_tree_t &machine, const tree_row_t &place, const field_t &name)
 {
-	const node_t &node = machine.at(place.node);
+	const tree_node_t &node = machine.at(place.node);
 	if (node.controller && place.parent && machine.at(*place.parent).controller != node.controller)
 		return printable(fmt::format("{} of {} (above)", node.name, *node.controller));
 	return cell_of(name, {&node}, sizes_t::IN_UNITS).front() + " (above)";
 }
 
-static table_t drawn(const machine_t &machine, const columns_t &columns, sizes_t sizes)
+static table_t drawn(const machine_tree_t &machine, const columns_t &columns, sizes_t sizes)
 {
 	table_t table = empty_table(columns);
 	for (const tree_row_t &place : machine.rows(writes_utf8() ? TREE_OF_LINES : TREE_OF_ASCII)) {
@@ -43,7 +43,7 @@ static bool is_empty(const table_t &table, std::size_t column)
 	});
 }
 
-static columns_t filled_columns(const machine_t &machine, sizes_t sizes)
+static columns_t filled_columns(const machine_tree_t &machine, sizes_t sizes)
 {
 	const columns_t all = columns_of(TREE_KIND, "");
 	const table_t table = drawn(machine, all, sizes);
@@ -55,7 +55,7 @@ static columns_t filled_columns(const machine_t &machine, sizes_t sizes)
 	return filled;
 }
 
-std::string picture_of(const machine_t &machine, sizes_t sizes)
+std::string picture_of(const machine_tree_t &machine, sizes_t sizes)
 {
 	return fitted_table(filled_columns(machine, sizes), spare_columns_of(TREE_KIND),
 	                    [&](const columns_t &columns) { return drawn(machine, columns, sizes); });

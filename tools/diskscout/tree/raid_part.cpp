@@ -66,7 +66,7 @@ static kinds_t add_failures(enquiry_t &from, messages_t &messages)
 	return failed;
 }
 
-claims_t add_raid_part(machine_t &machine, enquiry_t &from, const options_t &opts, messages_t &messages)
+claims_t add_raid_part(machine_tree_t &machine, enquiry_t &from, const options_t &opts, messages_t &messages)
 {
 	claims_t claims;
 	if (!has_raid(from, opts, messages))

@@ -14,7 +14,7 @@
 namespace
 {
 struct asked_t {
-	machine_t machine;
+	machine_tree_t machine;
 	std::string left_out; // a line, empty when nothing was
 	messages_t messages;
 };

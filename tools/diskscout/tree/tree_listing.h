@@ -1,6 +1,6 @@
 // The whole machine as one picture, or as one document.
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_TREE_LISTING_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_TREE_TREE_LISTING_H
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_LISTING_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_TREE_LISTING_H
 
 #include "listing.h"
 

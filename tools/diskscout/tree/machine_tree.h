@@ -1,6 +1,6 @@
 // All that the machine consists of, and what is drawn below what.
-#ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_MACHINE_H
-#define DISKSCOUT_TOOLS_DISKSCOUT_TREE_MACHINE_H
+#ifndef DISKSCOUT_TOOLS_DISKSCOUT_MACHINE_TREE_H
+#define DISKSCOUT_TOOLS_DISKSCOUT_MACHINE_TREE_H
 
 #include "node.h"
 #include "tree.h"
@@ -9,14 +9,14 @@
 #include <map>
 #include <string>
 
-class machine_t
+class machine_tree_t
 {
 public:
 	// Its number, by which it is known from now on. Where another node has its id already, "#2" or a
 	// higher number is put behind it.
-	std::size_t add(node_t node);
-	node_t &at(std::size_t node) { return nodes_[node]; }
-	const node_t &at(std::size_t node) const { return nodes_[node]; }
+	std::size_t add(tree_node_t node);
+	tree_node_t &at(std::size_t node) { return nodes_[node]; }
+	const tree_node_t &at(std::size_t node) const { return nodes_[node]; }
 	std::size_t size() const { return nodes_.size(); }
 
 	// Behind what is drawn there already; twice does as much as once.
@@ -33,7 +33,7 @@ public:
 	void tell_parents();
 
 private:
-	std::deque<node_t> nodes_; // records of rows: they stay where they are
+	std::deque<tree_node_t> nodes_; // records of rows: they stay where they are
 	branches_t below_;
 	std::vector<bool> is_below_;
 	std::map<std::string, unsigned> ids_; // how often each was wanted

@@ -1,12 +1,12 @@
 // All that the machine consists of, and what is drawn below what.
-#include "machine.h"
+#include "machine_tree.h"
 
 #include "text.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 
-std::size_t machine_t::add(node_t node)
+std::size_t machine_tree_t::add(tree_node_t node)
 {
 	const std::string wanted = printable(node.id);
 	node.id = wanted;
@@ -19,7 +19,7 @@ std::size_t machine_t::add(node_t node)
 	return nodes_.size() - 1;
 }
 
-void machine_t::put_below(std::size_t upper, std::size_t lower)
+void machine_tree_t::put_below(std::size_t upper, std::size_t lower)
 {
 	std::vector<std::size_t> &there = below_[upper];
 	if (std::find(there.begin(), there.end(), lower) != there.end())
@@ -28,7 +28,7 @@ void machine_t::put_below(std::size_t upper, std::size_t lower)
 	is_below_[lower] = true;
 }
 
-void machine_t::stand_on(std::size_t upper, std::size_t lower)
+void machine_tree_t::stand_on(std::size_t upper, std::size_t lower)
 {
 	std::vector<std::string> &there = nodes_[upper].stands_on;
 	const std::string &id = nodes_[lower].id;
@@ -36,7 +36,7 @@ void machine_t::stand_on(std::size_t upper, std::size_t lower)
 		there.push_back(id);
 }
 
-std::vector<std::size_t> machine_t::roots() const
+std::vector<std::size_t> machine_tree_t::roots() const
 {
 	std::vector<std::size_t> roots;
 	for (std::size_t node = 0; node < nodes_.size(); node++) {
@@ -46,12 +46,12 @@ std::vector<std::size_t> machine_t::roots() const
 	return roots;
 }
 
-std::vector<tree_row_t> machine_t::rows(const tree_style_t &style) const
+std::vector<tree_row_t> machine_tree_t::rows(const tree_style_t &style) const
 {
 	return tree_rows(roots(), below_, style);
 }
 
-void machine_t::tell_parents()
+void machine_tree_t::tell_parents()
 {
 	for (const tree_row_t &row : rows(TREE_OF_ASCII)) {
 		if (!row.is_repeated && row.parent)
