@@ -6,12 +6,6 @@
 
 using container_t = HWRAID_LIST;
 
-// Begins as its record.
-struct shown_container_t {
-	raid_container_t container;
-	raid_state_t state;
-};
-
 static const raid_container_t &whole(const row_t &row)
 {
 	return record_of<shown_container_t>(row).container;

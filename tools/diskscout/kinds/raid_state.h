@@ -23,6 +23,12 @@ struct raid_state_t {
 	int rebuilt_permille = -1; // 0 to 1000; -1: nothing is being rebuilt, or nobody tells how far it is
 };
 
+// What the rows of the containers' kind are about. Begins as its record.
+struct shown_container_t {
+	raid_container_t container;
+	raid_state_t state;
+};
+
 // What the states follow from. A list that failed holds what it found before.
 struct raid_facts_t {
 	const raid_list_t<raid_container_t> &containers;

@@ -68,10 +68,9 @@ void controller_part_t::add_containers(claims_t &claims)
 		const int number = rows[i].record.nRaidID;
 		tree_node_t container = node(fmt::format("/container/{}", number), "container",
 		                             fmt::format("container {}", number));
-		container.sources = {{&CONTAINERS_KIND, {&rows[i], &from_}}};
-		container.state = word_of(states[i].state);
-		if (states[i].rebuilt_permille >= 0)
-			container.done_permille = states[i].rebuilt_permille;
+		const auto shown = std::make_shared<shown_container_t>(shown_container_t{rows[i], states[i]});
+		container.record = shown;
+		container.sources = {{&CONTAINERS_KIND, {shown.get(), &from_}}};
 		const std::size_t at = machine_.add(std::move(container));
 		in_order_.push_back(at);
 		containers_.emplace(number, at);

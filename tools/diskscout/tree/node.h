@@ -5,6 +5,7 @@
 
 #include "kinds.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,7 +21,8 @@ struct tree_node_t {
 	std::string kind; // "controller", "container", "raid_disk", "raid_device", "free", "group", "local",
 	                  // or the word of a local device's
 	std::string name; // as people call it: "container 0", "0:04:0", "sda"
-	std::vector<source_t> sources = {}; // the first one that knows of a value tells it
+	std::vector<source_t> sources = {};      // the first one that knows of a value tells it
+	std::shared_ptr<const void> record = {}; // that a source is about, where no list holds it
 
 	std::optional<std::string> parent = {};     // id of the one that it is drawn below; none: a root
 	std::optional<std::string> controller = {}; // name of the one that it is behind, or that it is
