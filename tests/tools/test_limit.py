@@ -489,7 +489,7 @@ def test_all_of_ours_killed_at_once_take_the_tool_along(limited):
     kill_all_at_once(limited, process)
     process.communicate(timeout=PATIENCE)
     wait_until(lambda: limited.left() == [])
-    assert is_free(limited.directory / "lock")
+    wait_until(lambda: is_free(limited.directory / "lock"))
 
 
 def test_the_next_run_ends_what_all_of_ours_have_left(limited):
