@@ -16,7 +16,6 @@
 #include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 
 namespace
@@ -133,7 +132,7 @@ static void wait_for_sweeper(pid_t sweeper)
 {
 	constexpr int TIMES = 500;
 	for (int i = 0; i < TIMES && sweeper > 0 && waitpid(sweeper, nullptr, WNOHANG) == 0; i++)
-		std::this_thread::sleep_for(std::chrono::milliseconds(5));
+		kernel_pause(std::chrono::milliseconds(5));
 }
 
 // The work has cleared up behind itself. What is left all the same was given up by it.

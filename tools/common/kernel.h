@@ -3,7 +3,9 @@
 #ifndef DISKSCOUT_TOOLS_COMMON_KERNEL_H
 #define DISKSCOUT_TOOLS_COMMON_KERNEL_H
 
+#include <chrono>
 #include <cstddef>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <sys/types.h>
@@ -23,6 +25,15 @@ inline ssize_t kernel_read(int from, void *bytes, std::size_t count)
 inline ssize_t kernel_write(int to, const void *bytes, std::size_t count)
 {
 	return syscall(SYS_write, to, bytes, count);
+}
+
+// A signal ends it early.
+inline void kernel_pause(std::chrono::milliseconds time)
+{
+	const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+	const timespec pause = {static_cast<time_t>(seconds.count()),
+	                        static_cast<long>(std::chrono::nanoseconds(time - seconds).count())};
+	syscall(SYS_nanosleep, &pause, nullptr);
 }
 
 #endif

@@ -1,6 +1,8 @@
 // Processes that somebody started for us.
 #include "process_tree.h"
 
+#include "kernel.h"
+
 #include "process_table.h"
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 #include <functional>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using processes_t = std::vector<process_t>;
@@ -160,7 +161,7 @@ static bool signal_until(const prey_t &prey, int signal, bool again, std::chrono
 			return false;
 		// Where new ones come all the time they are gone before we have slept.
 		if (!is_new)
-			std::this_thread::sleep_for(PAUSE);
+			kernel_pause(PAUSE);
 	}
 }
 

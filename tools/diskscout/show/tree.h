@@ -22,9 +22,9 @@ extern const tree_style_t TREE_OF_ASCII;
 
 struct tree_row_t {
 	std::size_t node;
-	std::string before; // drawn before its name
-	std::string beside; // before further lines of the same row
-	bool is_repeated;   // it stands above already, with all that is below it
+	std::string before;                // drawn before its name
+	std::string beside;                // before further lines of the same row
+	bool is_repeated;                  // it stands above already, with all that is below it
 	std::optional<std::size_t> parent; // the one that it is drawn below; none: it is a root
 };
 
