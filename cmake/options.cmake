@@ -22,6 +22,7 @@ if(DISKSCOUT_COVERAGE)
   # Threads that ask at once count in the same places.
   target_compile_options(diskscout_instrumentation INTERFACE --coverage -fprofile-update=atomic)
   target_link_options(diskscout_instrumentation INTERFACE --coverage)
+  target_compile_definitions(diskscout_instrumentation INTERFACE DISKSCOUT_COVERAGE)
 endif()
 
 # The plug-in's own sources: it lives in a process that is not ours.
