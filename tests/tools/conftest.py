@@ -14,10 +14,20 @@ CLASSIC = ("--classic", "--format", "1")
 # What would show through from whoever runs the tests.
 STEERING = ("LD_PRELOAD", "LANG", "LANGUAGE", "COLUMNS", "LINES", "TERM")
 
+# Where what tests meet is counted, copies of the program tell what they have met when this is wished. It takes them
+# long: these tests meet nearly everything.
+COUNTED = {"test_block_json", "test_plugin", "test_prepared_host", "test_raid_json", "test_raid_site", "test_reasons", "test_tree"}
+
 
 def pytest_addoption(parser):
     parser.addoption("--build-dir", required=True, help="where diskscout and diskscout.so were built")
     parser.addoption("--modules", help="where the plug-ins of these tests were built")
+
+
+@pytest.fixture(autouse=True)
+def counted(request, monkeypatch):
+    if COUNTED & {request.module.__name__, request.function.__name__}:
+        monkeypatch.setenv("DISKSCOUT_COUNTS_COPIES", "1")
 
 
 class Tool:
