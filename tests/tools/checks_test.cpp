@@ -1,13 +1,16 @@
 // The checks of doctor: what the page says of them, and what every row has to hold.
 #include "examination.h"
+#include "finding.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <regex>
 #include <set>
 #include <sstream>
+#include <unistd.h>
 
 namespace
 {
@@ -99,6 +102,29 @@ TEST(Checks, ThatRunTheToolConcernTheRaidSideAlone)
 	for (const check_t *check : all_checks()) {
 		EXPECT_TRUE(!check->runs_tool || (check->concerns & ~RAID_FAILED) == 0) << check->word;
 	}
+}
+
+// What keeps somebody from asking is told to him, whatever was asked.
+TEST(Advice, IsOfTheError)
+{
+	EXPECT_THAT(advice_for(EMFILE), HasSubstr("ulimit -n"));
+	EXPECT_THAT(advice_for(ENFILE), HasSubstr("lsof"));
+	EXPECT_THAT(advice_for(ENOMEM), HasSubstr("memory"));
+	EXPECT_EQ(advice_for(ENOENT), "");
+	EXPECT_EQ(advice_for(0), "");
+}
+
+TEST(Advice, ToBecomeRootIsNotForRoot)
+{
+	const uid_t user = geteuid();
+	constexpr uid_t NOBODY = 65534;
+	if (user == 0) {
+		EXPECT_THAT(advice_for(EACCES), HasSubstr("container"));
+		EXPECT_EQ(advice_for(EPERM), advice_for(EACCES));
+		ASSERT_EQ(seteuid(NOBODY), 0);
+	}
+	EXPECT_EQ(advice_for(EACCES), "");
+	ASSERT_EQ(seteuid(user), 0);
 }
 
 } // namespace

@@ -117,11 +117,11 @@ def test_there_are_enough_of_both():
 
 
 def test_each_check_of_this_machine_has_a_sick_host(tool, tmp_path):
-    """But for those that look at whoever asks, at a plug-in that hangs, and at failures without a cause."""
+    """But for those that look at a plug-in that hangs, at PATH, and at failures without a cause."""
     sick = {found[1] for host in PREPARED for found in expected_of(host)[1]}
     checks = [row["check"] for row in examined(tool, unfold(DOCTOR / "well-nvme", tmp_path / "host"))["checks"]]
     of_machine = checks[: checks.index("arrays") + 1]
-    assert set(of_machine) - sick == {"answers", "queries"}
+    assert set(of_machine) - sick == {"answers", "path_cat", "queries"}
 
 
 def test_rows_of_the_document(tool, tmp_path):
@@ -253,15 +253,55 @@ def test_a_process_that_is_not_there(tool, tmp_path):
     ]
 
 
+def test_a_process_that_is_not_there_now_is_refused(tool):
+    with open("/proc/sys/kernel/pid_max", encoding="ascii") as file:
+        nobody = int(file.read()) + 1
+    assert complaint(tool.run("doctor", "--pid", str(nobody)), 2) == f"--pid: there is no process {nobody}"
+
+
 def test_an_agent_of_this_machine(tool):
     """This very process, whose limits are known."""
-    import os
-
     result = tool.run("doctor", "--json", "--pid", str(os.getpid()))
     rows = {row["check"]: row["verdict"] for row in json.loads(result.stdout)["checks"]}
     assert rows["sigchld"] == "fine"
     soft, _ = resource.getrlimit(resource.RLIMIT_STACK)
     assert rows["stack"] == ("fine" if soft < 0 or soft >= 2 << 20 else "problem")
+
+
+def test_path_without_what_the_plugin_runs(tool, tmp_path):
+    host = unfold(DOCTOR / "well-ide-and-scsi", tmp_path / "host")
+    result = tool.run("doctor", "--json", "--sysroot", host, env={"PATH": "/nowhere"})
+    text = 'there is no cat in the directories of PATH, which is "/nowhere"'
+    assert findings(json.loads(result.stdout)) == [("problem", "path_cat", text)]
+    listed = tool.run("list", "partitions", "--sysroot", host, env={"PATH": "/nowhere"})
+    assert listed.returncode == 1
+    assert listed.stderr.splitlines()[-1] == (
+        f"diskscout: {text}; start the program, and the agent, with a PATH that names /bin or /usr/bin"
+    )
+
+
+# ---- advice that fits the error ----
+
+
+def advice_of(document, check):
+    return next(row["advice"] for row in document["checks"] if row["check"] == check)
+
+
+def test_lists_of_today_are_no_advice_where_there_are_none(tool, tmp_path):
+    old = examined(tool, TESTS / "hosts" / "chain-40")
+    assert advice_of(old, "partition_limit") == (
+        "this kernel tells nobody more: look into its own tables in /proc, which have no limit"
+    )
+    today = examined(tool, unfold(DOCTOR / "33-partitions", tmp_path / "host"))
+    assert advice_of(today, "partition_limit") == "diskscout list devices has no limit"
+
+
+def test_root_is_not_told_to_be_root(tool, tmp_path):
+    advice = advice_of(examined(tool, unfold(DOCTOR / "no-permission", tmp_path / "host")), "permission")
+    if os.geteuid() == 0:
+        assert advice.startswith("this process is root's, and is kept from it all the same: look for a container")
+    else:
+        assert advice == "run it, and the agent, as root"
 
 
 # ---- options ----
@@ -279,6 +319,7 @@ def test_an_agent_of_this_machine(tool):
         (["list", "devices", "--pid", "1"], "--pid is for doctor"),
         (["doctor", "--pid", "0"], "--pid: 0 is no number of a process (see diskscout --help)"),
         (["doctor", "--pid", "1x"], "--pid: 1x is no number of a process (see diskscout --help)"),
+        (["schema", "--timeout", "3"], "schema takes no options, such as --timeout"),
         (["doctor", "--timeout", "soon"], "--timeout: soon is none of 0 to 86400 whole seconds"),
     ],
     ids=" ".join,

@@ -47,6 +47,28 @@ def test_site(tool, well, tmp_path, name):
     assert site.nothing_is_left()
 
 
+ADVICE = {
+    "tool-is-directory": ("program_not_executable", "name the program itself"),
+    "tool-not-executable": (
+        "program_not_executable",
+        "make the file executable with chmod; look whether its filesystem is mounted with noexec",
+    ),
+    "tool-status": ("tool_status", 'run the tool by hand with the commands "controller list" and "exit"'),
+    "wrapper-times-out": (
+        "tool_status",
+        "look with ps what the tool waits for and who else uses the controller; diskscout-limit.cfg has the limits",
+    ),
+}
+
+
+@pytest.mark.parametrize("name", ADVICE)
+def test_advice_fits_what_is_found(tool, well, tmp_path, name):
+    _, document = examined(tool, DoctorSite(name, tmp_path / "site", tool.program.parent), well, "--raid")
+    advice = {row["check"]: row["advice"] for row in document["checks"] if row["verdict"] == "problem"}
+    check, expected = ADVICE[name]
+    assert advice == {check: expected}
+
+
 def test_the_tool_is_not_run_unasked(tool, well, tmp_path):
     site = DoctorSite("fine", tmp_path / "site", tool.program.parent)
     (site.root / "bin" / "tool").write_text(f"#!/bin/sh\ntouch {site.root}/was-run\n")
@@ -76,7 +98,7 @@ def test_what_stands_behind_a_problem_is_not_asked(tool, well, tmp_path):
         f"problem: the controller tool {site.root}/bin/tool cannot be run: No such file or directory.",
         "  install the program, or correct its path in the configuration.",
     ]
-    assert re.fullmatch(r"\d+ checks, 1 problem; 21 not asked for what stands before\.", lines[-1])
+    assert re.fullmatch(r"\d+ checks, 1 problem; 22 not asked for what stands before\.", lines[-1])
 
 
 def test_a_configuration_that_is_asked_for_must_be_there(tool, well):
@@ -143,5 +165,10 @@ def test_list_that_took_too_long_is_not_asked_again(tool, tmp_path):
     result = tool.run(*arguments, env=site.environment(), cwd=site.root)
     assert time.monotonic() - start < 4
     assert result.returncode == 1
-    assert "timed out after 1 s at controller list" in result.stderr
+    lines = result.stderr.splitlines()
+    assert "timed out after 1 s at controller list" in lines[0]
+    assert lines[-1] == (
+        "diskscout: the controller tool or the filter timed out after 1 s at controller list;"
+        " diskscout doctor --raid tells which, and --timeout allows more time"
+    )
     assert site.nothing_is_left()

@@ -27,6 +27,7 @@ KNOWN = f"known are {ALL_KINDS}"
         (["list", "--plugin="], "--plugin"),
         (["list", "--sysroot", ""], "--sysroot"),
         (["list", "--json=maybe"], "--json"),
+        (["schema", "3"], "3"),
         (["list", "raid"], f'unknown kind "raid", {KNOWN}'),
         (["list", "containers", "--controller"], "--controller"),
         (["list", "containers", "--controller", ""], "--controller"),

@@ -91,7 +91,7 @@ void document_t::checks(const told_findings_t &found)
 		to_.key("text");
 		put_if_any(f.finding.text, to_);
 		to_.key("advice");
-		put_if_any(f.advice, to_);
+		put_if_any(f.finding.advice, to_);
 		to_.end_object();
 	}
 	to_.end_list();

@@ -36,7 +36,7 @@ static int status_of(const told_findings_t &found)
 
 static std::string lines_of(const told_finding_t &found, std::string_view word)
 {
-	return fmt::format("{}: {}.\n  {}.\n", word, found.finding.text, found.advice);
+	return fmt::format("{}: {}.\n  {}.\n", word, found.finding.text, found.finding.advice);
 }
 
 // Checks, not findings: one may have several.
@@ -62,7 +62,7 @@ static std::string unasked_in(const told_findings_t &found)
 	const std::size_t unasked = count_of(verdict_t::NOT_ASKED, found);
 	const auto of_tool =
 		static_cast<std::size_t>(std::count_if(found.begin(), found.end(), [](const auto &f) {
-			return f.finding.verdict == verdict_t::NOT_ASKED && !f.advice.empty();
+			return f.finding.verdict == verdict_t::NOT_ASKED && !f.finding.advice.empty();
 		}));
 	std::string text;
 	if (unasked > of_tool)

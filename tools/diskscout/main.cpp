@@ -18,6 +18,10 @@
 #include "tree_listing.h"
 #include "usage_error.h"
 
+#include <cerrno>
+#include <csignal>
+#include <fmt/format.h>
+
 const char PROGRAM_NAME[] = "diskscout";
 
 static int written(const std::string &text, int status)
@@ -57,6 +61,14 @@ static listing_t shown(enquiry_t &from, const options_t &opts)
 	default:
 		return list(from, opts);
 	}
+}
+
+// Whose limits are asked for is most probably misspelt then. Of a captured host's processes nothing is known.
+static void refuse_missing_agent(const options_t &opts)
+{
+	const std::optional<pid_t> agent = opts.agent();
+	if (agent && !opts.replayed && kill(*agent, 0) != 0 && errno == ESRCH)
+		throw usage_error_t(fmt::format("--pid: there is no process {}", *agent));
 }
 
 static int show(const options_t &opts)
@@ -106,6 +118,7 @@ static int run(int argc, char **argv)
 		                                       : host_fault_t::THROWN);
 	if (opts.replayed)
 		expect_captured_host();
+	refuse_missing_agent(opts);
 	return show(opts);
 }
 

@@ -271,7 +271,9 @@ options_t parse_options(int argc, char **argv)
 		whole->fallthrough();
 		whole->footer(OPTIONS_ARE_ABOVE + (row.exit_status ? row.exit_status : app.get_footer()));
 	}
-	const CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
+	CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
+	// So that they are refused by their names.
+	schema->fallthrough();
 	try {
 		app.parse(argc, argv);
 	} catch (const CLI::ParseError &error) {

@@ -23,6 +23,7 @@ enum class verdict_t { FINE, WARNING, PROBLEM, NOT_ASKED };
 struct finding_t {
 	verdict_t verdict;
 	std::string text;
+	std::string advice = {}; // where it is another one than the check's
 };
 using findings_t = std::vector<finding_t>; // none: all is well
 

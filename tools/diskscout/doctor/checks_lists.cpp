@@ -1,6 +1,7 @@
 // What the classic lists have no place for: kernels without their tables, names, limits of their length.
 #include "checks_machine.h"
 
+#include "finding.h"
 #include "machine.h"
 
 #include <algorithm>
@@ -8,8 +9,9 @@
 static findings_t missing_table(const patient_t &at, code_t code, int error)
 {
 	const machine_t machine = machine_of(at.from);
-	return told(machine, code,
-	            error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM);
+	return advised(told(machine, code,
+	                    error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM),
+	               advice_for(error));
 }
 
 findings_t look_at_scsi_table(const patient_t &at)
@@ -51,15 +53,22 @@ findings_t look_at_table_rows(const patient_t &at)
 	const machine_t machine = machine_of(at.from);
 	const verdict_t verdict = judged(machine, verdict_t::WARNING);
 	findings_t findings = told(machine, code_t::NOT_IN_SCSI_TABLE, verdict);
-	append(&findings, told(machine, code_t::NOT_IN_IDE_TABLE, verdict));
+	append(findings, told(machine, code_t::NOT_IN_IDE_TABLE, verdict));
 	if (!machine.tables.block.error)
-		append(&findings, told(machine, code_t::NOT_IN_BLOCK_TABLE, verdict));
+		append(findings, told(machine, code_t::NOT_IN_BLOCK_TABLE, verdict));
 	return findings;
 }
 
+// What has no limit elsewhere is of no use where there is nothing else.
 static findings_t cut_lists(const patient_t &at, detail_t what)
 {
-	return told(machine_of(at.from), code_t::LIST_CUT, verdict_t::PROBLEM, what);
+	const machine_t machine = machine_of(at.from);
+	return advised(
+		told(machine, code_t::LIST_CUT, verdict_t::PROBLEM, what),
+		machine.facts.knows_devices
+			? ""
+			: "this kernel tells nobody more: look into its own tables in /proc, which have no "
+			  "limit");
 }
 
 findings_t look_at_disk_limit(const patient_t &at)
@@ -85,4 +94,9 @@ findings_t look_at_mount_limit(const patient_t &at)
 findings_t look_at_partition_limit(const patient_t &at)
 {
 	return cut_lists(at, detail_t::PARTITIONS);
+}
+
+findings_t look_at_rings(const patient_t &at)
+{
+	return told(machine_of(at.from), code_t::LIST_CUT, verdict_t::PROBLEM, detail_t::RING_OF_TABLES);
 }

@@ -21,6 +21,10 @@ static const check_t CHECKS[] = {
 	{"sysfs", "Does /sys tell today's devices?", "The device query, and /proc/filesystems.",
          "mount sysfs at /sys where the kernel has it; kernels before 2.6 have none", LOCAL | DEVICES_FAILED,
          false, look_at_sysfs},
+	{"path_cat", "Is cat found, with which the plug-in reads /etc/mtab?",
+         "The directories of PATH are searched.",
+         "start the program, and the agent, with a PATH that names /bin or /usr/bin", LOCAL, false,
+         look_at_path},
 	{"block_table", "Can /proc/partitions be read?", "By reading it.",
          "mount proc at /proc; the classic lists know a disk by its line in that table", LOCAL, false,
          look_at_block_table},
@@ -67,6 +71,11 @@ static const check_t CHECKS[] = {
 	{"partition_limit", "Has each disk 32 partitions at most?",
          "The partition tables of the listed disks.", "diskscout list devices has no limit", PARTITIONS_SHORT,
          false, look_at_partition_limit},
+	{"table_ring", "Do the partition tables come to an end?", "The partition tables of the listed disks.",
+         "save what is on the disk, then write its table anew: an extended partition leads back to a table "
+         "that "
+         "was read before",
+         PARTITIONS_SHORT, false, look_at_rings},
 	{"guid_table", "Are the partition tables of the classic kind?", "The entries of the listed disks.",
          "diskscout list filesystems shows the GUID table, and diskscout list devices its partitions",
          PARTITIONS_SHORT, false, look_at_guid_tables},

@@ -11,6 +11,7 @@ findings_t look_at_stack(const patient_t &at);
 // checks_reach.cpp
 findings_t look_at_answers(const patient_t &at);
 findings_t look_at_sysfs(const patient_t &at);
+findings_t look_at_path(const patient_t &at);
 findings_t look_at_block_table(const patient_t &at);
 findings_t look_at_permission(const patient_t &at);
 findings_t look_at_contents(const patient_t &at);
@@ -29,6 +30,7 @@ findings_t look_at_row_limit(const patient_t &at);
 findings_t look_at_drive_limit(const patient_t &at);
 findings_t look_at_mount_limit(const patient_t &at);
 findings_t look_at_partition_limit(const patient_t &at);
+findings_t look_at_rings(const patient_t &at);
 
 // checks_rows.cpp
 findings_t look_at_guid_tables(const patient_t &at);

@@ -1,10 +1,12 @@
 // Whether what the lists are made from can be reached at all.
 #include "checks_machine.h"
 
+#include "finding.h"
 #include "kernel_lines.h"
 #include "machine.h"
 #include "partition_query.h"
 #include "reasons_node.h"
+#include "site.h"
 
 #include "diskscout_block.h"
 
@@ -51,6 +53,11 @@ findings_t look_at_sysfs(const patient_t &at)
 	                      : "this host has no /sys: the classic lists are all that there is"}};
 }
 
+findings_t look_at_path(const patient_t &)
+{
+	return not_in_path("cat");
+}
+
 findings_t look_at_block_table(const patient_t &at)
 {
 	const machine_t machine = machine_of(at.from);
@@ -58,7 +65,7 @@ findings_t look_at_block_table(const patient_t &at)
 	if (!error || is_denied(error))
 		return {};
 	return {{error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM,
-	         fmt::format("/proc/partitions cannot be read: {}", strerror(error))}};
+	         fmt::format("/proc/partitions cannot be read: {}", strerror(error)), advice_for(error)}};
 }
 
 // ---- permission ----
@@ -81,12 +88,15 @@ static findings_t denied_today(const facts_t &facts)
 	}
 	if (nodes.empty() && has_mappings && is_denied(node_t(CONTROL).error()))
 		nodes.push_back(CONTROL);
-	return about(nodes, fmt::format("cannot be opened: {}", strerror(EACCES)), verdict_t::WARNING);
+	return advised(
+		about(nodes, fmt::format("cannot be opened: {}", strerror(EACCES)), verdict_t::WARNING),
+		advice_for(EACCES));
 }
 
 findings_t look_at_permission(const patient_t &at)
 {
-	return told(machine_of(at.from), code_t::NO_PERMISSION, verdict_t::PROBLEM);
+	return advised(told(machine_of(at.from), code_t::NO_PERMISSION, verdict_t::PROBLEM),
+	               advice_for(EACCES));
 }
 
 findings_t look_at_contents(const patient_t &at)
@@ -109,9 +119,10 @@ findings_t look_at_nodes(const patient_t &at)
 		// Those without a size are told already.
 		const int error = disk.size ? node_t(disk.node).error() : 0;
 		if (error && !is_denied(error))
-			append(&findings,
-			       about({disk.node}, fmt::format("cannot be opened: {}", strerror(error)),
-			             verdict_t::PROBLEM));
+			append(findings, advised(about({disk.node},
+			                               fmt::format("cannot be opened: {}", strerror(error)),
+			                               verdict_t::PROBLEM),
+			                         advice_for(error)));
 	}
 	return findings;
 }
@@ -144,8 +155,12 @@ findings_t look_at_queries(const patient_t &at)
 		findings.push_back(
 			{verdict_t::PROBLEM,
 		         fmt::format("the device query failed: {}",
-		                     devices.error() ? strerror(devices.error()) : "no cause was found")});
+		                     devices.error() ? strerror(devices.error()) : "no cause was found"),
+		         advice_for(devices.error())});
 	}
+	// Without what they run, they fail for that.
+	if (!look_at_path(at).empty())
+		return findings;
 	const item_list_t &partitions = at.from.list(CMD_GET_PARTITIONS);
 	add("disk", at.from.list(CMD_GET_DISKS), "");
 	add("partition", partitions, partitions.failed() ? known_partition_failure(at.from) : "");
@@ -158,5 +173,6 @@ findings_t look_at_mount_table(const patient_t &)
 	const int error = read_kernel_tables().mounts.error;
 	if (!error)
 		return {};
-	return {{verdict_t::PROBLEM, fmt::format("/etc/mtab cannot be read: {}", strerror(error))}};
+	return {{verdict_t::PROBLEM, fmt::format("/etc/mtab cannot be read: {}", strerror(error)),
+	         advice_for(error)}};
 }

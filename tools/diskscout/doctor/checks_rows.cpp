@@ -1,6 +1,7 @@
 // What misleads in rows that are there.
 #include "checks_machine.h"
 
+#include "finding.h"
 #include "machine.h"
 #include "partition_query.h"
 #include "reasons_node.h"
@@ -52,7 +53,7 @@ findings_t look_at_sectors(const patient_t &at)
 	for (const known_disk_t &disk : facts.disks) {
 		const int size = sector_of(disk, facts);
 		if (size > CLASSIC && has_places(disk)) {
-			append(&findings,
+			append(findings,
 			       about({disk.node},
 			             fmt::format("has sectors of {} bytes, its partitions are told as if "
 			                         "they had {}",

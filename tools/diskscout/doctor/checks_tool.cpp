@@ -10,10 +10,11 @@
 using judge_t = findings_t (*)(const tool_look_t &look);
 
 // Those of the controllers hide nothing: each may have another one.
-static const judge_t HIDING[] = {not_started,   tool_hangs,          tool_killed,     tool_status,
-                                 tool_endless,  tool_silent,         tool_foreign,    tool_cut,
-                                 tool_refuses,  filter_hangs,        filter_killed,   filter_status,
-                                 filter_silent, answer_without_echo, answer_too_long, no_controller};
+static const judge_t HIDING[] = {not_started,   tool_hangs,          tool_killed,       tool_status,
+                                 tool_endless,  tool_silent,         tool_foreign,      tool_cut,
+                                 tool_refuses,  filter_hangs,        filter_killed,     filter_status,
+                                 filter_silent, answer_without_echo, answer_with_paint, answer_too_long,
+                                 no_controller};
 
 static bool has_problem(const findings_t &found)
 {
@@ -97,6 +98,8 @@ static const check_t CHECKS[] = {
          look<filter_silent>},
 	{"filter_loses", "Does the filter keep the echoes?", BY_FILTERING, USE_OUR_FILTER, RAID_FAILED, true,
          look<answer_without_echo>},
+	{"filter_paint", "Does the filter take out what paints a terminal?", BY_FILTERING, USE_OUR_FILTER,
+         RAID_FAILED, true, look<answer_with_paint>},
 	{"answer_too_long", "Is the answer of a size that is read?",
          "What the filter has written is measured: lists of containers are read up to 1 MiB.",
          "look with the tool what it prints beside its tables, and let the filter take it out", RAID_FAILED,

@@ -50,17 +50,27 @@ static std::string packed(const findings_t &findings)
 		bytes += static_cast<char>(finding.verdict);
 		bytes += finding.text;
 		bytes += '\0';
+		bytes += finding.advice;
+		bytes += '\0';
 	}
 	return bytes;
+}
+
+static std::string next_text(std::string_view *bytes)
+{
+	std::string text(bytes->substr(0, bytes->find('\0')));
+	bytes->remove_prefix(std::min(text.size() + 1, bytes->size()));
+	return text;
 }
 
 static findings_t unpacked(std::string_view bytes)
 {
 	findings_t findings;
 	while (!bytes.empty()) {
-		const std::size_t end = bytes.find('\0', 1);
-		findings.push_back({static_cast<verdict_t>(bytes[0]), std::string(bytes.substr(1, end - 1))});
-		bytes.remove_prefix(std::min(end, bytes.size() - 1) + 1);
+		const auto verdict = static_cast<verdict_t>(bytes[0]);
+		bytes.remove_prefix(1);
+		const std::string text = next_text(&bytes);
+		findings.push_back({verdict, text, next_text(&bytes)});
 	}
 	return findings;
 }
@@ -73,8 +83,8 @@ static const char UNANSWERED_ADVICE[] =
 static told_finding_t unanswered(const check_t &check, const std::string &why)
 {
 	return {&check,
-	        {verdict_t::WARNING, fmt::format("{} could not be answered: {}", check.word, why)},
-	        UNANSWERED_ADVICE};
+	        {verdict_t::WARNING, fmt::format("{} could not be answered: {}", check.word, why),
+	         UNANSWERED_ADVICE}};
 }
 
 static told_findings_t told(const check_t &check, const findings_t &findings)
@@ -82,11 +92,11 @@ static told_findings_t told(const check_t &check, const findings_t &findings)
 	told_findings_t found;
 	for (const finding_t &finding : findings) {
 		const bool is_asked = finding.verdict != verdict_t::NOT_ASKED;
-		found.push_back(
-			{&check, {finding.verdict, printable(finding.text)}, is_asked ? check.advice : ""});
+		const std::string advice = finding.advice.empty() ? check.advice : printable(finding.advice);
+		found.push_back({&check, {finding.verdict, printable(finding.text), is_asked ? advice : ""}});
 	}
 	if (found.empty())
-		found.push_back({&check, {verdict_t::FINE, ""}, ""});
+		found.push_back({&check, {verdict_t::FINE, ""}});
 	return found;
 }
 
@@ -94,8 +104,8 @@ static told_findings_t look(const check_t &check, const patient_t &at, const tim
 {
 	if (check.runs_tool && !at.asks_tool)
 		return {{&check,
-		         {verdict_t::NOT_ASKED, "the controller tool was not run"},
-		         "diskscout doctor --raid runs it"}};
+		         {verdict_t::NOT_ASKED, "the controller tool was not run",
+		          "diskscout doctor --raid runs it"}}};
 	// What was seen of the tool is judged in no time.
 	if (check.runs_tool && at.tool)
 		return told(check, check.look(at));
@@ -151,7 +161,7 @@ std::string_view word_of(verdict_t verdict)
 
 std::string line_of(const told_finding_t &found)
 {
-	return fmt::format("{}; {}", found.finding.text, found.advice);
+	return fmt::format("{}; {}", found.finding.text, found.finding.advice);
 }
 
 std::vector<const check_t *> all_checks()
@@ -224,7 +234,7 @@ static bool outweighs(const told_finding_t &one, const told_finding_t &other)
 static told_finding_t leading(unsigned concerns, const patient_t &at, const time_left_t &time)
 {
 	looked_at_t looked(at, time);
-	told_finding_t best = {nullptr, {verdict_t::FINE, ""}, ""};
+	told_finding_t best = {nullptr, {verdict_t::FINE, ""}};
 	for (const check_t *check : all_checks()) {
 		if ((check->concerns & concerns) == 0)
 			continue;
@@ -238,6 +248,15 @@ static told_finding_t leading(unsigned concerns, const patient_t &at, const time
 			break;
 	}
 	return best;
+}
+
+// It would hang again: what it has just done is enough to know.
+static finding_t hung(const item_list_t &controllers)
+{
+	return {verdict_t::PROBLEM,
+	        fmt::format("the controller tool or the filter {}; diskscout doctor --raid tells which, and "
+	                    "--timeout allows more time",
+	                    controllers.failure())};
 }
 
 static constexpr unsigned LOCAL_LISTS = DISKS_SHORT | PARTITIONS_SHORT | CDROMS_SHORT;
@@ -262,14 +281,16 @@ finding_t leading_finding(const kinds_t &kinds, enquiry_t &from)
 		if (!lacking.empty())
 			return {verdict_t::PROBLEM, lacking};
 	}
-	// One that has just hung would hang again.
-	const bool asks_tool = is_raid && !from.controllers().timed_out();
+	const bool has_hung = is_raid && from.controllers().timed_out();
 	const milliseconds limit = from.limit();
 	const time_left_t time(limit);
 	if (concerns & LOCAL_LISTS)
 		ask_local_lists(from, time);
-	const told_finding_t best = leading(concerns, {from, inherited(), std::nullopt, asks_tool}, time);
+	const told_finding_t best =
+		leading(concerns, {from, inherited(), std::nullopt, is_raid && !has_hung}, time);
 	from.set_limit(limit);
+	if (has_hung && best.finding.verdict != verdict_t::PROBLEM)
+		return hung(from.controllers());
 	if (best.finding.text.empty())
 		return {verdict_t::FINE, ""};
 	return {best.finding.verdict, line_of(best)};

@@ -13,8 +13,7 @@
 // What a check found; a row without a text for one that found nothing.
 struct told_finding_t {
 	const check_t *check;
-	finding_t finding;
-	std::string advice; // empty where nothing has to be done
+	finding_t finding; // its advice is empty only where nothing has to be done
 };
 using told_findings_t = std::vector<told_finding_t>;
 

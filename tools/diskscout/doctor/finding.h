@@ -25,6 +25,16 @@ inline findings_t not_asked(const std::string &text)
 	return one_finding(verdict_t::NOT_ASKED, text);
 }
 
+// What to do about an error that has to do with who asks, and not with what is asked; empty: it has not.
+std::string advice_for(int error);
+
+inline findings_t advised(findings_t findings, const std::string &advice)
+{
+	for (finding_t &finding : findings)
+		finding.advice = advice;
+	return findings;
+}
+
 inline void append(findings_t &to, const findings_t &more)
 {
 	to.insert(to.end(), more.begin(), more.end());

@@ -59,11 +59,6 @@ findings_t told(const machine_t &machine, code_t code, verdict_t verdict, detail
 	return findings;
 }
 
-void append(findings_t *to, const findings_t &more)
-{
-	to->insert(to->end(), more.begin(), more.end());
-}
-
 findings_t about(const std::vector<std::string> &names, const std::string &text, verdict_t verdict)
 {
 	if (names.empty())

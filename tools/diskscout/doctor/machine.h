@@ -31,7 +31,6 @@ verdict_t judged(const machine_t &machine, verdict_t verdict);
 // The reasons with this code, each once.
 findings_t told(const machine_t &machine, code_t code, verdict_t verdict, detail_t detail = detail_t::NONE);
 
-void append(findings_t *to, const findings_t &more);
 bool has_text(const findings_t &findings, const std::string &text);
 
 // "sda, sdb: text"; nothing without names.

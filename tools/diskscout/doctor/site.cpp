@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,6 +43,15 @@ std::string found_in_path(const std::string &name)
 		from = end + 1;
 	}
 	return "";
+}
+
+findings_t not_in_path(const std::string &name)
+{
+	if (!found_in_path(name).empty())
+		return {};
+	const char *const path = getenv("PATH");
+	return problem(fmt::format("there is no {} in the directories of PATH, which is \"{}\"", name,
+	                           path ? path : ""));
 }
 
 static program_t program_of(const tool_config_key_t &key, const char *what, const std::string &command)

@@ -39,6 +39,7 @@ bool can_be_run(const std::string &path);
 
 // The program of this name as the shell finds it; empty when there is none.
 std::string found_in_path(const std::string &name);
+findings_t not_in_path(const std::string &name); // a problem, where it is not found
 
 // What is found where there is a configuration that can be read.
 findings_t where_configured(const patient_t &at, const std::function<findings_t(const site_t &)> &look);

@@ -107,8 +107,9 @@ static findings_t judge_permission(const program_t &program, const site_t &)
 	if (stat(program.path.c_str(), &status) != 0)
 		return {};
 	if (!S_ISREG(status.st_mode))
-		return problem(fmt::format("the {} {} is {}", program.what, program.path,
-		                           S_ISDIR(status.st_mode) ? "a directory" : "no file"));
+		return advised(problem(fmt::format("the {} {} is {}", program.what, program.path,
+		                                   S_ISDIR(status.st_mode) ? "a directory" : "no file")),
+		               "name the program itself");
 	if (access(program.path.c_str(), X_OK) != 0)
 		return problem(fmt::format("the {} {} is not executable: {}", program.what, program.path,
 		                           strerror(errno)));

@@ -61,11 +61,7 @@ findings_t full_run_directory(const patient_t &at)
 
 static findings_t path_without_rm_of(const site_t &)
 {
-	if (!found_in_path("rm").empty())
-		return {};
-	const char *const path = getenv("PATH");
-	return problem(
-		fmt::format("there is no rm in the directories of PATH, which is \"{}\"", path ? path : ""));
+	return not_in_path("rm");
 }
 
 findings_t path_without_rm(const patient_t &at)

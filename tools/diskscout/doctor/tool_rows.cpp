@@ -68,9 +68,20 @@ findings_t tool_killed(const tool_look_t &look)
 	return judge_signal(look.tool_run, tool_of(look));
 }
 
+// Of what stands before the tool; the tool itself did not come to say anything.
+static bool is_said_by_wrapper(const tool_run_t &run)
+{
+	static const std::string_view NAME = "diskscout-limit: ";
+	return run.said.compare(0, NAME.size(), NAME) == 0;
+}
+
 findings_t tool_status(const tool_look_t &look)
 {
-	return judge_status(look.tool_run, tool_of(look));
+	return advised(judge_status(look.tool_run, tool_of(look)),
+	               is_said_by_wrapper(look.tool_run)
+	                       ? "look with ps what the tool waits for and who else uses the controller; "
+	                         "diskscout-limit.cfg has the limits"
+	                       : "");
 }
 
 findings_t tool_endless(const tool_look_t &look)
@@ -155,6 +166,13 @@ findings_t answer_without_echo(const tool_look_t &look)
 	    answer.find("\n" + ECHO) != std::string::npos)
 		return {};
 	return problem(fmt::format("{} loses the line \"{}\"", filter_of(look), ECHO));
+}
+
+findings_t answer_with_paint(const tool_look_t &look)
+{
+	if (!look.filter_run.is_fine() || look.filter_run.output.find('\033') == std::string::npos)
+		return {};
+	return problem(filter_of(look) + " leaves the sequences of a terminal in the answer");
 }
 
 findings_t answer_too_long(const tool_look_t &look)

@@ -22,6 +22,7 @@ findings_t filter_killed(const tool_look_t &look);
 findings_t filter_status(const tool_look_t &look);
 findings_t filter_silent(const tool_look_t &look);
 findings_t answer_without_echo(const tool_look_t &look);
+findings_t answer_with_paint(const tool_look_t &look);
 findings_t answer_too_long(const tool_look_t &look);
 
 // Of the controllers.

@@ -52,6 +52,7 @@ enum class detail_t {
 	DRIVES,
 	MOUNTS,
 	PARTITIONS,
+	RING_OF_TABLES, // whose entries come again until the list is full
 	// of NOT_IN_...: the table has it, and as something else than a disk
 	OF_OTHER_TYPE
 };

@@ -93,7 +93,9 @@ partition_tables_t read_partition_tables(const std::string &node)
 		return tables;
 	}
 	walk_t walk;
+	std::set<std::uint64_t> read;
 	while (walk.table < *sectors && walk.passed.insert(walk.table).second) {
+		tables.is_ring |= !read.insert(walk.table).second;
 		unsigned char sector[512];
 		if (!device.read_sector(walk.table, sector)) {
 			tables.failure = sector_failure(node, walk.table);

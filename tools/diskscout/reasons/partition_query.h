@@ -22,6 +22,7 @@ struct table_entry_t {
 struct partition_tables_t {
 	std::vector<table_entry_t> entries = {};
 	bool is_cut = false;     // there are more than the query lists
+	bool is_ring = false;    // the tables lead back to one of them
 	unsigned lost_links = 0; // extended entries that are not followed: a table's last one leads on
 	bool is_opened = true;
 	std::string failure = {}; // such as "/dev/sda: Permission denied"; empty: none

@@ -111,16 +111,30 @@ static void take_rows(const facts_t &facts, reason_lines_t *lines)
 	}
 }
 
+static reason_t cut_of_disk(detail_t what, const std::string &text)
+{
+	reason_t reason = cut(what, text);
+	reason.of_node = true;
+	return reason;
+}
+
 static void take_cut_lists(const facts_t &facts, reason_lines_t *lines)
 {
-	reason_t beyond = cut(detail_t::PARTITIONS,
-	                      fmt::format("the list ends at {} partitions of a disk", +LISTED_PARTITIONS));
-	beyond.of_node = true;
+	const reason_t beyond =
+		cut_of_disk(detail_t::PARTITIONS,
+	                    fmt::format("the list ends at {} partitions of a disk", +LISTED_PARTITIONS));
+	const reason_t ring = cut_of_disk(detail_t::RING_OF_TABLES,
+	                                  fmt::format("the partition tables lead back to themselves: the "
+	                                              "list ends at {} entries, most of which are repeated",
+	                                              +LISTED_PARTITIONS));
 	for (const known_disk_t &disk : facts.disks) {
 		const auto is_of_disk = [&](const known_partition_t &p) { return p.disk == disk.node; };
 		const auto rows = std::count_if(facts.partitions.begin(), facts.partitions.end(), is_of_disk);
-		if (rows == LISTED_PARTITIONS && read_partition_tables(disk.node).is_cut)
-			lines->add(name_of_node(disk.node), beyond);
+		if (rows != LISTED_PARTITIONS)
+			continue;
+		const partition_tables_t tables = read_partition_tables(disk.node);
+		if (tables.is_cut)
+			lines->add(name_of_node(disk.node), tables.is_ring ? ring : beyond);
 	}
 }
 
