@@ -18,7 +18,8 @@ using processes_t = std::vector<process_t>;
 void leave_copy(int status)
 {
 #ifdef DISKSCOUT_COVERAGE
-	// Every library writes what it has counted, and does so at a whole end only. It takes long: tests choose.
+	// Every library writes what it has counted, and does so at a whole end only. It takes long: tests
+	// choose.
 	if (getenv("DISKSCOUT_COUNTS_COPIES")) {
 		close(STDOUT_FILENO); // what the original has still to write
 		exit(status);
