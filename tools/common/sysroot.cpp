@@ -101,10 +101,15 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 	throw captured_host_error_t(fmt::format("the program cannot be started anew: {}", strerror(errno)));
 }
 
+bool shows_captured_host()
+{
+	return dlsym(RTLD_DEFAULT, "replay_use");
+}
+
 void expect_captured_host()
 {
 	using fault_t = const char *();
-	if (!dlsym(RTLD_DEFAULT, "replay_use"))
+	if (!shows_captured_host())
 		throw captured_host_error_t(
 			"the replay library was not loaded, so the captured host cannot be shown");
 	// Whom we start does not ask.

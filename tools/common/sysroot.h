@@ -16,6 +16,9 @@ enum class host_fault_t { TOLD_BY_LIBRARY, THROWN };
 [[noreturn]] void restart_on_captured_host(const std::string &directory, std::vector<std::string> arguments,
                                            host_fault_t fault = host_fault_t::TOLD_BY_LIBRARY);
 
+// Whether this is the second start.
+bool shows_captured_host();
+
 // To be called by the second start, before anything is asked of the host. The loader only warns about a
 // preload that it cannot load, and the running host is not what was asked for: throws captured_host_error
 // then, and when the table is at fault.

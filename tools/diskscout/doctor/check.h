@@ -31,6 +31,7 @@ using findings_t = std::vector<finding_t>; // none: all is well
 struct inherited_t {
 	bool ignores_children = false;    // SIGCHLD is ignored
 	std::optional<std::size_t> stack; // soft limit in bytes; none: unlimited
+	bool is_root = false;             // and looks at a host of its own: of a captured one others asked
 };
 
 struct tool_look_t;

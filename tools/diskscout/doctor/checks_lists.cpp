@@ -11,7 +11,7 @@ static findings_t missing_table(const patient_t &at, code_t code, int error)
 	const machine_t machine = machine_of(at.from);
 	return advised(told(machine, code,
 	                    error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM),
-	               advice_for(error));
+	               advice_for(error, at.inherited));
 }
 
 findings_t look_at_scsi_table(const patient_t &at)

@@ -65,7 +65,8 @@ findings_t look_at_block_table(const patient_t &at)
 	if (!error || is_denied(error))
 		return {};
 	return {{error == ENOENT ? judged(machine, verdict_t::PROBLEM) : verdict_t::PROBLEM,
-	         fmt::format("/proc/partitions cannot be read: {}", strerror(error)), advice_for(error)}};
+	         fmt::format("/proc/partitions cannot be read: {}", strerror(error)),
+	         advice_for(error, at.inherited)}};
 }
 
 // ---- permission ----
@@ -76,7 +77,7 @@ static bool is_disk_of_today(const known_device_t &device)
 }
 
 // What today's lists lack: they open no device for their rows, but for what is on it.
-static findings_t denied_today(const facts_t &facts)
+static findings_t denied_today(const patient_t &at, const facts_t &facts)
 {
 	static const std::string CONTROL = "/dev/mapper/control";
 	std::vector<std::string> nodes;
@@ -90,13 +91,13 @@ static findings_t denied_today(const facts_t &facts)
 		nodes.push_back(CONTROL);
 	return advised(
 		about(nodes, fmt::format("cannot be opened: {}", strerror(EACCES)), verdict_t::WARNING),
-		advice_for(EACCES));
+		advice_for(EACCES, at.inherited));
 }
 
 findings_t look_at_permission(const patient_t &at)
 {
 	return advised(told(machine_of(at.from), code_t::NO_PERMISSION, verdict_t::PROBLEM),
-	               advice_for(EACCES));
+	               advice_for(EACCES, at.inherited));
 }
 
 findings_t look_at_contents(const patient_t &at)
@@ -106,7 +107,7 @@ findings_t look_at_contents(const patient_t &at)
 		return {};
 	facts_t facts;
 	take_devices(&facts, at.from);
-	return denied_today(facts);
+	return denied_today(at, facts);
 }
 
 // ---- nodes and what is read from them ----
@@ -122,7 +123,7 @@ findings_t look_at_nodes(const patient_t &at)
 			append(findings, advised(about({disk.node},
 			                               fmt::format("cannot be opened: {}", strerror(error)),
 			                               verdict_t::PROBLEM),
-			                         advice_for(error)));
+			                         advice_for(error, at.inherited)));
 	}
 	return findings;
 }
@@ -156,7 +157,7 @@ findings_t look_at_queries(const patient_t &at)
 			{verdict_t::PROBLEM,
 		         fmt::format("the device query failed: {}",
 		                     devices.error() ? strerror(devices.error()) : "no cause was found"),
-		         advice_for(devices.error())});
+		         advice_for(devices.error(), at.inherited)});
 	}
 	// Without what they run, they fail for that.
 	if (!look_at_path(at).empty())
@@ -168,11 +169,11 @@ findings_t look_at_queries(const patient_t &at)
 	return findings;
 }
 
-findings_t look_at_mount_table(const patient_t &)
+findings_t look_at_mount_table(const patient_t &at)
 {
 	const int error = read_kernel_tables().mounts.error;
 	if (!error)
 		return {};
 	return {{verdict_t::PROBLEM, fmt::format("/etc/mtab cannot be read: {}", strerror(error)),
-	         advice_for(error)}};
+	         advice_for(error, at.inherited)}};
 }

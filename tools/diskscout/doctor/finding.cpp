@@ -2,13 +2,12 @@
 #include "finding.h"
 
 #include <cerrno>
-#include <unistd.h>
 
 static const char OF_ROOT[] =
 	"this process is root's, and is kept from it all the same: look for a container, or "
 	"a security module such as SELinux";
 
-std::string advice_for(int error)
+std::string advice_for(int error, const inherited_t &who)
 {
 	switch (error) {
 	case EMFILE:
@@ -19,7 +18,7 @@ std::string advice_for(int error)
 		return "look what has taken the memory of this machine";
 	case EACCES:
 	case EPERM:
-		return geteuid() == 0 ? OF_ROOT : "";
+		return who.is_root ? OF_ROOT : "";
 	default:
 		return "";
 	}

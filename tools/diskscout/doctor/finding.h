@@ -26,7 +26,7 @@ inline findings_t not_asked(const std::string &text)
 }
 
 // What to do about an error that has to do with who asks, and not with what is asked; empty: it has not.
-std::string advice_for(int error);
+std::string advice_for(int error, const inherited_t &who);
 
 inline findings_t advised(findings_t findings, const std::string &advice)
 {

@@ -1,8 +1,11 @@
 // What this process got from whoever started it.
 #include "inherited.h"
 
+#include "sysroot.h"
+
 #include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 
 static inherited_t look()
 {
@@ -13,6 +16,7 @@ static inherited_t look()
 	rlimit stack = {};
 	if (getrlimit(RLIMIT_STACK, &stack) == 0 && stack.rlim_cur != RLIM_INFINITY)
 		found.stack = stack.rlim_cur;
+	found.is_root = geteuid() == 0 && !shows_captured_host();
 	return found;
 }
 

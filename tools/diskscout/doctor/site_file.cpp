@@ -49,7 +49,7 @@ findings_t unreadable_configuration(const patient_t &at)
 		fmt::format("the configuration {} cannot be read: {}", site.file, strerror(site.error));
 	// Most hosts have none, and only root may know.
 	const bool is_needed = at.asks_tool || site.file != DEFAULT_TOOL_CONFIG;
-	return is_needed ? advised(problem(text), advice_for(site.error)) : not_asked(text);
+	return is_needed ? advised(problem(text), advice_for(site.error, at.inherited)) : not_asked(text);
 }
 
 // ---- its lines ----
