@@ -5,8 +5,10 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <linux/fuse.h>
 #include <sched.h>
+#include <sstream>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -47,10 +49,20 @@ silent_mount_t::silent_mount_t(std::string directory, questions_t questions)
 	open(questions);
 }
 
+// Where nothing is shared nothing has to be made private, which a root directory that is no mount refuses.
+static bool is_alone()
+{
+	std::ifstream table("/proc/self/mountinfo");
+	std::ostringstream text;
+	text << table.rdbuf();
+	return table.is_open() && text.str().find(" shared:") == std::string::npos;
+}
+
 void silent_mount_t::open(questions_t questions)
 {
 	const auto lacks = [&](const char *what) { lack_ = std::string(what) + ": " + strerror(errno); };
-	if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0)
+	if (unshare(CLONE_NEWNS) != 0 ||
+	    (!is_alone() && mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0))
 		return lacks("no room of mounts");
 	const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
 	if (device < 0)
