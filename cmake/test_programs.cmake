@@ -4,6 +4,7 @@ include(CheckLinkerFlag)
 add_library(diskscout_test_options INTERFACE)
 # Their assertions are long to optimise and run once.
 target_compile_options(diskscout_test_options INTERFACE -O0 -g1)
+target_compile_options(diskscout_test_options INTERFACE ${DISKSCOUT_FEWER_CHECKS})
 # The fastest linker that is installed; the compiler's own optimiser at link time wants its own.
 set(linkers mold lld)
 if(CMAKE_INTERPROCEDURAL_OPTIMIZATION)

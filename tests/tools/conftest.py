@@ -24,6 +24,20 @@ def pytest_addoption(parser):
     parser.addoption("--modules", help="where the plug-ins of these tests were built")
 
 
+@pytest.fixture(scope="session")
+def is_slow(request):
+    """Where sanitizers look on, or what is met is counted."""
+    cache = pathlib.Path(request.config.getoption("--build-dir")) / "CMakeCache.txt"
+    return any(f"DISKSCOUT_{what}:BOOL=ON" in cache.read_text() for what in ("SANITIZE", "COVERAGE"))
+
+
+@pytest.fixture
+def for_what_is_shipped(is_slow):
+    """Others do the same as these tests in such builds, one of them for its like or from within."""
+    if is_slow:
+        pytest.skip("the build that is shipped shows it")
+
+
 @pytest.fixture(autouse=True)
 def counted(request, monkeypatch):
     if COUNTED & {request.module.__name__, request.function.__name__}:

@@ -87,8 +87,7 @@ TEST_F(PrivateDirectory, NamesOfTheParent)
 	}
 }
 
-// The sanitizer looks at the object's type through descriptors, of which there may be none.
-__attribute__((no_sanitize("vptr"))) std::string refusal()
+std::string refusal()
 {
 	try {
 		return "made: " + private_directory_t().path();

@@ -154,6 +154,7 @@ def test_what_runs_the_tool_is_not_asked(tool, tmp_path):
 OF_NO_LIST = {"contents", "arrays", "sigchld", "stack"}
 
 
+@pytest.mark.usefixtures("for_what_is_shipped")
 @pytest.mark.parametrize("host", PREPARED, ids=lambda host: host.name)
 def test_list_that_is_short_shows_the_line_that_doctor_leads_with(tool, host, tmp_path):
     """And no other list does."""

@@ -34,6 +34,7 @@ def test_there_are_enough_of_both():
     assert len([name for name in NAMES if name.startswith("fine")]) >= 15
 
 
+@pytest.mark.usefixtures("for_what_is_shipped")
 @pytest.mark.parametrize("name", one_for_each_check())
 def test_site(tool, well, tmp_path, name):
     site = DoctorSite(name, tmp_path / "site", tool.program.parent)

@@ -139,12 +139,6 @@ def as_root(reason):
 STANDING_FOR_ALL = re.compile(r"any_moment|hangs\[session\]|mid-answer|that_crashes|a_process|next_run|two_at_once")
 
 
-@pytest.fixture(scope="session")
-def is_slow(request):
-    cache = pathlib.Path(request.config.getoption("--build-dir")) / "CMakeCache.txt"
-    return "DISKSCOUT_SANITIZE:BOOL=ON" in cache.read_text()
-
-
 @pytest.fixture(autouse=True)
 def as_many_as_there_is_time_for(request, is_slow):
     if is_slow and not STANDING_FOR_ALL.search(request.node.name):
