@@ -119,11 +119,12 @@ findings_t look_at_nodes(const patient_t &at)
 	for (const known_disk_t &disk : machine.facts.disks) {
 		// Those without a size are told already.
 		const int error = disk.size ? node_t(disk.node).error() : 0;
-		if (error && !is_denied(error))
+		if (error && !is_denied(error)) {
 			append(findings, advised(about({disk.node},
 			                               fmt::format("cannot be opened: {}", strerror(error)),
 			                               verdict_t::PROBLEM),
 			                         advice_for(error, at.inherited)));
+		}
 	}
 	return findings;
 }

@@ -133,7 +133,7 @@ static void count_permille(int permille, count_t &count)
 		count.permille = count.permille < 0 ? permille : std::min(count.permille, permille);
 }
 
-static raid_state_t state_of(const raid_container_t &container, const raid_facts_t &facts, int depth);
+static raid_state_t state_of(const raid_container_t &row, const raid_facts_t &facts, int depth);
 
 static const raid_container_t *container_of(int number, const raid_facts_t &facts)
 {

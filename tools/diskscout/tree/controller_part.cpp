@@ -33,7 +33,7 @@ private:
 	void tell_cause();
 
 	std::size_t container_of(int number);
-	std::size_t disk_of(int address);
+	std::size_t disk_of(int at);
 	void use(std::size_t container, std::size_t member);
 	bool is_below(std::size_t node, std::size_t other) const;
 

@@ -26,7 +26,7 @@ static std::vector<row_t> rows_of(const kind_t &kind, enquiry_t &from, messages_
 // The kernel has words for what an array does, none for what it lacks.
 static void tell_state(const block_array &array, tree_node_t &node)
 {
-	if (array.degraded == BLOCK_ABSENT || array.degraded <= 0)
+	if (array.degraded <= 0) // or absent
 		return;
 	const bool is_rebuilding = array.sync_action && strcmp(array.sync_action, "recover") == 0;
 	node.state = is_rebuilding ? "rebuilding" : "degraded";
@@ -176,7 +176,7 @@ static std::string add_devices(machine_tree_t &machine, std::size_t local, const
 	const bool is_whole = messages.size() == told_before;
 	if (!is_whole)
 		machine.at(local).cause = messages.back().text;
-	const std::string left_out = how.leaves_out_unused ? take_out_unused(devices) : "";
+	std::string left_out = how.leaves_out_unused ? take_out_unused(devices) : "";
 	numbers_t numbers;
 	for (const row_t &row : devices) {
 		const auto &device = record_of<block_device>(row);
