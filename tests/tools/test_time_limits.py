@@ -28,6 +28,8 @@ case $script in
 esac
 """
 SLEEP = "sleep 1000"
+# What a busy machine may need beside a limit (s); without the limit it would be far more.
+SLACK = 8
 HANGS = {
     "term": f"trap '' TERM; {SLEEP}",
     "session": f"setsid sh -c 'trap \"\" TERM; {SLEEP} & {SLEEP}' & {SLEEP}",
@@ -158,7 +160,7 @@ def error_of(document, kind):
 def test_tool_that_hangs(watched, behaviour):
     watched.behave("container list", HANGS[behaviour])
     document, took = watched.list("controllers", "containers", "raid-disks", status=1)
-    assert took < 1 + 3
+    assert took < 1 + SLACK
     assert not document["containers"]
     assert [len(document[kind]) for kind in ("controllers", "raid_disks")] == [1, 4]
     error = error_of(document, "containers")
@@ -170,7 +172,7 @@ def test_tool_that_hangs(watched, behaviour):
 def test_tool_whose_answer_is_none(watched, behaviour):
     watched.behave("container list", CUT[behaviour])
     document, took = watched.list("controllers", "containers", "raid-disks", limit=20, status=1)
-    assert took < 5
+    assert took < SLACK
     assert not document["containers"]
     assert [len(document[kind]) for kind in ("controllers", "raid_disks")] == [1, 4]
     error = error_of(document, "containers")
@@ -182,14 +184,14 @@ def test_tool_whose_answer_is_none(watched, behaviour):
 def test_tool_that_leaves_something_beside_its_answer(watched, behaviour):
     watched.behave("container list", WHOLE[behaviour])
     document, took = watched.list("containers", limit=20, status=0)
-    assert took < 5
+    assert took < SLACK
     assert len(document["containers"]) == 1
 
 
 def test_first_question_without_an_answer(watched):
     watched.behave("controller list", SLEEP)
     document, took = watched.list("controllers", "containers", "mounts", status=1)
-    assert took < 1 + 3
+    assert took < 1 + SLACK
     assert document["controllers"] is None and document["containers"] is None
     assert document["mounts"]
     assert "timed out after 1 s at controller list" in errors_of(document)[0]["text"]
@@ -212,7 +214,7 @@ def test_filter_that_hangs(watched):
     begin = time.monotonic()
     started = watched.start("list", "controllers", "--config", "raid.cfg", "--timeout", "1", stderr=subprocess.PIPE)
     _, told = started.communicate()
-    assert time.monotonic() - begin < 1 + 3
+    assert time.monotonic() - begin < 1 + SLACK
     assert b"timed out after 1 s at controller list" in told
     assert watched.left() == []
 
@@ -235,7 +237,7 @@ def test_two_at_once_on_one_controller(watched):
 def test_plugin_that_hangs(tool):
     begin = time.monotonic()
     document = tool.made_document("disks", "partitions", "cdroms", "--timeout", "1", classic="hanging", status=1)
-    assert time.monotonic() - begin < 1 + 3
+    assert time.monotonic() - begin < 1 + SLACK
     assert [document[kind] is None for kind in ("disks", "partitions", "cdroms")] == [False, True, False]
     error, leading = errors_of(document)
     assert (error["kind"], error["code"]) == ("partitions", "timed_out")
@@ -256,7 +258,7 @@ def test_plugin_that_leaves_a_process(tool):
     begin = time.monotonic()
     mark = f"DISKSCOUT_TEST_MARK={uuid.uuid4()}"
     document = tool.made_document("disks", "cdroms", classic="companion", env=dict([mark.split("=")]))
-    assert time.monotonic() - begin < 3
+    assert time.monotonic() - begin < SLACK
     assert len(document["disks"]) == 2
     assert marked(mark) == {}
 
@@ -269,7 +271,7 @@ def test_command_that_hangs(watched, tool):
     program = tool.program.parent / "stcli"
     environment = watched.environment()
     result = tool.run("--timeout", "1", "exec", SLEEP, program=program, env=environment)
-    assert time.monotonic() - begin < 1 + 3
+    assert time.monotonic() - begin < 1 + SLACK
     assert result.returncode == 1
     assert result.stderr.endswith("stcli: timed out after 1 s at exec\n")
     assert watched.left() == []
@@ -306,7 +308,7 @@ def test_mount_that_never_answers(watched, tool, directories, place, program, wo
     begin = time.monotonic()
     environment = watched.environment()
     result = in_silent_mount(tool, directories, "left", place, tool.program.parent / program, *words, env=environment)
-    assert time.monotonic() - begin < 1 + 3
+    assert time.monotonic() - begin < 1 + SLACK
     assert result.returncode != 0
     assert result.stderr.endswith(told.format(place))
     assert watched.left() == []
@@ -315,10 +317,10 @@ def test_mount_that_never_answers(watched, tool, directories, place, program, wo
 @as_root("mounting")
 def test_mount_that_never_answers_is_listed(watched, tool, directories, place):
     """Nobody asks it who need not."""
-    words = ["list", "mounts", "devices", "disks", "--json", "--timeout", "5"]
+    words = ["list", "mounts", "devices", "disks", "--json", "--timeout", "30"]
     begin = time.monotonic()
     result = in_silent_mount(tool, directories, "left", place, tool.program, *words, env=watched.environment())
-    assert time.monotonic() - begin < 3
+    assert time.monotonic() - begin < SLACK
     assert result.returncode == 0
     (mount,) = [mount for mount in json.loads(result.stdout)["mounts"] if mount["mount_point"] == str(place)]
     assert mount["available"] is None
@@ -332,7 +334,7 @@ def test_process_that_cannot_be_ended_is_named(watched, tool, directories, place
         sed 's/.*) //; s/ .*//' /proc/$pid/stat"""
     begin = time.monotonic()
     result = in_silent_mount(tool, directories, "taken", place, "sh", "-c", script, env=watched.environment())
-    assert time.monotonic() - begin < 1 + 3
+    assert time.monotonic() - begin < 1 + SLACK
     assert "timed out after 1 s at volspace" in (tmp_path / "told").read_text()
     assert result.stdout == "D\n"
     assert watched.nothing_is_left()
@@ -346,7 +348,7 @@ ENDS = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP, signal.SIGKILL)
 
 
 def end_at_moments(watched, number, count):
-    """How often a run was over before it heard of this signal."""
+    """Ends so many runs; one that was over before it heard of the signal does not count, and was slower once."""
     moments = random.Random(number)
     watched.behave("container list", "sleep 0.05; answer")
     length = {}
@@ -354,17 +356,22 @@ def end_at_moments(watched, number, count):
         begin = time.monotonic()
         assert watched.start(*run).wait() == 0
         length[run] = time.monotonic() - begin
-    late = 0
-    for turn in range(count):
-        run = (RAID_RUN, LOCAL_RUN)[turn % 2]
+    heard = 0
+    for _ in range(20 * count):
+        run = (RAID_RUN, LOCAL_RUN)[heard % 2]
         started = watched.start(*run)
         time.sleep(length[run] * moments.random())
         started.send_signal(number)
         status = started.wait()
         assert status in (0, -number)
-        late += status == 0
-        assert watched.nothing_is_left(), (turn, run, number)
-    return late
+        assert watched.nothing_is_left(), (heard, run, number)
+        if status == 0:
+            length[run] *= 0.8
+        else:
+            heard += 1
+        if heard == count:
+            break
+    return heard
 
 
 def test_end_at_any_moment(tool, tmp_path, is_slow):
@@ -372,8 +379,8 @@ def test_end_at_any_moment(tool, tmp_path, is_slow):
     count = 6 if is_slow else 25
     lanes = [Watched(Site(tool, tmp_path / f"site{n}", STATE), tmp_path / f"room{n}") for n in ENDS]
     with concurrent.futures.ThreadPoolExecutor(len(ENDS)) as pool:
-        late = list(pool.map(end_at_moments, lanes, ENDS, [count] * len(ENDS)))
-    assert sum(late) < count * len(ENDS) / 2
+        heard = list(pool.map(end_at_moments, lanes, ENDS, [count] * len(ENDS)))
+    assert heard == [count] * len(ENDS)
 
 
 def wait_until(condition, within=10):
