@@ -14,6 +14,9 @@ CLASSIC = ("--classic", "--format", "1")
 # What would show through from whoever runs the tests.
 STEERING = ("LD_PRELOAD", "LANG", "LANGUAGE", "COLUMNS", "LINES", "TERM")
 
+# What a busy machine may need beside a limit (s); without the limit it would be far more.
+SLACK = 8
+
 # Where what tests meet is counted, copies of the program tell what they have met when this is wished. It takes them
 # long: these tests meet nearly everything.
 COUNTED = {"test_block_json", "test_plugin", "test_prepared_host", "test_raid_json", "test_raid_site", "test_reasons", "test_tree"}
@@ -24,18 +27,21 @@ def pytest_addoption(parser):
     parser.addoption("--modules", help="where the plug-ins of these tests were built")
 
 
-@pytest.fixture(scope="session")
-def is_slow(request):
-    """Where sanitizers look on, or what is met is counted."""
+def is_built(request, what):
     cache = pathlib.Path(request.config.getoption("--build-dir")) / "CMakeCache.txt"
-    return any(f"DISKSCOUT_{what}:BOOL=ON" in cache.read_text() for what in ("SANITIZE", "COVERAGE"))
+    return f"DISKSCOUT_{what}:BOOL=ON" in cache.read_text()
+
+
+@pytest.fixture(scope="session")
+def is_sanitized(request):
+    return is_built(request, "SANITIZE")
 
 
 @pytest.fixture
-def for_what_is_shipped(is_slow):
-    """Others do the same as these tests in such builds, one of them for its like or from within."""
-    if is_slow:
-        pytest.skip("the build that is shipped shows it")
+def meets_what_others_met(request):
+    """Where what is met is counted, it has to be met once."""
+    if is_built(request, "COVERAGE"):
+        pytest.skip("others met the same")
 
 
 @pytest.fixture(autouse=True)
