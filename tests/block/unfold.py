@@ -1,5 +1,7 @@
 #!/usr/bin/python3
-"""unfold.py HOSTS INTO: every captured host below HOSTS as a directory below INTO that replay can show.
+"""unfold.py HOSTS INTO [NAME]...: captured hosts below HOSTS as directories below INTO that replay can show.
+
+Every one, or those that are named.
 
 A host is a directory with a host.txt.  What lies in it is taken as it is; tree.txt, where there is one, tells
 more files in short, because a sysfs has hundreds of one word each:
@@ -189,5 +191,8 @@ def unfold(host, into):
 
 
 if __name__ == "__main__":
+    wanted = sys.argv[3:]
     for captured in hosts_in(sys.argv[1]):
+        if wanted and captured.name not in wanted:
+            continue
         unfold(captured, pathlib.Path(sys.argv[2]) / captured.name)

@@ -107,7 +107,8 @@ def test_host_that_cannot_be_shown(asker, host, tmp_path):
     library.unlink()
     assert asker.refusal("thrown", host) == [
         kind,
-        f"diskscout-replay.so is neither {library} nor {tmp_path}/lib/diskscout/diskscout-replay.so",
+        f"diskscout-replay.so is neither {library} nor {tmp_path}/lib/diskscout/diskscout-replay.so"
+        " (Debian: package diskscout-sim)",
     ]
     library.write_text("no library\n")
     assert asker.refusal("thrown", host) == [

@@ -78,6 +78,16 @@ static void announce(host_fault_t fault)
 		unsetenv(FAULT_VARIABLE);
 }
 
+// Packages have it apart from the programs.
+static fs::path replay_library()
+{
+	try {
+		return find_companion("diskscout-replay.so");
+	} catch (const plugin_error_t &error) {
+		throw captured_host_error_t(fmt::format("{} (Debian: package diskscout-sim)", error.what()));
+	}
+}
+
 void restart_on_captured_host(const std::string &directory, std::vector<std::string> arguments,
                               host_fault_t fault)
 {
@@ -87,7 +97,7 @@ void restart_on_captured_host(const std::string &directory, std::vector<std::str
 	if (!fs::is_regular_file(host / "host.txt", error))
 		throw captured_host_error_t(
 			fmt::format("{} is no captured host: it has no host.txt", directory));
-	preload(as_host_error([] { return find_companion("diskscout-replay.so"); }));
+	preload(as_host_error(replay_library));
 	// The caller's environment may name another host; this one was asked for.
 	set_variable("REPLAY_SYSROOT", host.string());
 	announce(fault);
