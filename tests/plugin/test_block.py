@@ -118,13 +118,13 @@ def test_anchors_that_are_linked_are_headings(page):
 
 @pytest.fixture(scope="module")
 def agent(build_dir, source_dir, tmp_path_factory):
-    """tools/disks/disks.c as the page says that it is compiled."""
+    """samples/disks.c as the page says that it is compiled."""
     folder = tmp_path_factory.mktemp("agent")
     # The library of a sanitizer build takes its runtime from the program.
     sanitize = ["-fsanitize=address,undefined"] if "DISKSCOUT_SANITIZE:BOOL=ON" in (
         build_dir / "CMakeCache.txt").read_text() else []
     subprocess.run(["cc", "-std=c99", "-Wall", "-Wextra", "-Werror", *sanitize, f"-I{source_dir}/block",
-                    f"-I{source_dir}/src", str(source_dir / "tools/disks/disks.c"), "-o", str(folder / "disks")],
+                    f"-I{source_dir}/src", str(source_dir / "samples/disks.c"), "-o", str(folder / "disks")],
                    check=True)
 
     def run(host=None):
@@ -147,7 +147,7 @@ def agent(build_dir, source_dir, tmp_path_factory):
 
 
 def test_the_agent_has_forty_lines_at_most(source_dir):
-    assert len((source_dir / "tools/disks/disks.c").read_text(encoding="utf-8").splitlines()) <= 40
+    assert len((source_dir / "samples/disks.c").read_text(encoding="utf-8").splitlines()) <= 40
 
 
 def captured(source_dir, name, into):

@@ -61,6 +61,7 @@ BELOW = {
     "src": {"classic", "request", "src/hdd", "src/hwraid/aacraid", "src/hwraid/aac_mycli"},
     "block": {"request", "today"},
     "replay": set(),
+    "samples": {"classic", "request", "today"},
     "tools/common": {"classic", "request", "today"},
     "tools/diskscout/show": {"tools/common"},
     "tools/diskscout/kinds": {"classic", "request", "today", "tools/common", "tools/diskscout/show"},
@@ -70,9 +71,7 @@ BELOW = {
     "tools/diskscout": {"today", "tools/common", "tools/diskscout/show", "tools/diskscout/kinds", "tools/diskscout/reasons",
                         "tools/diskscout/doctor"},
     "tools/stcli": {"classic", "request", "tools/common"},
-    "tools/disks": {"today", "request"},
     "tools/filter": {"tools/common"},
-    "tools/mirror": {"classic", "request"},
     "tools/raidsim": set(),
     # What is exported stands in the rooms that export it, and is no part of them.
     "src/define_command.h": set(),
@@ -84,7 +83,7 @@ EXPORTED = {"src/define_command.h": "request", "src/diskscout.h": "classic", "sr
             "block/diskscout_block.h": "today"}
 # Where the build looks for headers, behind the folder of the file that includes.
 INCLUDE_FOLDERS = {"block": ("block", "src"), "tools": ("tools/diskscout", *(f"tools/diskscout/{room}" for room in ("doctor", "kinds", "reasons", "show", "tree")),
-                           "tools/common", "block", "src"), "src": ("src",), "replay": (".",)}
+                           "tools/common", "block", "src"), "src": ("src",), "replay": (".",), "samples": ("block", "src")}
 
 
 def room_of(path):

@@ -19,7 +19,8 @@ static fs::path program_directory()
 fs::path find_companion(std::string_view file_name)
 {
 	fs::path beside = program_directory() / file_name;
-	fs::path installed = (program_directory() / DISKSCOUT_PLUGINS_FROM_PROGRAMS / file_name).lexically_normal();
+	fs::path installed =
+		(program_directory() / DISKSCOUT_PLUGINS_FROM_PROGRAMS / file_name).lexically_normal();
 	std::error_code error;
 	if (fs::exists(beside, error))
 		return beside;
