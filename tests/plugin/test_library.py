@@ -7,19 +7,6 @@ import subprocess
 
 import pytest
 
-CLASSIC_EXPORTS = {
-    "GetItemInfo", "SetItemInfo", "stcli", "memory_counter_hdd", "memory_counter_hwraid", "g_szConfigFileName",
-    "Aac_Clear_Container_List", "Aac_Clear_Controller_List", "Aac_Clear_Disk_List", "Aac_Clear_Disk_Partition_List",
-    "Aac_Clear_Disk_Space_List", "Aac_Clear_Task_List", "Aac_Container_Delete", "Aac_Container_Remove_Failover",
-    "Aac_Container_Set_Failover", "Aac_Container_Show_Failover", "Aac_Create_Raid0", "Aac_Create_Raid1",
-    "Aac_Create_Raid10", "Aac_Create_Raid5", "Aac_Disk_Initialize", "Aac_Disk_Show_Defect", "Aac_Disk_Show_Partition",
-    "Aac_Disk_Show_Space", "Aac_Get_Container_Corresponding_Disk_Name", "Aac_Get_Container_List",
-    "Aac_Get_Container_Task", "Aac_Get_Controller_List", "Aac_Get_Controller_Name", "Aac_Get_Disk_List",
-    "Aac_Get_Task_List", "AnalyzeControllerFile", "AnalyzeDiskFile", "AnalyzeDiskInitializeFile",
-    "AnalyzeDiskShowDefectFile", "AnalyzeDiskShowSpaceFile", "AnalyzePartitionFile", "AnalyzeTaskFile",
-    "Analyze_Create_Raid_Created_File",
-}
-
 RUNTIME = {"libc.so.6", "libstdc++.so.6", "libgcc_s.so.1", "libm.so.6"}
 
 # What a plug-in in a foreign process leaves alone: unbounded copies, threads, signals, exit handlers and what
@@ -42,11 +29,10 @@ CHANGES = {
     "fopen", "fdopen", "fopen64", "syslog", "socket", "connect", "pthread_mutex_lock", "pthread_once",
 }
 
-Library = collections.namedtuple("Library", "file exports named others forbidden")
+Library = collections.namedtuple("Library", "file exported headers named others forbidden")
 LIBRARIES = [
-    Library("diskscout.so", CLASSIC_EXPORTS, {"libuuid.so.1"}, RUNTIME, FORBIDDEN | MEMORY),
-    Library("diskscout-block.so", {"GetItemInfo", "SetItemInfo", "memory_counter_block"},
-            {"libblkid.so.1", "libc.so.6"}, set(), FORBIDDEN | CHANGES),
+    Library("diskscout.so", "src/diskscout.map", ("src/diskscout.h", "src/diskscout_raid.h"), {"libuuid.so.1"}, RUNTIME, FORBIDDEN | MEMORY),
+    Library("diskscout-block.so", "block/diskscout-block.map", ("block/diskscout_block.h",), {"libblkid.so.1", "libc.so.6"}, set(), FORBIDDEN | CHANGES),
 ]
 
 
@@ -73,8 +59,19 @@ def needed(library):
     return set(re.findall(r"\(NEEDED\).*\[(.*)\]", tool("readelf", "-dW", str(library))))
 
 
-def test_exports_are_the_agents_interface_and_nothing_else(library, facts):
-    assert dynamic_symbols(library, "--defined-only") == facts.exports
+def declared(header):
+    """Functions and data of an exported header."""
+    text = re.sub(r"/\*.*?\*/", "", header, flags=re.DOTALL)
+    text = text[text.index("#pragma GCC visibility push(default)"):text.index("#pragma GCC visibility pop")]
+    return set(re.findall(r"(\w+)(?:\([^()]*\)|\[\w+\])?;", text))
+
+
+def test_exports_are_the_agents_interface_and_nothing_else(library, facts, source_dir):
+    """The list of them, what the file has, and what the headers promise."""
+    listed = re.findall(r"^\t\t(\w+);$", (source_dir / facts.exported).read_text(encoding="utf-8"), re.MULTILINE)
+    assert len(listed) == len(set(listed)) >= 3
+    assert dynamic_symbols(library, "--defined-only") == set(listed)
+    assert set.union(*(declared((source_dir / name).read_text(encoding="utf-8")) for name in facts.headers)) == set(listed)
 
 
 def test_links_what_it_is_said_to_link_only(library, facts):
