@@ -202,7 +202,7 @@ def test_console_session(tool, tmp_path):
     screen += console.before
     assert console.exitstatus == 0
     # The page has the programs where they are installed; here links name them.
-    assert agree(told, screen.replace(str(tmp_path), "/usr/local/bin").splitlines()), screen
+    assert agree(told, screen.replace(str(tmp_path), "/usr/bin").splitlines()), screen
 
 
 def test_sections_that_a_manual_page_needs():
