@@ -29,5 +29,7 @@ install(
     get_filename_component(\${directory} \${\${directory}} ABSOLUTE BASE_DIR \"\${prefix}\")
   endforeach()
   configure_file(\"${CMAKE_CURRENT_LIST_DIR}/diskscout.pc.in\" \"${CMAKE_BINARY_DIR}/diskscout.pc\" @ONLY)
+  # Of two of the same second the older one would be left there.
+  file(REMOVE \"\$ENV{DESTDIR}\${pkgconfigdir}/diskscout.pc\")
   file(INSTALL DESTINATION \"\${pkgconfigdir}\" TYPE FILE FILES \"${CMAKE_BINARY_DIR}/diskscout.pc\")
 " COMPONENT development)
