@@ -138,13 +138,19 @@ def made_library(tmp_path_factory):
 
 
 @pytest.fixture
+def preloaded():
+    """What a program loads before itself to be shown a host."""
+    return PRELOADED
+
+
+@pytest.fixture
 def interpreter(build_dir, tmp_path):
     """Another interpreter, of which a test sees how it ends; what it prints is at result.stdout and result.stderr."""
 
-    def run(*words, host=None, preloaded="", **environment):
+    def run(*words, host=None, **environment):
         settings = {**os.environ, "PYTHONPATH": str(SOURCES / "python"), "PYTHONDONTWRITEBYTECODE": "1", **environment}
         # A sanitizer's runtime has to be there for the plug-ins alone already.
-        settings["LD_PRELOAD"] = preloaded or PRELOADED
+        settings["LD_PRELOAD"] = PRELOADED
         if host is not None:
             settings["REPLAY_SYSROOT"] = str(host)
         return subprocess.run([sys.executable, "-X", "dev", *map(str, words)], env=settings, capture_output=True,

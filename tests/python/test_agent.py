@@ -42,6 +42,12 @@ def agent(interpreter, source_dir):
     return run
 
 
+@pytest.fixture
+def nothing(source_dir):
+    """A host without anything of its own."""
+    return source_dir / "tests/hosts/nothing"
+
+
 def lines(text):
     return text.splitlines()
 
@@ -60,15 +66,14 @@ def test_a_host_of_today(agent, build_dir):
     done = agent("--plugins", build_dir, host=build_dir / "tests/block/hosts/notebook")
     assert set(lines(TODAYS_LINES)) <= set(lines(done.stdout))
     assert len(lines(done.stdout)) == 9 + 6
-    # It has no /etc/mtab, without which the classic partitions are not told.
-    assert done.returncode == len([line for line in lines(done.stderr) if line.startswith("agent.py: CMD_GET_PART")])
+    assert (done.stderr, done.returncode) == ("", 0)
 
 
-def test_a_host_with_raid_controllers(agent, build_dir, at_the_site, tmp_path):
+def test_a_host_with_raid_controllers(agent, build_dir, nothing, at_the_site, tmp_path):
     # The interpreter's own working directory: what the configuration names has to be found from there.
     (tmp_path / "raidsim").symlink_to(at_the_site / "raidsim")
     (tmp_path / "filter").symlink_to(at_the_site / "filter")
-    done = agent("--plugins", build_dir, "--config", at_the_site / "raid.cfg")
+    done = agent("--plugins", build_dir, "--config", at_the_site / "raid.cfg", host=nothing)
     begins = done.stdout.index("controller aac0")
     assert done.stdout[begins:].startswith(RAID_LINES)
     assert "agent.py: Aac_Get_Container_List failed: AAC_CONTROLLER_BUSY (-200)\n" in done.stderr
@@ -76,8 +81,8 @@ def test_a_host_with_raid_controllers(agent, build_dir, at_the_site, tmp_path):
     assert done.returncode == 1
 
 
-def test_a_tool_that_fails(agent, build_dir, at_the_site):
-    done = agent("--plugins", build_dir, "--config", at_the_site / "raid.cfg")
+def test_a_tool_that_fails(agent, build_dir, nothing, at_the_site):
+    done = agent("--plugins", build_dir, "--config", at_the_site / "raid.cfg", host=nothing)
     assert "controller" not in done.stdout
     assert "agent.py: Aac_Get_Controller_List failed: AAC_RUN_FAILED (-1)\n" in done.stderr
     assert done.returncode == 1
