@@ -1,6 +1,7 @@
 /*
- * A plug-in of both kinds whose answers no host can be made to give: texts without an end, codes without a name,
- * records of other releases, failures with half a list. It watches what is given back, and who is inside.
+ * A plug-in of both kinds whose answers no host can be made to give: texts without an end, codes without a
+ * name, records of other releases, failures with half a list. It watches what is given back, and who is
+ * inside.
  */
 #include "diskscout_block.h"
 #include "diskscout_raid.h"
@@ -69,7 +70,8 @@ static int given_back(int code, void *head)
 			continue;
 		if (out[slot].code + 1 != code)
 			break;
-		*(code < CMD_GET_BLOCK_DEVICES ? &memory_counter_hdd : &memory_counter_block) -= out[slot].records;
+		*(code < CMD_GET_BLOCK_DEVICES ? &memory_counter_hdd : &memory_counter_block) -=
+			out[slot].records;
 		/* Not freed: who looks at it after this sees that it is gone. */
 		memset(head, 0xdd, out[slot].size * (size_t)out[slot].records);
 		out[slot].head = NULL;
@@ -291,7 +293,10 @@ int Aac_Clear_Task_List(aac_task *pHead)
 	return leave(given_back(CLEARED, pHead));
 }
 
-#define STUB(name) \
-	extern int name##_(void) __asm__(#name); \
-	int name##_(void) { return 0; }
+#define STUB(name)                                                                                           \
+	extern int name##_(void) __asm__(#name);                                                             \
+	int name##_(void)                                                                                    \
+	{                                                                                                    \
+		return 0;                                                                                    \
+	}
 #include "stubs.h"

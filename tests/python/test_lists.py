@@ -184,12 +184,16 @@ def test_forgetting_waits_for_nobody(made, made_library):
     forgotten = plugin.disks()
     slow = threading.Thread(target=lambda: plugin.cdroms().close())
     slow.start()
+    # Who waits here all the same is let out, and late.
+    in_time = threading.Timer(10, lambda: setattr(made.number("made_go"), "value", 1))
+    in_time.start()
     while made.number("made_waiting").value == 0:
         time.sleep(0.001)
     with pytest.warns(ResourceWarning):
         del forgotten
         gc.collect()
     assert plugin.live_records == 3
+    in_time.cancel()
     made.number("made_go").value = 1
     slow.join()
     assert plugin.live_records == 0
