@@ -86,7 +86,7 @@ function print_row(row,    column) {
 
 function print_table(    row) {
 	print ".TS"
-	print "tab(|);"
+	print "tab(|) nokeep;"
 	print_format("b", "")
 	print_format("", ".")
 	print_row(0)

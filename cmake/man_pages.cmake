@@ -1,5 +1,6 @@
-# The manual pages, made of the pages in docs/ on the machine that builds, whatever it builds for. They belong to the default target wherever the converter is
-# there; a build that has to have them says -DDISKSCOUT_MAN=ON and fails without it.
+# The manual pages, made of the pages in docs/ on the machine that builds, whatever it builds for. They belong to the
+# default target wherever the converter is there; a build that has to have them says -DDISKSCOUT_MAN=ON and fails
+# without it.
 find_program(LOWDOWN lowdown NO_CMAKE_FIND_ROOT_PATH)
 if(LOWDOWN)
   set(have_lowdown ON)
@@ -42,6 +43,12 @@ endfunction()
 diskscout_man_page(programs diskscout 8 diskscout)
 diskscout_man_page(programs stcli 8 stcli)
 diskscout_man_page(programs stcli-hwraid 8 console)
+diskscout_man_page(programs diskscout-limit 8 diskscout-limit)
+diskscout_man_page(programs hardraid.cfg 5 hardraid.cfg)
+diskscout_man_page(development diskscout 3 classic)
+diskscout_man_page(development diskscout_raid 3 raid)
+diskscout_man_page(development diskscout_block 3 block)
+diskscout_man_page(simulator raidsim 8 raidsim)
 
 get_property(man_pages GLOBAL PROPERTY DISKSCOUT_MAN_PAGES)
 add_custom_target(man ALL DEPENDS ${man_pages})

@@ -75,7 +75,8 @@ def test_the_classic_sample(installed, programs):
 
 def test_the_block_sample(installed, programs):
     shown = installed.output(programs / "disks", installed.plugins / "diskscout-block.so", host="desktop")
-    assert shown in shown_in("docs/block.md")
+    (session,) = shown_in("docs/block.md", "console")
+    assert session.endswith(f'diskscout-block.so"\n{shown}')
 
 
 def test_the_owning_lists(installed, programs):

@@ -56,3 +56,21 @@ def told_layout(page):
     return {record: (size, {name: int(offset) for fields, offsets, _ in rows
                             for name, offset in zip(names(fields), offsets.split(","), strict=True)})
             for record, size, rows in record_tables(page)}
+
+
+def synopsis(page):
+    """What the page declares, and what it includes for that."""
+    block = re.search(r"^## Synopsis\n\n```c\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)[1]
+    return set(re.findall(r"^#include <(\S+)>$", block, re.MULTILINE)), declared(block)
+
+
+def declared(text):
+    """Functions and data, each on a line."""
+    found = re.findall(r"^(?:extern )?\w[\w \*]*?\w+(?:\(.*?\)|\[\d+\])?;", text, re.MULTILINE | re.DOTALL)
+    return {re.sub(r"\s+", " ", line).replace("( ", "(") for line in found if not line.startswith("typedef")}
+
+
+def exported(header):
+    """What a header declares between the marks of what is exported."""
+    text = declarations(header)
+    return declared(text[text.index("#pragma GCC visibility push(default)"):text.index("#pragma GCC visibility pop")])

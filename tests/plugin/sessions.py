@@ -3,6 +3,7 @@
 import os
 import re
 import shlex
+import shutil
 import subprocess
 import sys
 
@@ -64,3 +65,54 @@ class Reader:
         """The same commands, with what they print here."""
         commands = re.findall(r"^\$ (.*)$", shown, re.MULTILINE)
         return "".join(f"$ {command}\n{self.run(command, locale)}" for command in commands)
+
+
+# ---- what is installed ----
+
+# Where packages put it, and where it is installed here.
+EXAMPLES = ("/usr/share/doc/diskscout-dev/examples", "/usr/share/doc/diskscout/examples")
+
+
+class Visitor:
+    """Somebody at a shell of a machine on which all of it is installed, in a directory of their own."""
+
+    def __init__(self, build_dir, place):
+        self.root = place / "root"
+        self.place = place / "home"
+        self.place.mkdir(parents=True)
+        subprocess.run(["cmake", "--install", str(build_dir), "--prefix", str(self.root / "usr")], check=True,
+                       stdout=subprocess.DEVNULL)
+        own = place / "programs"
+        own.mkdir()
+        for name in ("cc", "c++"):
+            (own / name).write_text(f'#!/bin/sh\nexec {shutil.which(name)} -Wall -Wextra -Werror "$@"\n')
+            (own / name).chmod(0o755)
+        (self.place / "raid.cfg").write_text("".join(
+            f"{key}:{value}\n" for key, value in (("Cli Path", self.root / "usr/bin"), ("Cli Name", "raidsim"),
+                                                  ("Filter Script", self.root / "usr/libexec/diskscout/diskscout-filter"))))
+        kept = {name: value for name, value in os.environ.items()
+                if not name.startswith(("LC_", "REPLAY_", "RAIDSIM_", "PYTHON"))
+                and name not in ("LANG", "LANGUAGE", "COLUMNS", "LD_PRELOAD")}
+        (pc,) = (self.root / "usr").rglob("diskscout.pc")
+        self.environment = {
+            **kept, "PATH": f"{own}:{self.root}/usr/bin:{kept['PATH']}", "LC_ALL": "C.UTF-8", "TERM": "linux",
+            "PKG_CONFIG_PATH": str(pc.parent), "CMAKE_PREFIX_PATH": str(self.root / "usr"),
+            "PYTHONPATH": str(self.root / "usr/lib/python3/dist-packages"), "PYTHONDONTWRITEBYTECODE": "1",
+            "RAIDSIM_STATE": str(self.place / "controllers.txt")}
+
+    def here(self, command):
+        """The command with the paths of this installation."""
+        return re.sub(r"(?<![\w.])/usr/(?=(?:share|lib|libexec)/)", f"{self.root}/usr/", command.replace(*EXAMPLES))
+
+    def run(self, script):
+        done = subprocess.run(["/bin/sh", "-c", script], cwd=self.place, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              check=False, timeout=60, encoding="utf-8", env=self.environment)
+        return done.stdout.replace(str(self.root), "")
+
+    def page(self, shown, before=""):
+        """All commands of a page, in one shell and in their order, and what each of them prints: [(command, text)]."""
+        mark = "next command"
+        script = "".join(f"{self.here(command)}\necho '{mark}'\n" for command in shown)
+        *printed, rest = self.run(self.here(before) + script).split(f"{mark}\n")
+        assert rest == ""
+        return list(zip(shown, printed, strict=True))

@@ -8,7 +8,9 @@ import sys
 
 import pytest
 from pages import (
-    anchors_that_lack, asserted_layout, declarations, names, pages_that_lack, record_tables, table, told_layout)
+    anchors_that_lack, asserted_layout, declarations, exported, names, pages_that_lack, record_tables, synopsis, table,
+    told_layout)
+from sessions import blocks
 
 RECORDS = 8
 
@@ -67,6 +69,11 @@ def test_every_query_is_told(page, header):
         told[name] = code
         told[name.replace("GET", "FREE")] = release
     assert told == codes
+
+
+def test_the_synopsis_is_what_the_header_declares(page, source_dir):
+    assert synopsis(page) == ({"diskscout_block.h"}, exported(source_dir / "block/diskscout_block.h"))
+    assert len(exported(source_dir / "block/diskscout_block.h")) == 3
 
 
 # ---- the library's own words ----
@@ -158,7 +165,8 @@ def captured(source_dir, name, into):
 
 
 def test_the_agent_prints_what_the_page_says(page, agent, source_dir, tmp_path):
-    (shown,) = re.findall(r"^```\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+    (session,) = blocks(page, "console")
+    shown = re.sub(r"^\$ .*\n", "", session, flags=re.MULTILINE)
     done = agent(captured(source_dir, "desktop", tmp_path))
     assert done.stderr == ""
     assert done.returncode == 0

@@ -250,7 +250,7 @@ def test_the_file_stands_beside_the_name(limited, tmp_path, text):
 
 
 def test_the_file_that_the_page_shows(limited):
-    page = (SOURCES / "docs" / "controller-tool.md").read_text(encoding="utf-8")
+    page = (SOURCES / "docs" / "diskscout-limit.md").read_text(encoding="utf-8")
     (shown,) = [block for block in page.split("```") if block.startswith("\nTool:")]
     keys = [line.partition(":")[0] for line in shown.split("\n") if line]
     assert [key for key in keys if f"| `{key}:` |" not in page] == []

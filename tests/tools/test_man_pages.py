@@ -8,9 +8,11 @@ import pytest
 from raid_site import SOURCES
 
 # A manual page and the page that it is made of.
-PAGES = {"diskscout.8": "diskscout", "stcli.8": "stcli", "stcli-hwraid.8": "console"}
+PAGES = {"diskscout.8": "diskscout", "stcli.8": "stcli", "stcli-hwraid.8": "console", "raidsim.8": "raidsim",
+         "diskscout-limit.8": "diskscout-limit", "hardraid.cfg.5": "hardraid.cfg",
+         "diskscout.3": "classic", "diskscout_raid.3": "raid", "diskscout_block.3": "block"}
 # Manual pages of others that ours name.
-FOREIGN = {"lsblk.8"}
+FOREIGN = {"lsblk.8", "timeout.1"}
 # A terminal's; what a manual page shows of programs may be wider.
 WIDTH = 80
 
@@ -34,7 +36,7 @@ def without_samples(page):
 
 def samples_of(page):
     fenced = re.findall(r"^```\w*\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
-    return [line for block in fenced for line in block.splitlines()]
+    return [line for block in fenced for line in block.splitlines()] + re.findall(r"^    (\S.*)$", page, re.MULTILINE)
 
 
 def output_of(*command):

@@ -335,7 +335,7 @@ def test_states_and_devices_of_the_sample(sample):
 
 def test_sample_of_the_page(sample):
     page = (SOURCES / "docs" / "diskscout.md").read_text(encoding="utf-8")
-    columns = re.search(r"simulated tool\]\(raidsim.md\), with `-o (\S+)`", page).group(1)
+    columns = re.search(r"sample of .*\]\(raidsim.md\), with `-o (\S+)`", page).group(1)
     shown = sample.run("list", "containers", "-o", columns, "--config", "raid.cfg").stdout
     assert f"```\n{shown.removeprefix('CONTAINERS' + chr(10))}```\n" in page
 
