@@ -31,6 +31,18 @@ std::string in_small_letters(std::string_view word)
 	return small;
 }
 
+std::vector<std::string_view> split(std::string_view list, char between)
+{
+	std::vector<std::string_view> words;
+	for (;;) {
+		const std::size_t length = std::min(list.find(between), list.size());
+		words.push_back(list.substr(0, length));
+		if (length == list.size())
+			return words;
+		list.remove_prefix(length + 1);
+	}
+}
+
 std::size_t width_of(std::string_view printable_text)
 {
 	const auto opens = [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; };

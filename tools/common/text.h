@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The text of a record's field. A plug-in that forgets the NUL must not make us read on.
 template <std::size_t Size> std::string text_of(const char (&field)[Size])
@@ -19,6 +20,9 @@ std::string printable(std::string_view text);
 
 // Letters of ASCII alone, whatever the locale.
 std::string in_small_letters(std::string_view word);
+
+// The words of a list that has this character between them; of an empty one a word, which is empty.
+std::vector<std::string_view> split(std::string_view list, char between);
 
 // Columns that a printable text takes: one a character; only a locale would know the wide ones.
 std::size_t width_of(std::string_view printable_text);

@@ -3,8 +3,10 @@
 #include "options.h"
 
 #include "closest_word.h"
+#include "completing.h"
 #include "conflicts.h"
 #include "kind_sets.h"
+#include "known_options.h"
 #include "usage_error.h"
 #include "words.h"
 
@@ -55,7 +57,13 @@ std::optional<pid_t> options_t::agent() const
 }
 
 // The commands that an option means something to. Those that are not named here mean something to all.
-enum : unsigned { OF_LIST = 1, OF_DOCTOR = 2, OF_TREE = 4, OF_ALL = OF_LIST | OF_DOCTOR | OF_TREE };
+enum : unsigned {
+	OF_LIST = 1,
+	OF_DOCTOR = 2,
+	OF_TREE = 4,
+	OF_ALL = OF_LIST | OF_DOCTOR | OF_TREE,
+	OF_SCHEMA = 8
+};
 
 // Commands that show the machine in one way, without kinds.
 struct whole_row_t {
@@ -246,12 +254,9 @@ static options_t options_of_whole(const whole_row_t &row, const CLI::App &app, o
 	return opts;
 }
 
-options_t parse_options(int argc, char **argv)
+// What is read goes into `opts`, the words behind `list` into `words`.
+static void describe(CLI::App &app, options_t &opts, std::vector<std::string> &words)
 {
-	options_t opts;
-	std::vector<std::string> words;
-	CLI::App app("Shows the storage that the plug-ins find on this host, hardware RAID included.",
-	             "diskscout");
 	app.set_version_flag("--version", "diskscout " DISKSCOUT_VERSION);
 	add_options(app, opts);
 	app.require_subcommand(1);
@@ -271,9 +276,71 @@ options_t parse_options(int argc, char **argv)
 		whole->fallthrough();
 		whole->footer(OPTIONS_ARE_ABOVE + (row.exit_status ? row.exit_status : app.get_footer()));
 	}
-	CLI::App *const schema = app.add_subcommand("schema", "print the JSON Schema of the document");
 	// So that they are refused by their names.
-	schema->fallthrough();
+	app.add_subcommand("schema", "print the JSON Schema of the document")->fallthrough();
+}
+
+// ---- for those who complete it ----
+
+static unsigned is_of(const CLI::App &command)
+{
+	for (const whole_row_t &row : WHOLES) {
+		if (command.get_name() == row.name)
+			return row.is_of;
+	}
+	return command.get_name() == "list" ? OF_LIST : OF_SCHEMA;
+}
+
+static unsigned commands_of(const known_option_t &option)
+{
+	const std::string &name = option.names.back();
+	for (const flag_row_t &row : FLAGS) {
+		if (name == row.name)
+			return row.commands;
+	}
+	for (const value_row_t &row : VALUES) {
+		if (name == long_name(row.name))
+			return row.commands;
+	}
+	// --help and --version.
+	return option.value.empty() ? OF_ALL | OF_SCHEMA : OF_ALL;
+}
+
+static known_line_t known_line(const CLI::App &app)
+{
+	known_line_t known = {known_options(app), {}};
+	for (const CLI::App *command : app.get_subcommands({})) {
+		known_command_t one = {
+			command->get_name(), command->get_description(), {}, is_of(*command) == OF_LIST};
+		std::copy_if(
+			known.options.begin(), known.options.end(), std::back_inserter(one.options),
+			[&](const known_option_t &option) { return commands_of(option) & is_of(*command); });
+		known.commands.push_back(std::move(one));
+	}
+	return known;
+}
+
+// A word for the shells and not for people: no help shows it, and the words behind it are another command
+// line's.
+static bool asks_to_complete(int argc, char **argv)
+{
+	return argc > 1 && argv[1] == std::string_view("complete");
+}
+
+// ---- the line ----
+
+options_t parse_options(int argc, char **argv)
+{
+	options_t opts;
+	std::vector<std::string> words;
+	CLI::App app("Shows the storage that the plug-ins find on this host, hardware RAID included.",
+	             "diskscout");
+	describe(app, opts, words);
+	if (asks_to_complete(argc, argv)) {
+		opts.answer = completions(known_line(app), typed_words({argv + 2, argv + argc}));
+		opts.command = command_t::ANSWER;
+		return opts;
+	}
 	try {
 		app.parse(argc, argv);
 	} catch (const CLI::ParseError &error) {
@@ -283,7 +350,7 @@ options_t parse_options(int argc, char **argv)
 		opts.command = command_t::ANSWER;
 		return opts;
 	}
-	if (schema->parsed()) {
+	if (app.got_subcommand("schema")) {
 		refuse_options_of_list(app);
 		opts.command = command_t::SCHEMA;
 		return opts;
@@ -313,6 +380,8 @@ static bool asks_for_json(std::string_view word)
 
 bool wants_document(int argc, char **argv)
 {
+	if (asks_to_complete(argc, argv))
+		return false;
 	bool wants = false, is_old = false;
 	for (int i = 1; i < argc; i++) {
 		const std::string_view word = argv[i];

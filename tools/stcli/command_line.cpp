@@ -4,6 +4,7 @@
 // Complaints quote the caller's own words, so it matters which of them CLI11 is at.
 #include "command_line.h"
 
+#include "known_options.h"
 #include "usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -184,6 +185,16 @@ command_line_t parse_command_line(int argc, char **argv)
 	line.misplaced_option = misplaced_option(rest, app);
 	line.limit();
 	return line;
+}
+
+known_options_t options_of_line()
+{
+	command_line_t line;
+	const arguments_t arguments({});
+	CLI::App app;
+	describe(app);
+	add_options(app, line, arguments);
+	return known_options(app);
 }
 
 std::string usage_text()

@@ -3,6 +3,7 @@
 #define DISKSCOUT_TOOLS_STCLI_COMMAND_LINE_H
 
 #include "common_options.h"
+#include "completion.h"
 
 #include <string>
 #include <vector>
@@ -16,6 +17,9 @@ struct command_line_t : common_options_t {
 
 // Throws usage_error when an option is none of ours.
 command_line_t parse_command_line(int argc, char **argv);
+
+// For whoever completes it.
+known_options_t options_of_line();
 
 // What --help says before the plug-in's own commands.
 std::string usage_text();

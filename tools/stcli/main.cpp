@@ -6,6 +6,7 @@
 //
 // Exit status: 0; 1 when the command or the output failed; 2 when the caller asked for what cannot be done.
 #include "command_line.h"
+#include "completing.h"
 #include "controller_tool.h"
 #include "keeper.h"
 #include "output.h"
@@ -98,6 +99,8 @@ static int run_command(const command_line_t &line)
 
 static int run(int argc, char **argv)
 {
+	if (asks_to_complete(argc, argv))
+		return write_output(completions(argc, argv)) ? STATUS_FINE : STATUS_FAILED;
 	const command_line_t line = parse_command_line(argc, argv);
 	if (line.version)
 		return write_output("stcli " DISKSCOUT_VERSION "\n") ? STATUS_FINE : STATUS_FAILED;

@@ -20,22 +20,10 @@ static std::string words_of(std::string_view heading)
 	return words;
 }
 
-static std::vector<std::string_view> split(std::string_view list)
-{
-	std::vector<std::string_view> words;
-	for (;;) {
-		const std::size_t length = std::min(list.find(','), list.size());
-		words.push_back(list.substr(0, length));
-		if (length == list.size())
-			return words;
-		list.remove_prefix(length + 1);
-	}
-}
-
 columns_t old_columns_of(const kind_t &kind)
 {
 	columns_t columns;
-	for (const std::string_view key : split(kind.old_columns ? kind.old_columns : kind.columns)) {
+	for (const std::string_view key : split(kind.old_columns ? kind.old_columns : kind.columns, ',')) {
 		const field_t *found = nullptr;
 		// Of two fields that have this key, the younger one knows what is absent.
 		for (const field_t &field : kind.fields) {
@@ -47,21 +35,30 @@ columns_t old_columns_of(const kind_t &kind)
 	return columns;
 }
 
+columns_t known_columns_of(const kind_t &kind)
+{
+	columns_t columns;
+	for (const field_t &field : kind.fields) {
+		if (!is_only_old(field))
+			columns.push_back(&field);
+	}
+	return columns;
+}
+
 const field_t &column_of(const kind_t &kind, std::string_view name)
 {
+	const columns_t columns = known_columns_of(kind);
 	const std::string key = in_small_letters(name);
 	std::vector<std::string_view> known;
-	for (const field_t &field : kind.fields) {
-		if (is_only_old(field))
-			continue;
-		if (field.key == key)
-			return field;
-		known.emplace_back(field.key);
+	for (const field_t *field : columns) {
+		if (field->key == key)
+			return *field;
+		known.emplace_back(field->key);
 	}
 	// People read headings.
-	for (const field_t &field : kind.fields) {
-		if (!is_only_old(field) && words_of(field.heading) == words_of(key))
-			return field;
+	for (const field_t *field : columns) {
+		if (words_of(field->heading) == words_of(key))
+			return *field;
 	}
 	const std::string hint = suggestion(key, known);
 	throw usage_error_t(
@@ -72,7 +69,7 @@ const field_t &column_of(const kind_t &kind, std::string_view name)
 columns_t spare_columns_of(const kind_t &kind)
 {
 	columns_t columns;
-	for (const std::string_view key : split(kind.spare_columns)) {
+	for (const std::string_view key : split(kind.spare_columns, ',')) {
 		if (!key.empty())
 			columns.push_back(&column_of(kind, key));
 	}
@@ -92,12 +89,12 @@ columns_t columns_of(const kind_t &kind, const std::string &named, bool as_befor
 	const bool is_more = !named.empty() && named[0] == '+';
 	columns_t columns;
 	if (named.empty() || is_more) {
-		for (const std::string_view key : split(unasked))
+		for (const std::string_view key : split(unasked, ','))
 			add(columns, column_of(kind, key));
 	}
 	if (named.empty())
 		return columns;
-	for (const std::string_view name : split(std::string_view(named).substr(is_more ? 1 : 0)))
+	for (const std::string_view name : split(std::string_view(named).substr(is_more ? 1 : 0), ','))
 		add(columns, column_of(kind, name));
 	return columns;
 }

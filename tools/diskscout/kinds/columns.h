@@ -17,6 +17,9 @@ columns_t old_columns_of(const kind_t &kind);
 // or that is there twice. As before: what is shown unasked is what format 1 shows.
 columns_t columns_of(const kind_t &kind, const std::string &named, bool as_before = false);
 
+// All that can be named.
+columns_t known_columns_of(const kind_t &kind);
+
 // The spare ones of the kind.
 columns_t spare_columns_of(const kind_t &kind);
 

@@ -61,6 +61,7 @@ const kind_t ARRAYS_KIND = {
 	"",
 	"ARRAYS",
 	"array",
+	"software RAID arrays",
 	"This host has no software RAID array.",
 	side_t::BLOCK,
 	0,

@@ -38,6 +38,7 @@ const kind_t CDROMS_KIND = {
 	"cdroms",
 	"CD-ROMS",
 	"CD-ROM",
+	"CD-ROM drives, as the classic list has them",
 	"No CD-ROM drive was found.",
 	side_t::HOST,
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,

@@ -223,6 +223,7 @@ const kind_t CONTAINERS_KIND = {
 	"containers",
 	"CONTAINERS",
 	"container",
+	"what the RAID controllers make of their disks",
 	"No RAID controller has a container.",
 	side_t::CONTROLLER,
 	0,

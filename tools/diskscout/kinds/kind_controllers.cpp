@@ -26,6 +26,7 @@ const kind_t CONTROLLERS_KIND = {
 	"controllers",
 	"RAID CONTROLLERS",
 	"RAID controller",
+	"RAID controllers",
 	"No RAID controller was found.",
 	side_t::RAID,
 	0,

@@ -27,6 +27,7 @@ const kind_t DEFECTS_KIND = {
 	"",
 	"RAID DEFECTS",
 	"RAID defect",
+	"defects of the disks behind RAID controllers",
 	"No RAID controller has a disk.",
 	side_t::CONTROLLER,
 	0,

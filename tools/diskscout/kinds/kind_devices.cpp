@@ -102,6 +102,7 @@ const kind_t DEVICES_KIND = {
 	"",
 	"DEVICES",
 	"device",
+	"every block device, as a tree",
 	"This host has no block device.",
 	side_t::BLOCK,
 	IN_TABLES | IN_DOCUMENT,

@@ -106,6 +106,7 @@ const kind_t DISKS_KIND = {
 	"disks",
 	"DISKS",
 	"disk",
+	"disks, as the classic list has them",
 	"No disk with an IDE or SCSI name, such as hda or sda, was found.",
 	side_t::HOST,
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,

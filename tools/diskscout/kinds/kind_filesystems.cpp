@@ -63,6 +63,7 @@ const kind_t FILESYSTEMS_KIND = {
 	"",
 	"FILE SYSTEMS",
 	"content",
+	"what is on each device",
 	"This host has no block device.",
 	side_t::BLOCK,
 	0,

@@ -26,6 +26,7 @@ const kind_t LINKS_KIND = {
 	"",
 	"LINKS",
 	"link",
+	"which device stands on which",
 	"No device stands on another.",
 	side_t::BLOCK,
 	IN_DOCUMENT,

@@ -64,6 +64,7 @@ const kind_t MOUNTS_KIND = {
 	"",
 	"MOUNTS",
 	"mount",
+	"mount points and swap areas",
 	"Nothing is mounted.",
 	side_t::BLOCK,
 	IN_DOCUMENT,

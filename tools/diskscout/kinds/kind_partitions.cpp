@@ -120,6 +120,7 @@ const kind_t PARTITIONS_KIND = {
 	"partitions",
 	"PARTITIONS",
 	"partition",
+	"partitions, as the classic list has them",
 	"No partition was found on the disks of this host.",
 	side_t::HOST,
 	IN_TABLES | IN_DOCUMENT | WHEN_ANY,

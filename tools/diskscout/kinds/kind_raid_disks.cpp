@@ -114,6 +114,7 @@ const kind_t RAID_DISKS_KIND = {
 	"raid-disks",
 	"RAID DISKS",
 	"RAID disk",
+	"disks behind RAID controllers",
 	"No RAID controller has a disk.",
 	side_t::CONTROLLER,
 	0,

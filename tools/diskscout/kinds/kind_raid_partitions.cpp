@@ -75,6 +75,7 @@ const kind_t RAID_PARTITIONS_KIND = {
 	"raid-partitions",
 	"RAID PARTITIONS",
 	"RAID partition",
+	"pieces of disks behind RAID controllers that containers use",
 	"No container uses a disk of a RAID controller.",
 	side_t::CONTROLLER,
 	0,

@@ -25,6 +25,7 @@ const kind_t RAID_SPACE_KIND = {
 	"raid-space",
 	"RAID SPACE",
 	"RAID space",
+	"free areas of disks behind RAID controllers",
 	"No disk of a RAID controller has a free area.",
 	side_t::CONTROLLER,
 	0,

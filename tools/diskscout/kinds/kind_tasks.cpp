@@ -43,6 +43,7 @@ const kind_t TASKS_KIND = {
 	"",
 	"RAID TASKS",
 	"RAID task",
+	"what RAID controllers are working on",
 	"No RAID controller has a task.",
 	side_t::CONTROLLER,
 	0,

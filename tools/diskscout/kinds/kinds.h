@@ -44,6 +44,7 @@ struct kind_t {
 	std::string_view old_word; // the same, as format 1 writes it; empty: format 1 does not know it
 	std::string_view heading;  // over its table: "DISKS"
 	std::string_view name;     // in messages, "the ... query"
+	std::string_view what;     // that it lists, for whoever chooses among kinds
 	std::string_view none;     // what is said in place of an empty table
 	side_t side;
 	unsigned unasked; // of IN_TABLES ...

@@ -319,6 +319,7 @@ const kind_t TREE_KIND = {
 	"",
 	"STORAGE",
 	"tree",
+	"the whole machine",
 	"",
 	side_t::BLOCK,
 	0,
