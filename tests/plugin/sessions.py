@@ -12,7 +12,7 @@ VARYING = ((r'"time": "[^"]*"', '"time": "NOW"'), (r'"version": "[^"]*"', '"vers
 # The host that all commands look at which name none.
 WRAPPER = """#!/bin/sh
 case " $* " in
-*" --sysroot "* | *" --sysroot="* | *" schema "*) exec {program} "$@" ;;
+*" --sysroot "* | *" --sysroot="* | *" schema "* | " complete "*) exec {program} "$@" ;;
 esac
 exec {program} "$@" --sysroot {host}
 """
