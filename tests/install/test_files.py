@@ -74,7 +74,7 @@ def test_what_was_installed_can_be_taken_away(build_dir, tmp_path):
 def test_the_sample_hosts_are_those_of_the_tests(installed, tmp_path):
     subprocess.run([sys.executable, "-B", str(SOURCES / "tests/block/unfold.py"), str(SOURCES / "tests/block/hosts"),
                     str(tmp_path)], check=True)
-    sources = {host: tmp_path / host for host in ("notebook", "desktop", "virtio", "md")}
+    sources = {host: tmp_path / host for host in ("notebook", "desktop", "virtio", "arrays")}
     sources["classic"] = SOURCES / "tests/hosts/real-kernel"
     assert {path.name for path in installed.hosts.iterdir()} == set(sources)
     for name, source in sources.items():

@@ -4,7 +4,7 @@ import pytest
 from conftest import install
 
 
-@pytest.mark.parametrize("host", ["classic", "desktop", "md", "notebook", "virtio"])
+@pytest.mark.parametrize("host", ["classic", "desktop", "arrays", "notebook", "virtio"])
 def test_diskscout_shows_what_it_shows_where_it_was_built(installed, build_dir, host):
     words = ("list", "--sysroot", installed.hosts / host)
     shown = installed.run("diskscout", *words)

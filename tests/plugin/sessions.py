@@ -73,15 +73,19 @@ class Reader:
 EXAMPLES = ("/usr/share/doc/diskscout-dev/examples", "/usr/share/doc/diskscout/examples")
 
 
+def install(build_dir, root):
+    subprocess.run(["cmake", "--install", str(build_dir), "--prefix", str(root / "usr")], check=True,
+                   stdout=subprocess.DEVNULL)
+    return root
+
+
 class Visitor:
     """Somebody at a shell of a machine on which all of it is installed, in a directory of their own."""
 
-    def __init__(self, build_dir, place):
-        self.root = place / "root"
+    def __init__(self, root, place):
+        self.root = root
         self.place = place / "home"
         self.place.mkdir(parents=True)
-        subprocess.run(["cmake", "--install", str(build_dir), "--prefix", str(self.root / "usr")], check=True,
-                       stdout=subprocess.DEVNULL)
         own = place / "programs"
         own.mkdir()
         for name in ("cc", "c++"):

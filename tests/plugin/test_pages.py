@@ -3,7 +3,7 @@
 import re
 
 import pytest
-from sessions import Visitor, blocks, steady
+from sessions import Visitor, blocks, install, steady
 
 # Pages whose commands are all run here, by somebody who has installed it; before them what the text around them says.
 VISITED = {
@@ -12,6 +12,8 @@ VISITED = {
     "docs/block.md": "cp /usr/share/doc/diskscout-dev/examples/disks.c .\n"
                      "export REPLAY_SYSROOT=/usr/share/diskscout/hosts/desktop\n"
                      "export LD_PRELOAD=$(pkg-config --variable=plugindir diskscout)/diskscout-replay.so\n",
+    "docs/fleet.md": "cp {source}/tests/tools/failed-disk.state controllers.txt\n",
+    "docs/service.md": "cp {source}/tests/tools/failed-disk.state controllers.txt\n",
     "docs/raid.md": "cp /usr/share/doc/diskscout-dev/examples/tasks.c .\n",
 }
 # What other tests run: a page, how its commands begin, and the test.
@@ -21,6 +23,7 @@ RUN_ELSEWHERE = (
     ("README.md", r"cc ", "tests/plugin/test_readme.py::test_the_agent_compiles_and_prints_what_the_page_says"),
     ("docs/diskscout.md", r"diskscout ", "tests/plugin/test_diskscout.py::test_the_sessions_are_what_happens"),
     ("docs/json.md", r"diskscout ", "tests/plugin/test_json.py::test_the_sessions_are_what_happens"),
+    ("docs/python.md", r"\./samples/agent\.py ", "tests/python/test_page.py::test_the_session_is_what_happens"),
     ("docs/stcli.md", r"stcli |echo .* \| stcli input", "tests/tools/test_stcli_docs.py::test_samples_are_what_is_printed"),
     ("docs/console.md", r"stcli ", "tests/tools/test_stcli_docs.py::test_console_session"),
     ("docs/raidsim.md", r"export RAIDSIM_STATE=|raidsim ", "tests/raidsim/test_docs.py::test_session_by_hand"),
@@ -28,6 +31,11 @@ RUN_ELSEWHERE = (
 # What no test runs, and why.
 NOT_RUN = {
     "apt-get install diskscout-dev python3-diskscout diskscout-sim": "it changes the machine; scripts/package does it in a bare one",
+    "cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DDISKSCOUT_TESTS=OFF -DDISKSCOUT_MAN=ON":
+        "a whole build",
+    "cmake --build build": "a whole build",
+    'DESTDIR="$PWD/root" cmake --install build': "tests/install does it, of the build that is tested",
+    "scripts/package": "it needs bare systems, and takes minutes",
     "./scripts/run": "it is a whole build",
     "./scripts/test": "it is this run",
     "cmake --preset release && cmake --build --preset release --target inventory_bench": "a build for measuring",
@@ -47,6 +55,11 @@ def pages(source_dir):
     return {str(page.relative_to(source_dir)): page.read_text(encoding="utf-8") for page in found}
 
 
+@pytest.fixture(scope="module")
+def root(build_dir, tmp_path_factory):
+    return install(build_dir, tmp_path_factory.mktemp("root"))
+
+
 def without_fences(page):
     return re.sub(r"^```.*?^```$", "", page, flags=re.MULTILINE | re.DOTALL)
 
@@ -56,8 +69,9 @@ def shown(page):
     found = []
     for block in blocks(page) + blocks(page, "console"):
         if block.startswith("$ "):
-            for command, printed in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", block, re.MULTILINE):
-                found.append((page.index(f"$ {command}\n"), command, printed))
+            for first, more, printed in re.findall(r"^\$ (.*)\n((?:> .*\n)*)((?:(?!\$ ).*\n)*)", block, re.MULTILINE):
+                command = "\n".join([first, *re.findall(r"^> (.*)$", more, re.MULTILINE)])
+                found.append((page.index(f"$ {first}\n"), command, printed))
     for match in re.finditer(r"^    (\S.*?)(?: {2,}# .*)?$", without_fences(page), re.MULTILINE):
         found.append((page.index(f"    {match[1]}"), match[1], None))
     return [(command, printed) for _, command, printed in sorted(found)]
@@ -70,22 +84,19 @@ def agree(told, printed):
 
 
 @pytest.mark.parametrize("name", VISITED)
-def test_the_sessions_are_what_happens(name, pages, build_dir, tmp_path):
-    visitor = Visitor(build_dir, tmp_path)
-    for language, suffix in (("python", "py"), ("cmake", "txt")):
-        for program in blocks(pages[name], language):
-            (visitor.place / {"py": "disks.py", "txt": "CMakeLists.txt"}[suffix]).write_text(program, encoding="utf-8")
+def test_the_sessions_are_what_happens(name, pages, root, source_dir, tmp_path):
+    visitor = Visitor(root, tmp_path)
     run = [(command, told) for command, told in shown(pages[name]) if command not in NOT_RUN]
     assert run, "then this page needs no visitor"
-    printed = visitor.page([command for command, _ in run], VISITED[name])
+    printed = visitor.page([command for command, _ in run], VISITED[name].format(source=source_dir))
     assert [command for command, _ in printed] == [command for command, _ in run]
     differ = [text for (command, told), (_, text) in zip(run, printed, strict=True)
               if not agree(steady(told or ""), steady(text))]
     assert differ == []
 
 
-def test_the_agent_of_cmake_is_built(pages, build_dir, tmp_path):
-    visitor = Visitor(build_dir, tmp_path)
+def test_the_agent_of_cmake_is_built(pages, root, tmp_path):
+    visitor = Visitor(root, tmp_path)
     (recipe,) = blocks(pages["docs/agents.md"], "cmake")
     (visitor.place / "CMakeLists.txt").write_text(recipe)
     printed = visitor.run(visitor.here("cp /usr/share/doc/diskscout-dev/examples/disks.c . && cmake -S . -B b -G Ninja >log &&"
