@@ -51,7 +51,7 @@ NOT_RUN = {
 
 @pytest.fixture(scope="module")
 def pages(source_dir):
-    found = [source_dir / "README.md", *sorted((source_dir / "docs").glob("*.md"))]
+    found = [*sorted(source_dir.glob("*.md")), *sorted((source_dir / "docs").glob("*.md"))]
     return {str(page.relative_to(source_dir)): page.read_text(encoding="utf-8") for page in found}
 
 

@@ -108,6 +108,16 @@ def test_it_leads_to_pages_that_there_are(name, page):
 
 
 @pytest.mark.parametrize("name, page", PAGES.items())
+def test_a_link_to_a_manual_page_names_it(name, page):
+    """Of a link a manual page keeps the text alone."""
+    source = source_of(page)
+    linked = set(re.findall(r"\]\(([\w.-]+)\.md[)#]", source)) - {page}
+    expected = {other for other, its_page in PAGES.items() if its_page in linked}
+    told = {f"{other}.{section}" for other, section in re.findall(r"([\w.-]+)(?:\*\*)?\((\d)\)", source)}
+    assert expected - told == set()
+
+
+@pytest.mark.parametrize("name, page", PAGES.items())
 def test_every_cell_of_a_table_comes_through(directory, name, page):
     # The first heading says no more than that it is first.
     page_without_it = re.sub(r"^\|[^|]*(\|.*\|\n\|-)", r"| - \1", without_samples(source_of(page)), flags=re.MULTILINE)
@@ -119,9 +129,11 @@ def test_every_cell_of_a_table_comes_through(directory, name, page):
 
 @pytest.mark.parametrize("name, page", PAGES.items())
 def test_all_but_samples_fits_a_terminal(directory, name, page):
-    status, text = output_of("groff", "-t", "-k", "-man", f"-rLL={WIDTH - 2}n", "-T", "ascii", "-P-c", "-P-b", "-P-u",
+    status, text = output_of("groff", "-t", "-k", "-man", f"-rLL={WIDTH - 2}n", "-T", "utf8", "-P-c", "-P-b", "-P-u",
                              path_of(directory, name))
     assert status == 0
+    # No word is parted: somebody may copy it.
+    assert re.findall(r"\S+\u2010$", text, re.MULTILINE) == []
     shown = {" ".join(line.split()) for line in samples_of(source_of(page))}
     wide = [line for line in text.splitlines() if len(line) > WIDTH and " ".join(line.split()) not in shown]
     assert wide == []
