@@ -8,6 +8,7 @@
 
 #include <errno.h>
 #include <stdatomic.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
@@ -21,7 +22,7 @@ int memory_counter_block;
 
 /* For the tests to look at. */
 char made_argument[64];   /* of the last query of free areas: the address and the name */
-char made_words[64];      /* of the last command, joined by blanks */
+char made_words[64];      /* of the last command, or of the last disk's initialising */
 atomic_int made_faults;   /* lists that came back twice, with another kind's code, or that nobody made */
 atomic_int made_overlaps; /* calls of one thread while another one was inside */
 atomic_int made_waiting;  /* a slow query is inside */
@@ -291,6 +292,13 @@ int Aac_Clear_Task_List(aac_task *pHead)
 {
 	enter();
 	return leave(given_back(CLEARED, pHead));
+}
+
+int Aac_Disk_Initialize(const char *lpszControllerName, int nAlways, int nUnconditional, int nC_ID_L)
+{
+	snprintf(made_words, sizeof made_words, "%s %d %d %d", lpszControllerName, nAlways, nUnconditional,
+	         nC_ID_L);
+	return 0;
 }
 
 #define STUB(name)                                                                                           \

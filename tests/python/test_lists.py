@@ -177,26 +177,57 @@ def test_a_list_outlives_its_plugin(build_dir, host):
         assert len(disks) == 5
 
 
-def test_forgetting_waits_for_nobody(made, made_library):
-    """While another thread is inside, what is forgotten is left for it to give back."""
+@pytest.fixture
+def slow(made, made_library):
+    """A thread that is inside the library, for its list of drives; it comes out when it is let out."""
     plugin = diskscout.Plugin(made_library)
     made.number("made_go").value = 0
-    forgotten = plugin.disks()
-    slow = threading.Thread(target=lambda: plugin.cdroms().close())
-    slow.start()
-    # Who waits here all the same is let out, and late.
+    ended = []
+
+    def ask():
+        try:
+            plugin.cdroms().close()
+        except diskscout.ClosedError as error:
+            ended.append(error)
+
+    thread = threading.Thread(target=ask)
+    # Who waits for it all the same goes on late, and fails.
     in_time = threading.Timer(10, lambda: setattr(made.number("made_go"), "value", 1))
-    in_time.start()
-    while made.number("made_waiting").value == 0:
-        time.sleep(0.001)
+
+    def begin():
+        thread.start()
+        in_time.start()
+        while made.number("made_waiting").value == 0:
+            time.sleep(0.001)
+
+    def end():
+        in_time.cancel()
+        made.number("made_go").value = 1
+        thread.join()
+        return ended
+
+    plugin.begin, plugin.end = begin, end
+    return plugin
+
+
+def test_forgetting_waits_for_nobody(slow):
+    """While another thread is inside, what is forgotten is left for it to give back."""
+    forgotten = slow.disks()
+    slow.begin()
     with pytest.warns(ResourceWarning):
         del forgotten
         gc.collect()
-    assert plugin.live_records == 3
-    in_time.cancel()
-    made.number("made_go").value = 1
-    slow.join()
-    assert plugin.live_records == 0
+    assert slow.live_records == 3
+    slow.end()
+    assert slow.live_records == 0
+
+
+def test_a_list_that_comes_after_its_plugin_was_closed_goes_back(slow):
+    slow.begin()
+    slow.close()
+    (error,) = slow.end()
+    assert str(error) == f"{slow.path} is closed"
+    assert slow.live_records == 0
 
 
 @pytest.mark.parametrize("asked, host, told", [("Plugin", "tests/hosts/real-kernel", "5"),
@@ -395,6 +426,14 @@ def test_a_list_of_an_operation_goes_back_after_a_failure_too(made, made_library
             raid.tasks("broken")
         assert str(failure.value) == "Aac_Get_Task_List failed: -77"
         assert (failure.value.code, failure.value.name, len(failure.value.found)) == (-77, "", 2)
+
+
+def test_flags_come_in_their_order(made, made_library):
+    with diskscout.Raid(made_library) as raid:
+        raid.initialize_disk("aac0", 5, with_data=True)
+        assert made.text("made_words").value == b"aac0 1 0 5"
+        raid.initialize_disk("aac0", 5, in_use=True)
+        assert made.text("made_words").value == b"aac0 0 1 5"
 
 
 def test_words_of_a_command_come_as_they_are(made, made_library):

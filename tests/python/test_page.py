@@ -74,12 +74,13 @@ def test_the_example_prints_what_the_page_says(page, interpreter, build_dir, sou
 def test_the_session_is_what_happens(page, build_dir, source_dir, tmp_path, preloaded):
     (shown,) = blocks(page, "console")
     (command,) = re.findall(r"^\$ (.*)$", shown, re.MULTILINE)
-    (tmp_path / "samples").symlink_to(source_dir / "samples")
+    for room in ("samples", "python"):
+        (tmp_path / room).symlink_to(source_dir / room)
     (tmp_path / "build").mkdir()
     (tmp_path / "build/release").symlink_to(build_dir)
-    environment = {**os.environ, "LD_PRELOAD": preloaded, "PYTHONPATH": str(source_dir / "python"),
+    environment = {**os.environ, "LD_PRELOAD": preloaded, "PYTHONDONTWRITEBYTECODE": "1",
                    "REPLAY_SYSROOT": str(source_dir / "tests/hosts/real-kernel")}
-    done = subprocess.run(command.split(), cwd=tmp_path, env=environment, stdout=subprocess.PIPE,
+    done = subprocess.run(["/bin/sh", "-c", command], cwd=tmp_path, env=environment, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True, timeout=60, check=False)
     told = shown.splitlines()[1:]
     # Standard output is written when the program ends.
