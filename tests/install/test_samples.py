@@ -70,7 +70,7 @@ def test_find_package_tells_the_plugins_and_refuses_another_major_version(instal
 
 def test_the_classic_sample(installed, programs):
     shown = installed.output(programs / "classic", installed.plugins / "diskscout.so", host="classic")
-    assert shown in shown_in("README.md")
+    assert shown in shown_in("docs/classic.md")
 
 
 def test_the_block_sample(installed, programs):
@@ -104,7 +104,7 @@ def test_the_raid_samples(installed, programs, tmp_path):
     assert shown == "aac0 makes a mirror of 0:02:0 and 0:03:0\n"
 
 
-@pytest.mark.parametrize("sample, page", [("classic.c", "README.md"), ("tasks.c", "docs/raid.md")])
+@pytest.mark.parametrize("sample, page", [("classic.c", "docs/classic.md"), ("tasks.c", "docs/raid.md")])
 def test_a_page_shows_the_sample(sample, page):
     text = (SOURCES / "samples" / sample).read_text(encoding="utf-8")
     assert text[text.index("#include"):] in shown_in(page, "c")

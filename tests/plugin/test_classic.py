@@ -1,9 +1,12 @@
 """What docs/classic.md says is what the headers declare."""
 
+import os
 import re
+import subprocess
 
 import pytest
 from pages import asserted_layout, declarations, exported, synopsis, table, told_layout
+from sessions import blocks
 
 # Values, not records: no table tells them.
 BASIC_TYPES = {"UINT", "ULONGLONG", "BOOLEAN", "STORAGE_STRING"}
@@ -55,3 +58,27 @@ def test_every_query_is_told(page, source_dir):
 def test_the_synopsis_is_what_the_header_declares(page, source_dir):
     assert synopsis(page) == ({"diskscout.h"}, exported(source_dir / "src/diskscout.h"))
     assert len(exported(source_dir / "src/diskscout.h")) == 6
+
+
+def replayed(build_dir, source_dir, scratch):
+    # The loader splits LD_PRELOAD at blanks and colons.
+    replay = scratch / "replay.so"
+    replay.symlink_to(build_dir / "diskscout-replay.so")
+    return dict(os.environ, LC_ALL="C", LD_PRELOAD=str(replay),
+                ASAN_OPTIONS="verify_asan_link_order=0",
+                REPLAY_SYSROOT=str(source_dir / "tests/hosts/real-kernel"))
+
+
+def test_the_agent_compiles_and_prints_what_the_page_says(page, build_dir, source_dir, tmp_path):
+    _, program = blocks(page, "c")
+    (tmp_path / "classic.c").write_text(program)
+    # The library of a sanitizer build takes its runtime from the program.
+    sanitize = ["-fsanitize=address,undefined"] if "DISKSCOUT_SANITIZE:BOOL=ON" in (
+        build_dir / "CMakeCache.txt").read_text() else []
+    subprocess.run(["cc", "-std=c99", "-Wall", "-Wextra", "-Werror", *sanitize, f"-I{source_dir}/src",
+                    str(tmp_path / "classic.c"), "-o", str(tmp_path / "classic")], check=True)
+    done = subprocess.run([str(tmp_path / "classic"), str(build_dir / "diskscout.so")], check=False,
+                          env=replayed(build_dir, source_dir, tmp_path), capture_output=True, text=True)
+    assert done.stderr == ""
+    assert done.returncode == 0
+    assert done.stdout in blocks(page)
