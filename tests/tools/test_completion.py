@@ -145,6 +145,7 @@ def test_columns_of_every_kind(tool, completed, kinds):
         (["list", "links", "-o", "upper,nonsense,"], []),
         (["list", "links", "-o", "UPPER,l"], ["UPPER,lower"]),
         (["list", "devices", "-o", "Mount Points,mou"], []),
+        (["list", "devices", "-o", "Mount Points,na"], []),
         (["list", "links", "-o", ","], []),
         (["list", "links", "-o", "+,"], []),
         (["list", "links", "--sort", "upper,"], []),
@@ -173,6 +174,8 @@ def test_columns_of_every_kind(tool, completed, kinds):
         (["list", "--controller", ""], []),
         (["doctor", "--pid", ""], []),
         (["doctor", "--sort", ""], []),
+        (["schema", "--format", ""], []),
+        (["schema", "--format="], []),
     ],
 )
 def test_values(completed, words, answer):

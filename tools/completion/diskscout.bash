@@ -4,7 +4,7 @@
 # shellcheck shell=bash
 
 _diskscout() {
-	local rest=$COMP_LINE piece=' ' blanks i words=() at head='' asking=complete answer
+	local rest=$COMP_LINE marks="[\\\\\"']" piece=' ' blanks i words=() at head='' asking=complete answer
 	# bash takes words apart, at "=" for one: what stands without blanks between is one word of the line.
 	for i in "${!COMP_WORDS[@]}"; do
 		blanks=${rest%%[![:blank:]]*}
@@ -12,13 +12,13 @@ _diskscout() {
 		piece=${COMP_WORDS[i]}
 		rest=${rest#"$blanks$piece"}
 		if [[ $i == "$COMP_CWORD" ]]; then
-			# $2 is what bash replaces: up to the cursor, and without quotation marks.
+			# $2 is what bash replaces, up to the cursor.
 			at=$((${#words[@]} - 1))
 			[[ $piece != [=:] ]] || words[at]+=$piece
 			head=${words[at]}
-			words[at]+=$2
+			words[at]+=${2//$marks/}
 		else
-			words[-1]+=$piece
+			words[-1]+=${piece//$marks/}
 		fi
 	done
 	[[ ${words[0]} != *stcli ]] || asking=--complete

@@ -67,7 +67,8 @@ static completion_t column(const kind_t &kind)
 // Each once; behind a "+" none that is shown by itself.
 static completion_t column_list(const kind_t &kind, const std::string &typed)
 {
-	if (typed.substr(0, 1) == ",")
+	// Each shell would have its own way to quote a blank.
+	if (typed.substr(0, 1) == "," || typed.find(' ') != std::string::npos)
 		return {};
 	const bool is_more = typed.substr(0, 1) == "+";
 	const std::size_t comma = typed.rfind(',');
