@@ -19,6 +19,10 @@ def _forgotten(threads: AnyThread, give_back: GiveBack, head: int, what: str) ->
     warnings.warn(f"a list of {what} was not closed", ResourceWarning, stacklevel=2)
 
 
+def _nothing() -> None:
+    pass
+
+
 class RecordList(Sequence[R], Generic[R]):
     """What the library answered: a sequence of records, to be closed by leaving its ``with``.
 
@@ -32,14 +36,13 @@ class RecordList(Sequence[R], Generic[R]):
         self, record: Type[R], threads: AnyThread, give_back: GiveBack, head: Optional[int], count: Optional[int]
     ):
         self._record = record
-        self._threads = threads
         self._places: List[int] = []
         # Re-entrant, and readers are counted: a signal handler or the garbage collector may close the list in the
         # middle of a copy, in the same thread. Then the reader gives it back when it is done.
         self._lock = threading.RLock()
         self._readers = 0
         self._closed = False
-        self._owned = weakref.finalize(self, _forgotten, threads, give_back, head or 0, record.C_NAME) if head else None
+        self._owned = weakref.finalize(self, _forgotten, threads, give_back, head, record.C_NAME) if head else None
         if self._owned is not None:
             # At the process's end its memory goes as a whole, and other threads may still be inside the library.
             self._owned.atexit = False
@@ -54,24 +57,36 @@ class RecordList(Sequence[R], Generic[R]):
         """Gives the records back to the library; nothing happens when that was done before."""
         with self._lock:
             self._closed = True
-            self._give_back_unless_read()
+            give_back = self._unowned()
+        give_back()
 
-    def _give_back_unless_read(self) -> None:
+    def _unowned(self) -> Callable[[], object]:
+        """Gives the records back, for the first who asks while nobody reads; to be called without the lock.
+
+        The library may be busy for minutes, and whoever is inside it may want this list's lock.
+        """
         owned = self._owned.detach() if self._owned is not None and self._readers == 0 else None
-        if owned is not None:
-            _, _, (threads, give_back, head, _), _ = owned
-            threads.run(lambda: give_back(head))
+        if owned is None:
+            return _nothing
+        threads: AnyThread
+        give_back: GiveBack
+        _, _, (threads, give_back, head, _), _ = owned
+        return lambda: threads.run(lambda: give_back(head))
 
     def _copy(self, place: int) -> R:
-        with self._lock:
-            self._must_be_open()
-            self._readers += 1
-            try:
-                return copy_of(self._record, self._places[place])
-            finally:
-                self._readers -= 1
-                if self._closed:
-                    self._give_back_unless_read()
+        give_back: Callable[[], object] = _nothing
+        try:
+            with self._lock:
+                self._must_be_open()
+                self._readers += 1
+                try:
+                    return copy_of(self._record, self._places[place])
+                finally:
+                    self._readers -= 1
+                    if self._closed:
+                        give_back = self._unowned()
+        finally:
+            give_back()
 
     def _must_be_open(self) -> None:
         if self._closed:

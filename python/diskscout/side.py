@@ -49,7 +49,7 @@ class Side:
     def __init__(self, library: Library) -> None:
         self._library = library
         self._lists: weakref.WeakSet[RecordList[Any]] = weakref.WeakSet()
-        self._lists_lock = threading.Lock()
+        self._lists_lock = threading.RLock()
         self._closed = False
 
     @property
