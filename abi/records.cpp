@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every record and every code of the public headers, as members of one variable: the functions of the
 // plug-ins take and give them as void ** and int, from which no tool learns what an agent relies on.
 #include "diskscout_block.h"

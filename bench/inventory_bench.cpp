@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The three queries on a captured host with 16 disks and 32 mounts, each beside its floor.
 #include "diskscout.h"
 #include "floor.h"

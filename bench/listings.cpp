@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "listings.h"
 
 #include "hwraid/aacraid/aac_container.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Long answers of the controller tool, made for the benchmark, and the parsers that read them.
 #ifndef DISKSCOUT_BENCH_LISTINGS_H
 #define DISKSCOUT_BENCH_LISTINGS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One whole operation of the hardware side, beside the shells that it cannot do without.
 #ifndef DISKSCOUT_BENCH_OPERATION_H
 #define DISKSCOUT_BENCH_OPERATION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a piece of work takes beyond its floor.
 #ifndef DISKSCOUT_BENCH_PAIRS_H
 #define DISKSCOUT_BENCH_PAIRS_H

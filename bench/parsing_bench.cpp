@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The hardware side: how fast long answers of the tool are read, and what a whole operation costs beyond the
 // shells that it has to start.
 #include "listings.h"

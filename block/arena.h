@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory of one query: handed out piece by piece, given back all at once when the query ends.
 #ifndef DISKSCOUT_BLOCK_ARENA_H
 #define DISKSCOUT_BLOCK_ARENA_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Software RAID arrays from their folders in sysfs, /sys/class/block/md0/md; see diskscout_block.h.
 //
 // Read are only attributes that the kernel tells from memory: since release 4.0 it takes no lock of the array

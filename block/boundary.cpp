@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The boundary: each command code goes to its query, null arguments and unknown codes go nowhere.
 #include "diskscout_block.h"
 #include "queries.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The mounted file systems of btrfs: /sys/fs/btrfs/UUID/devices has a link for each device of one.
 //
 // Their device numbers are anonymous: nothing in sysfs leads from one to the devices.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is on the devices: read from each that can be opened, else what is known of it already.
 #include "inventory.h"
 #include "known.h"

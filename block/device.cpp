@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "device.h"
 
 void clear_device(block_device *record)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One block device while a query works on it.
 #ifndef DISKSCOUT_BLOCK_DEVICE_H
 #define DISKSCOUT_BLOCK_DEVICE_H

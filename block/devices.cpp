@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every block device, what it is and who made it; see diskscout_block.h.
 #include "devpath.h"
 #include "identity.h"

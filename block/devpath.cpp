@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "devpath.h"
 
 static bool is_digit(char c)

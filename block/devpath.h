@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a device's path in sysfs tells of where it is attached:
 //
 //   devices/pci0000:00/0000:00:1f.2/ata3/host2/target2:0:0/2:0:0:0/block/sda

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * What diskscout-block.so tells about the block devices of a Linux host of today: devices, what stands on
  * what, what is on them, where that is mounted, software RAID.

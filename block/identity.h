@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who a device is: maker, model, serial number, firmware, names that are unique in the world.
 #ifndef DISKSCOUT_BLOCK_IDENTITY_H
 #define DISKSCOUT_BLOCK_IDENTITY_H

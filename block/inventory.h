@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All block devices that the kernel knows: what every list is made from.
 #ifndef DISKSCOUT_BLOCK_INVENTORY_H
 #define DISKSCOUT_BLOCK_INVENTORY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is known of the contents of a device without reading it: by udev's database, which keeps what was
 // found when the device appeared, and by the kernel, which keeps its partitions.
 #ifndef DISKSCOUT_BLOCK_KNOWN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The binary layout of the public records, checked when this is compiled, and where their pointers lie.
 #include "record.h"
 

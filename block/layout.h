@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /*
  * The binary layout of the records of today's hosts: the size of each and where every field lies. An agent
  * built against an older header reads these very offsets, so a record grows at its end alone.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which device stands on which.
 #ifndef DISKSCOUT_BLOCK_LINKS_H
 #define DISKSCOUT_BLOCK_LINKS_H

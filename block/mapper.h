@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Device mapper: what a mapping is called, what it is for, what it is made of.
 #ifndef DISKSCOUT_BLOCK_MAPPER_H
 #define DISKSCOUT_BLOCK_MAPPER_H

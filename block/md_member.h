@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The members of an md array: md/dev-NAME is one's folder in that of the array.
 #ifndef DISKSCOUT_BLOCK_MD_MEMBER_H
 #define DISKSCOUT_BLOCK_MD_MEMBER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The block devices that file systems and swap areas lie on.
 #ifndef DISKSCOUT_BLOCK_MOUNT_DEVICES_H
 #define DISKSCOUT_BLOCK_MOUNT_DEVICES_H

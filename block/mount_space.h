@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How full file systems are, as far as the kernel can tell it alone: a server or a program that does not
 // answer must not stop who asks.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "mount_tree.h"
 
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which mounts can be reached by their mount points, and which are hidden by others.
 //
 // A path is looked up from the process's root on. Where a mount stands on the way it takes over, and what is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is mounted and swapped to; see diskscout_block.h.
 #include "mount_devices.h"
 #include "mount_space.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What libblkid's low-level probing finds on one open device: no cache file, no other device is opened.
 #ifndef DISKSCOUT_BLOCK_PROBE_H
 #define DISKSCOUT_BLOCK_PROBE_H

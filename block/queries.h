@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The queries behind the boundary: each builds its whole list, hands it out and forgets everything else.
 // 0; or -1 with errno set, and nothing handed out.
 #ifndef DISKSCOUT_BLOCK_QUERIES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as they are handed out: each with its texts and inner lists in one allocation.
 //
 // A query fills the public records in its arena, texts and inner lists pointing wherever they lie; at its end

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sysfs.h"
 
 #include "diskscout_block.h"

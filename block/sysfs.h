@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Folders and files of sysfs, and of what is laid out like it: one attribute a file, one read an attribute.
 #ifndef DISKSCOUT_BLOCK_SYSFS_H
 #define DISKSCOUT_BLOCK_SYSFS_H

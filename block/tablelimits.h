@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What keeps the reading of partition tables short. libblkid follows these as far as the disk says they go,
 // looks through all that it has found at each step, and does so to find other things, too: a stick made for
 // that would keep an agent busy for hours, or fill its memory. Other formats have limits of their own.

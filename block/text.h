@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of hosts: taken apart, and made fit to be handed out.
 #ifndef DISKSCOUT_BLOCK_TEXT_H
 #define DISKSCOUT_BLOCK_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // udev's database: /run/udev/data/b8:1, one file a device, one line an item.
 //
 //   S:disk/by-id/ata-ACME_SSD_1234-part1

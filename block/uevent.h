@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A device's attribute `uevent`: several things in one reading.
 //
 //   MAJOR=259

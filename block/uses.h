@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether the running system stands on a device.
 #ifndef DISKSCOUT_BLOCK_USES_H
 #define DISKSCOUT_BLOCK_USES_H

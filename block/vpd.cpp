@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vpd.h"
 
 static unsigned byte_at(text_t page, size_t at)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Vital product data pages of a SCSI unit, as the kernel read them when it found the unit.
 //
 // Each page begins with the device type, the page's code and the length of what follows, two bytes, high one

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What an agent's developer installs: headers, and the files by which a build finds them and the plug-ins.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The tables of a manual page, as the converter made them, fitted to a terminal of 80 columns:
 #
 #   awk -f man-table.awk <page >fitted

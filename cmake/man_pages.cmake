@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The manual pages, made of the pages in docs/ on the machine that builds, whatever it builds for. They belong to the
 # default target wherever the converter is there; a build that has to have them says -DDISKSCOUT_MAN=ON and fails
 # without it.

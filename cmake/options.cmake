@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What our targets are compiled with, as interface libraries: link what applies.
 include(CheckCXXCompilerFlag)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Where what is installed goes, relative to the prefix: GNUInstallDirs and what we have beside it.
 include(GNUInstallDirs)
 

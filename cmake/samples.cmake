@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The samples as their readers build them, but from this tree and with its warnings; beside the programs, whose names
 # they must not take.
 add_library(diskscout_headers INTERFACE)

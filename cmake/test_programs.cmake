@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # How the programs of GoogleTest are built: so that a change is soon tested. What they test has its own flags.
 include(CheckLinkerFlag)
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parsers of the controller tool's output.
 #include "outside.h"
 #include "promises.h"

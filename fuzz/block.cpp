@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The readers of today's hosts.
 #include "block.h"
 #include "outside.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What every text promises that diskscout-block.so hands out.
 #ifndef DISKSCOUT_FUZZ_BLOCK_H
 #define DISKSCOUT_FUZZ_BLOCK_H

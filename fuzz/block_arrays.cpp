@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The attributes of an array and of its members.
 #include "block.h"
 #include "outside.h"

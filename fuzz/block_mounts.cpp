@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables of mounts and of swap areas, on a host with two disks.
 #include "block.h"
 #include "outside.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The partition chain, against the same walk done in the simplest way.
 #include "outside.h"
 #include "promises.h"

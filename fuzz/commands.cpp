@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line and the console, on a host with a little of everything and without a controller tool.
 #include "outside.h"
 #include "promises.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fuzzer: the target that the environment variable TARGET names meets every input as a file. Without one
 // the names are printed, each with its share of the time.
 #include "targets.h"

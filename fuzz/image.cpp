@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is on a disk of any content.
 #include "block.h"
 #include "outside.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands between a target and the running machine: a captured host made for it, and stand-ins for the
 // calls that would start programs, wait, end the process or change what lies outside the host. The stand-ins
 // take the calls' places by the linker's --wrap; see targets.cmake.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a check says when a promise was broken, and promises that several records make.
 #ifndef DISKSCOUT_FUZZ_PROMISES_H
 #define DISKSCOUT_FUZZ_PROMISES_H

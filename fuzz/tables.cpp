@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The readers of the system's tables, on a captured host that has nothing but the table.
 #include "outside.h"
 #include "promises.h"

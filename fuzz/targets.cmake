@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The targets with all that they need; the fuzzer and the ordinary tests are built from it.
 set(FUZZ_TARGET_SOURCES)
 foreach(

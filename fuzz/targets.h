@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the fuzzer is let loose on: readers of the system's tables, parsers of the controller tool's output,
 // the command line and the console, each tried on a file of any content. It has to end with a code that its
 // header names and to hand out records that keep their promises. The fuzzer asks here, and so does the test

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text helpers against the same done with strings that grow by themselves. Buffers are as large as the
 // text at its longest and not a byte more.
 #include "targets.h"

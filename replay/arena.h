@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory for one host table: handed out in order, given back all at once.
 //
 // It comes from mmap and not from malloc, so that a test which compares the heap before and after a call into

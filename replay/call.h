@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a call of the C library is defined here: under its own name, visible to the whole process, with its own
 // linkage.
 #ifndef DISKSCOUT_REPLAY_CALL_H

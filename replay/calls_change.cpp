@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls that would change the machine by a path: they are logged, and nothing is done.
 #include "replay/call.h"
 #include "replay/faults.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls on what is open already: descriptors and streams.
 #include "replay/call.h"
 #include "replay/device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Folders: to open, to list, to read the links in them, and where a path ends.
 //
 // A listing is that of the folder in the host's directory.

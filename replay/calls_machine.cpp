@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the machine says of itself: the space on its file systems, and the kernel's name.
 #include "replay/call.h"
 #include "replay/device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // open, fopen and their like.
 //
 // A stream that writes goes through fopencookie: what the C library flushes then reaches us, one write a

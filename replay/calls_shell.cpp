@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls that start a shell: it, and what it runs, see the captured host too.
 #include "replay/call.h"
 #include "replay/child.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands at a path or behind a descriptor: stat, access and their like.
 #include "replay/call.h"
 #include "replay/device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The environment of a child; see child.h.
 #include "replay/child.h"
 

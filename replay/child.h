@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The environment of a child started by popen() or system().
 #ifndef DISKSCOUT_REPLAY_CHILD_H
 #define DISKSCOUT_REPLAY_CHILD_H

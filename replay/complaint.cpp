@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is wrong with a host; see complaint.h.
 #include "replay/complaint.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is wrong with a host or with the preload's environment: told on standard error, or kept for a program
 // that asks for it.
 #ifndef DISKSCOUT_REPLAY_COMPLAINT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Open descriptors of the captured host; see device.h.
 #include "replay/device.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an open descriptor of the captured host is: a memfd that bears the path's name. Seeking, reading,
 // duplicating and closing are the kernel's own, and nothing has to be remembered per descriptor.
 #ifndef DISKSCOUT_REPLAY_DEVICE_H

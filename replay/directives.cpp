@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a host table, one row of DIRECTIVES per word, and which paths it covers.
 //
 //   covers /root/hardraid.cfg

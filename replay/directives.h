@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a host table: directives.cpp knows each of them, and its neighbours what some of them say.
 #ifndef DISKSCOUT_REPLAY_DIRECTIVES_H
 #define DISKSCOUT_REPLAY_DIRECTIVES_H

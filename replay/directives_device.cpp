@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a host table that tell of a device, but for its content; one row of ANSWERS per request.
 //
 //   device /dev/hda

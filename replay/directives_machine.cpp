@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a host table that tell of the machine: the space on its file systems, and its kernel's name.
 //
 //   mount /boot 1024 15225 15188 14000 type 0xef53 files 3840

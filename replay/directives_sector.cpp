@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a host table that name the content of a device, sector by sector.
 //
 //   table 0                  a partition table, and what stands in its last bytes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The outside calls that are counted; see faults.h.
 #include "replay/faults.h"
 

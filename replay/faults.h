@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The outside calls that are counted, and the one that is to fail.
 //
 // A run under test is repeated with the first call failing, then the second, until a run ends before its n-th

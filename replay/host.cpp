@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The host shown at present; see host.h.
 #include "replay/host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The host shown at present.
 #ifndef DISKSCOUT_REPLAY_HOST_H
 #define DISKSCOUT_REPLAY_HOST_H

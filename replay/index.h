@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records with a path, in the order in which they were added, and found by it in any number.
 #ifndef DISKSCOUT_REPLAY_INDEX_H
 #define DISKSCOUT_REPLAY_INDEX_H

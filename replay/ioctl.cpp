@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The requests a captured device answers.
 //
 // What it answers is in its table; a request that is not there fails as one the driver does not know.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The log of what the program would have changed; see log.h.
 #include "replay/log.h"
 

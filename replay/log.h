@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The log of what the program would have changed, one line per event:
 //
 //   write /proc/scsi/scsi "scsi add-single-device 0 0 1 0"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paths in their plain spelling; see paths.h.
 #include "replay/paths.h"
 

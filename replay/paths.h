@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paths in their plain spelling, and those that no captured host stands in for.
 #ifndef DISKSCOUT_REPLAY_PATHS_H
 #define DISKSCOUT_REPLAY_PATHS_H

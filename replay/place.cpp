@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a path leads in the host shown; see place.h.
 //
 // The way is gone step by step as the kernel goes it: /sys/class/block/sda1/.. is the folder above the one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a path leads in the host shown.
 #ifndef DISKSCOUT_REPLAY_PLACE_H
 #define DISKSCOUT_REPLAY_PLACE_H

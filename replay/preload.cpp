@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The start of the library when it was loaded through LD_PRELOAD: what to show and where to log come from the
 // environment.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The next definition of a call after ours: the C library's, or a sanitizer's check in front of it.
 // Everything this library does for itself goes through here, so that its own calls are neither replayed nor
 // counted.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shows a captured host to the program that this library is linked into or loaded before: its calls for the
 // paths that the host covers (such as /proc, /dev, /etc/mtab) are answered from a directory, what it would
 // have changed is logged, and any one of its outside calls can be made to fail.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads a captured host, DIR/host.txt, and finds things in it.
 //
 // Every fault is told with its file and line and refuses the whole host: a test on a host that is not what

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A captured host in memory: what DIR/host.txt says, ready to be answered from.
 //
 //   covers /proc                 covers /root/hardraid.cfg

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words of a host table line; see words.h.
 #include "replay/words.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words of a host table line, each checked strictly: a number with a stray character in it is a fault of
 // the table and never a smaller number.
 #ifndef DISKSCOUT_REPLAY_WORDS_H

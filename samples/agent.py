@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """agent.py [--plugins DIRECTORY] [--config FILE]: tells the storage of this host; a program to start from.
 
 The classic disks, partitions and drives, RAID controllers where a site has their tool, today's block devices, and where

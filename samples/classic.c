@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Prints the disks of the classic lists, as an agent asks diskscout.so. */
 #include "diskscout.h"
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Prints every disk of this host, as an agent asks diskscout-block.so; docs/block.md tells the rest. */
 #include "diskscout_block.h"
 
@@ -13,7 +14,6 @@ int main(int argc, char **argv)
 	IPMICOMMAND cmd = {0};
 	void *head = NULL;
 	int count = 0;
-	const block_device *device;
 
 	if (library == NULL) {
 		fprintf(stderr, "%s\n", dlerror());
@@ -29,7 +29,7 @@ int main(int argc, char **argv)
 		perror("the devices cannot be listed");
 		return 1;
 	}
-	for (device = head; device != NULL; device = device->next)
+	for (const block_device *device = head; device != NULL; device = device->next)
 		if (strcmp(device->kind, "disk") == 0)
 			printf("%s: %lld bytes, model %s, serial number %s, %s\n", device->node, device->size,
 			       device->model ? device->model : "-", device->serial ? device->serial : "-",

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /*
  * Lists of both plug-ins that give themselves back, in C++17:
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Makes a mirror of two disks behind a RAID controller:
  *

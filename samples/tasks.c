@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Prints what a RAID controller is busy with, which no query tells: an operation of diskscout.so. */
 #include "diskscout_raid.h"
 

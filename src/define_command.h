@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * The request that an agent hands to every query and release, and the codes it may carry.
  *

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The boundary: each command code goes to its provider, null arguments and unknown codes go nowhere; the
 // diagnostic command line goes to its tree or to the console.
 #include "diskscout.h"

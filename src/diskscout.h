@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * diskscout.so, as an agent sees it: three functions and the records that they hand out. The RAID operations
  * beside them are in diskscout_raid.h.

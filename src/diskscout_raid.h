@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * The RAID operations of diskscout.so: what the controller vendor's command-line tool can be made to do, and
  * the records in which it answers. Queries alone need none of this: they are in diskscout.h.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported records of the local inventory on standard error, field by field.
 #ifndef DISKSCOUT_DISPLAY_H
 #define DISKSCOUT_DISPLAY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The binary layout, checked when this is compiled.
 #include "diskscout.h"
 #include "diskscout_raid.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /*
  * The binary layout of every record that crosses the boundary: its size and where each field lies. An agent
  * built against an older header reads these very offsets.

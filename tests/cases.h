@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts and what they mean, many in one file:
 //
 //   ==== name-of-the-case

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The storage of a Linux host, told by diskscout's two plug-ins.
 
     import diskscout

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The queries of diskscout-block.so: the block devices of today's hosts."""
 
 from __future__ import annotations

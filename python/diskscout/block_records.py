@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The records of diskscout-block.so: diskscout_block.h. What is absent there is None here, a list ().
 
 Texts are UTF-8 without control characters: what a host says otherwise stands as ``\\x`` and two digits a byte.

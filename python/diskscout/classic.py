@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The queries of diskscout.so, local and behind RAID controllers, and its diagnostic command line."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The records of the queries of diskscout.so, local and behind RAID controllers: diskscout.h."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Coded values of the RAID records, and what the RAID operations return.
 
 Fields hold a member of these where the number has a name, else the plain number; both compare with numbers.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What goes wrong, as exceptions.
 
 ``DiskscoutError`` is above all of them. What the library refuses is a ``CallError`` of its side; what this package

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """How the members of a C record become the fields of a Python one.
 
 A record is a frozen dataclass whose rows name the C member, its shape and its meaning with its unit. The same rows

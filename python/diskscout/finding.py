@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Where the plug-ins are.
 
 A program says it by a path or a directory. Without either the plug-ins are looked for where they are installed, seen

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A loaded plug-in, and who may be inside it.
 
 Into diskscout.so one thread at a time may go, so there is one lock for it in the process, however often it is loaded.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A list of the library's records, owned by whoever asked for it."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The RAID operations of diskscout.so: what the controller vendor's tool can be made to do."""
 
 from __future__ import annotations

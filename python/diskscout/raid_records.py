@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The records of the RAID operations of diskscout.so, in kilobytes and megabytes as the tool counts: diskscout_raid.h.
 
 A kilobyte is 1,024 bytes here, a megabyte 1,024 of these.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the sides of the plug-ins have in common: lists that end with them, and words that are fit to be handed over."""
 
 from __future__ import annotations

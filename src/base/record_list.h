@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists of records, one allocation each, linked by `next`.
 #ifndef DISKSCOUT_BASE_RECORD_LIST_H
 #define DISKSCOUT_BASE_RECORD_LIST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Characters and decimal numbers, told apart the same way under every locale of the host. Both sides of the
 // library stand on this room; it knows neither.
 #ifndef DISKSCOUT_BASE_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The root of the diagnostic command line, and its leaf: the exported queries, run as an agent runs them.
 #ifndef DISKSCOUT_HDD_CLI_H
 #define DISKSCOUT_HDD_CLI_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inventory records become exported ones: one converter a kind, one way to link them, one to release them.
 #include "hdd/hdd.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The local item provider: turns the inventory into the records that an agent gets, and releases them.
 #ifndef DISKSCOUT_HDD_HDD_H
 #define DISKSCOUT_HDD_HDD_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Prints what diskscout-block.so tells as one JSON document:
  *

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hosts told line by line, in the files of cases.h:
 //
 //   device devices/virtual/block/md0 9:0 4096     a device, its number, its 512-byte sectors; "partition"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is on the devices of captured hosts: read where it can be, else known by udev's database or the
 // kernel.
 #include "diskscout_block.h"

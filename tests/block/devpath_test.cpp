@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the path of a device in sysfs tells of where it is attached.
 #include "devpath.h"
 

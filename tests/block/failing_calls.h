@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work whose outside calls, or blocks of memory, fail one after the other: each once alone and once with all
 // that follow.
 #ifndef DISKSCOUT_TESTS_BLOCK_FAILING_CALLS_H

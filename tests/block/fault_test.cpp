@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Outside calls that fail, one at a time and from there on; devices that go away while they are read.
 #include "host.h"
 #include "outside.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """fold.py HOST...: writes what a captured host holds of /sys, /dev and udev's database in short.
 
 The folders sys, dev and run of each HOST become its tree.txt, as unfold.py reads it, and are removed; one of before

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A captured host of today made for one test: devices in sysfs, what udev knows of them, what is mounted.
 #ifndef DISKSCOUT_TESTS_BLOCK_HOST_H
 #define DISKSCOUT_TESTS_BLOCK_HOST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All devices of a host: many, oddly named, at a known cost, seen by several threads, coming and going.
 #include "host.h"
 #include "inventory.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What block/mountinfo reads from the tables of mounts and of swap areas.
 #include "case_host.h"
 #include "mountinfo.h"

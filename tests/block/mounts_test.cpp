@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the query of mounts makes of a host.
 #include "case_host.h"
 #include "failing_calls.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands between the modules and the C library in this test program: memory that ends, and a look at
 // what is opened. The linker puts it there; see CMakeLists.txt.
 #ifndef DISKSCOUT_TESTS_BLOCK_OUTSIDE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices that lack something: they come or go, or their kernel does not know it.
 #include "host.h"
 #include "queries.h"

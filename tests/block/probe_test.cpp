@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is found on disks whose making is told beside them: images/NAME/image, found as images/NAME/expected
 // says. A new case is a new folder.
 #include "probe.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as they are handed out: one allocation each, nothing left of a query, and no half of one without
 // memory.
 #include "host.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Disks of images/NAME/image, and what is found on a disk as text, as in images/NAME/expected.
 #ifndef DISKSCOUT_TESTS_BLOCK_STORED_IMAGE_H
 #define DISKSCOUT_TESTS_BLOCK_STORED_IMAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Attributes: one file, one read; and what may stand in a file's place.
 #include "host.h"
 #include "sysfs.h"

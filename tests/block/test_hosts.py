@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What diskscout-block.so tells of each captured host: hosts/NAME/expected.json, see hosts/README.md."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What is told of mounts that the running kernel really has, in a mount namespace of their own."""
 
 import ctypes

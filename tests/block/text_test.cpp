@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What block/text makes of the texts of hosts.
 #include "text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as texts, field by field, so that two answers can be compared and their difference read.
 #ifndef DISKSCOUT_TESTS_BLOCK_TOLD_H
 #define DISKSCOUT_TESTS_BLOCK_TOLD_H

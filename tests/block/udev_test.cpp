@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records of udev's database: as udev writes them, and as nobody does.
 #include "host.h"
 #include "udev.h"

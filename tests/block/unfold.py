@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """unfold.py HOSTS INTO [NAME]...: captured hosts below HOSTS as directories below INTO that replay can show.
 
 Every one, or those that are named.

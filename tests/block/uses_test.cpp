@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which devices the running system stands on, through partitions, arrays, mappings and file systems of
 // several devices.
 #include "host.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pages of vital product data: what names a unit, and what they may say that is not so.
 #include "vpd.h"
 

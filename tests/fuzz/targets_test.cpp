@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fuzzer's targets as ordinary tests: what the fuzzer has found, nasty inputs made by hand, and
 // everything that it begins with. Each findings/NAME-*.txt goes through the target NAME, which has to end
 // with a code of its own and with sound records.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The CD-ROM drives: IDE drives of that media, with what is mounted from them.
 #include "host.h"
 

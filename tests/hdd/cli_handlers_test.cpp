@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tree of the diagnostic command line: its handlers, their order, their words and counts.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the leaves of the diagnostic command line share: numbers from words, and the dump of a list.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The diagnostic command line: what every inner node and every leaf has in common.
 #include "host.h"
 

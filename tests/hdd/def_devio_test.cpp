@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where Linux keeps its tables, how it numbers block devices, and the layout of a partition table.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shared small types: their sizes, the order of their fields, and the constant texts.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Block devices: their canonical names, their nodes, and what they answer when asked directly.
 #include "host.h"
 

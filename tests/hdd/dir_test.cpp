@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sorted listing of a directory.
 #include "host.h"
 

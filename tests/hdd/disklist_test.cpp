@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The local disks, put together from the block-device table, /proc/ide, /proc/scsi/scsi and the mount table.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dump of the exported records, field by field.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptors of devices: opening, and reading whole sectors.
 #include "host.h"
 

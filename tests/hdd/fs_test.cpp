@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Streams over table files and over the output of a command, read line by line.
 #include "host.h"
 

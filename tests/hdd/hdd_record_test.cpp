@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported records: their layout, and how the inventory is written into them.
 #include "host.h"
 

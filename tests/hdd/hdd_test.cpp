@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The local item provider: whole queries, refilled lists, and releases.
 #include "host.h"
 

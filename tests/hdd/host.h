@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A captured host that a test builds for itself in a temporary directory, and what tests of the readers
 // share.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bounded list: slots, holes, counts, filters, and the heads of its dump.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The superblock of a software-RAID member: where it lies, what it says, and how it goes.
 #include "host.h"
 

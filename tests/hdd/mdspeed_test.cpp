@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The limits of the kernel's resynchronisation speed.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An array of /proc/mdstat as one line of text, for comparing: number, state, level, members built for, in
 // service and failed, letters of their states, resynchronisation, tenths of a per cent, sectors, then the
 // member list: num, num_real and its members as role:name. All separated by '|'.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The line with the size of a software-RAID array, and the one with its progress.
 #include "mdstat_parser.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reader of the whole table of software-RAID arrays, and its dump: each case of mdstat.cases is such a
 // table and what it means: a line with the reader's result, then a line an array as in mdstat_described.h.
 //

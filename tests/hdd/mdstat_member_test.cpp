@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The members on the line of a software-RAID array: their names, roles and marks.
 #include "mdstat_parser.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the array parser share: three lines in, what they mean out.
 #ifndef DISKSCOUT_TESTS_HDD_MDSTAT_PARSER_H
 #define DISKSCOUT_TESTS_HDD_MDSTAT_PARSER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parser of one software-RAID array: how its line begins, the filter, and where lines end.
 #include "mdstat_parser.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The mount table, /etc/mtab, through a pipe and straight from the file.
 #include "host.h"
 

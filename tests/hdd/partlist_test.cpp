@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The partitions of a disk, joined to the volumes that are mounted from them.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The partition tables of a disk, read straight from its sectors.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's block-device table, /proc/partitions.
 #include "host.h"
 

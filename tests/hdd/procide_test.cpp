@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The IDE drives that the kernel lists under /proc/ide.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The host adapters under /proc/scsi, and what is asked of the registry: attach, detach, shuffle.
 #include "host.h"
 

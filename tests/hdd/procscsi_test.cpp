@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's SCSI registry: one device's block of lines, and the devices of /proc/scsi/scsi.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Software-RAID description files in the classic raidtab syntax.
 #include "host.h"
 

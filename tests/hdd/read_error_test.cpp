@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A table whose reading fails half-way is not a table that ends there.
 #include "host.h"
 

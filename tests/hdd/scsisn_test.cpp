@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The serial number that a SCSI device tells about itself: INQUIRY page 0x80.
 #include "host.h"
 

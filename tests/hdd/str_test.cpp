@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text helpers: clearing, trimming, splitting, numbers, and the bounded copy.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The mounted volumes: one for every entry of the mount table.
 #include "host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sixteen-byte identities in their text form.
 #include "host.h"
 

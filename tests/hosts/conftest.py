@@ -1,2 +1,3 @@
+# SPDX-License-Identifier: Apache-2.0
 def pytest_addoption(parser):
     parser.addoption("--build-dir", required=True, help="where the tool, the plug-in and the replay library stand")

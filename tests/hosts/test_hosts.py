@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The tool's whole answer about each captured host.
 
 A directory beside this file that holds a host.txt is a host.  Its expected.json

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of the console that no session reaches: what no menu shows, limits that leave no number.
 #include "hwraid/aac_mycli/aac_mycli.h"
 

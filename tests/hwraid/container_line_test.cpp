@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The steps of the container list's parser, each on its own: the fields of a line, the lines of a paragraph.
 #include "described.h"
 #include "site.h"

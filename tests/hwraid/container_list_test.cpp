@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Container listings: each case of answers/containers.cases is an answer of the tool and what it means: a
 // line with the parser's result, then a line a record as in described.h. The stand-in tool knows the hot
 // spare 1:N:0 for a container N that is even, and none for others.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations on containers against a stand-in tool: what they tell it, and what its answers mean.
 #include "site.h"
 

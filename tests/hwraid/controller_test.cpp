@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Controller listings: each case of answers/controllers.cases is an answer of the tool and what it means: a
 // line with the parser's result, then a line a controller, its fields separated by '|'.
 #include "../cases.h"

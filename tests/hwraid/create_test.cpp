@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The creation of containers against a stand-in tool: the command that the arguments make, byte for byte, and
 // what the tool's answers mean.
 #include "site.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tool's answer to "disk show defect", as a table: each row is a text, its result and the two counts.
 #include "site.h"
 

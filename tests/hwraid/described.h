@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A container list as text, for comparing: a line a record with number, members counted, members stored,
 // type, megabytes, stripe size, usage, hot spare and label, separated by '|'. Members and hot spare are
 // channel:ID:LUN, in decimal; a member of a multi-level container is a container's number.

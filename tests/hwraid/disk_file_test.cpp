@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tool says about disks, free areas, pieces of disks and tasks: each case of answers/disks.cases,
 // answers/spaces.cases and so on is an answer of the tool and what it means: a line with the parser's result,
 // then a line a record with every field, separated by '|'. Addresses are hexadecimal: two digits each for

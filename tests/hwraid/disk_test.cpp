@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations on disks, against a stand-in tool: the script that each writes, what it makes of a failed
 // run, and what it hands out.
 #include "site.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs whose files do not fit the disk, or whose working directory cannot be written. Each test works in a
 // child of its own, in a small file system that nobody else sees. Where no file system can be mounted, a
 // limit on the size of files stands in for it and the test says so.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tool's answer to "disk initialize", as a table: each row is a text and its result. The parser counts
 // lines: from the echo of "open" on, and again from the echo of the command on.
 #include "site.h"

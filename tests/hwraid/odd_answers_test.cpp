@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Answers between the rules: errors behind lines that are cleaned to nothing, numbers beyond every range.
 #include "site.h"
 

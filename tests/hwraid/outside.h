@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Outside calls of the library as a test wants them. The definitions in this room's program stand in for the
 // C library's; what a test does not touch is handed on.
 #ifndef DISKSCOUT_TESTS_HWRAID_OUTSIDE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Script and raw output are the host's alone: who can write the one drives the controller, who can write the
 // other tells the host what to believe.
 #include "outside.h"

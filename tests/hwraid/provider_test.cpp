@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The hardware item provider, asked through the boundary as an agent asks it: what each record carries, what
 // a failure leaves, and who frees what. The leak check of the sanitizers sees to the latter.
 #include "site.h"

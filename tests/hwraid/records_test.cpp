@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The accessors of the records, every one: plain fields, and the words of the tool to codes and back. Each
 // setter has to leave the rest of its record alone.
 #include "hwraid/aacraid/aac_records.h"

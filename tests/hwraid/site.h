@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A site for the hardware side: a working directory with a configuration, a tool that records the script it
 // gets and prints a prepared answer, and a filter that copies.
 #ifndef DISKSCOUT_TESTS_HWRAID_SITE_H

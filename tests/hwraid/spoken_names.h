@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names that a test can foretell for the files of a run.
 #ifndef DISKSCOUT_TESTS_HWRAID_SPOKEN_NAMES_H
 #define DISKSCOUT_TESTS_HWRAID_SPOKEN_NAMES_H

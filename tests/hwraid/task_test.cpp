@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The task operations, against a stand-in tool: the script, the number of tasks, the tasks of one container.
 // What is handed over and what is freed shows in the leak check of the sanitizers.
 #include "site.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text helpers of the parsers, and the disk address.
 #include "hwraid/aacraid/aac_public.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of the controller tool, seen through the smallest operation: what it needs, what it does when
 // something is missing, and that it leaves nothing behind.
 #include "outside.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every trace, from one table each of what a run, an answer or a configuration can be: the whole text that an
 // operation says, in order. The lines that only tell a position are left out: where they stand is nobody's
 // business. The files of a run are called script1, raw1 and filtered1; those of the next run bear the next

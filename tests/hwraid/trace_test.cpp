@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The debug trace: decided once, by a file in the working directory, and never on standard output.
 #include "site.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Answers that are there when the run looks for them, and gone or out of reach when the parser opens them.
 #include "outside.h"
 #include "site.h"

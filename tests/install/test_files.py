@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every file that is installed, by the component it belongs to, and nothing beside them."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Programs, plug-ins and sample hosts, installed: they find each other there."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The samples, built outside of any tree against what is installed, as an agent's developer begins."""
 
 import re

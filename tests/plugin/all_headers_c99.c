@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* All exported headers in one source of C99: an agent that loads both libraries. */
 #include "diskscout_block.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All exported headers in one source of C++, the other way round.
 #include "diskscout_raid.h"
 

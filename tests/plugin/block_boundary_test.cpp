@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The boundary of today's library: codes, arguments, ownership, and what the host process must lend.
 #include "plugin.h"
 

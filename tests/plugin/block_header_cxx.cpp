@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The header of today's records, compiled alone as C++.
 #include "diskscout_block.h"
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The exported headers, compiled alone as C99 in the strictest way; an agent in C fills a request so. */
 #include "diskscout.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported headers, compiled alone as C++.
 #include "define_command.h"
 #include "diskscout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hosts whose every table and disk is damaged: cut, spoiled, overwritten, stretched. Whatever the kernel or a
 // disk says, each query ends with a documented result and gives back what it took.
 #include "plugin.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the pages of docs/ hold, and what the headers that they tell of do."""
 
 import re

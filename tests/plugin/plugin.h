@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads the built plug-ins as an agent does and asks them.
 #ifndef DISKSCOUT_TESTS_PLUGIN_PLUGIN_H
 #define DISKSCOUT_TESTS_PLUGIN_PLUGIN_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * The header of the RAID operations, compiled alone as C99 in the strictest way: what it declares, the codes,
  * and the layout of all records as a C program sees it.

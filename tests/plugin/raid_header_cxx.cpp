@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The header of the RAID operations, compiled alone as C++.
 #include "diskscout_raid.h"
 

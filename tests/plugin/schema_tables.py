@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """Renews the tables of docs/json.md that tell the fields of every kind:
 
     build/release/diskscout schema | tests/plugin/schema_tables.py docs/json.md

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The sessions that the pages show: commands behind `$`, and what they print."""
 
 import os

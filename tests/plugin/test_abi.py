@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """docs/abi.md: how an agent asks whether a field is there."""
 
 import subprocess

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What docs/block.md says is what the header declares, and the agent that it names does what it shows."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What docs/classic.md says is what the headers declare."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """docs/diskscout.md says what the program does: its options, the columns of its tables, its samples."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """docs/hacking.md names what is there, and every oddity that the code keeps."""
 
 import collections

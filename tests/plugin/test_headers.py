@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What a library exports stands in one of its headers, and nothing else does.
 
 An export whose definition has not seen its declaration is hidden and mangled: it is the headers that say C and

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """docs/json.md says what `diskscout schema` says, and its programs print what it shows."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What each built library is as a file: its exports, its needs, its hardening, and what loading it runs."""
 
 import collections

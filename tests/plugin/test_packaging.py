@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """docs/packaging.md names what a build needs and what is installed."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The pages together: each is in the index, each link leads somewhere, each command that one shows is run by a test."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What docs/raid.md says is what the header declares, and its program does what it shows."""
 
 import os

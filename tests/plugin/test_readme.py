@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What README.md shows is what happens: its sessions print what it says."""
 
 import re

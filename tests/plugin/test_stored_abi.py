@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """abi/ holds all of the binary interface: what scripts/abi compares with is not less than what agents see."""
 
 import re

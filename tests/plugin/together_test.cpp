@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Both libraries in one process, and one of them coming and going. Every case runs in a child of its own, so
 // that it begins with none loaded.
 #include "plugin.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every outside call of every query fails once, and then from there on. Each run must end with a documented
 // result and leave the process as it was: descriptors, children, heap and counters.
 #include "plugin.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The package on hosts that are shown to this very process: see run.py."""
 
 import ctypes

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """field_tables.py [PAGE]: the tables of docs/python.md, out of the package; with a page it renews those that are there."""
 
 import dataclasses

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A plug-in of both kinds whose answers no host can be made to give: texts without an end, codes without a
  * name, records of other releases, failures with half a list. It watches what is given back, and who is

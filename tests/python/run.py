@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """run.py COMMAND... --build-dir BUILD: runs the command where captured hosts can be shown to it.
 
 The interpreter loads the plug-ins, so what stands between them and the C library has to be loaded before it; so has

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The sample that agents start from: what it prints, what it says on standard error, and how it ends."""
 
 import os

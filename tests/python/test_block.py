@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every field of every record of today's hosts, on all captured ones."""
 
 import dataclasses

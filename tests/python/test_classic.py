@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every field of every record of the classic lists, on all captured hosts of their time."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Which files are loaded, and what is said when there are none."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the package believes of the library's memory is what the compiler makes of the headers."""
 
 import ctypes

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Who owns a list, for how long, and what it does afterwards; on real answers, and on made ones."""
 
 import ctypes

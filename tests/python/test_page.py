@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What docs/python.md shows is what happens, and its tables are the package's."""
 
 import inspect

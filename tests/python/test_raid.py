@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The RAID side, by queries and by operations, against the simulated controller tool."""
 
 import gc

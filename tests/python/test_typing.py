@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The package's types hold, where somebody is there to check them, and its own words of the language are old enough."""
 
 import ast

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The simulated controller as an agent sees it: through the boundary's codes.
 #include "simulated.h"
 

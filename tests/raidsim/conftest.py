@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs the simulated controller tool on hand-made controllers, as a server's agent runs the real one."""
 
 import os

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Creating containers on the simulated controller, and what it refuses: the codes, the state before and
 // after.
 #include "simulated.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every operation against every way in which the simulated controller tool can fail, and answers that break
 // off.
 #include "simulated.h"

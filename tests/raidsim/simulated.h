@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests against the simulated controller tool share: the lists of aac0 as text, the ways in which
 // the tool paints its answers, and the rows that are expected of the state in simulator.h.
 #ifndef DISKSCOUT_TESTS_RAIDSIM_SIMULATED_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The hardware side against the simulated controller tool, through the filter script, from a state that is
 // known in every number.
 //

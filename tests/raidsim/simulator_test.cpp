@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations against the simulated controller tool, however it paints and pages: results, records and
 // what becomes of the controller's state.
 #include "simulated.h"

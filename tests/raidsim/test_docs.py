@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The session that the documentation shows is a real one."""
 
 import pathlib

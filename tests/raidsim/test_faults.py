@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What goes wrong on request, and the pager."""
 
 import signal

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The simulator's modules build on one another; no two need each other, by whatever way around."""
 
 import pathlib

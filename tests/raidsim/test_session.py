@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The frame of a run: banner, prompts, echoes, refusals of controllers, the state file."""
 
 import pytest

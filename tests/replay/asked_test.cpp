@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs that ask the library before them, and may be told what is wrong with their host.
 
 #include "preload.h"

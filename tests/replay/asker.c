@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A program that asks the library before it: what is wrong, and what the host tells of its kernel. A word
  * with a slash at its beginning is a host to be shown from then on.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Children of popen and system see the captured host, and log into its log.
 
 #include "host_dir.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An open device: its content, and how it can be opened.
 
 #include "host_dir.h"

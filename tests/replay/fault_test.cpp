@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each counted call, made to fail and left alone; and the loop over a run.
 
 #include "host_dir.h"

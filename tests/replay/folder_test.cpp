@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paths that count from an open folder, and ways through links as the kernel goes them.
 
 #include "host_dir.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A captured host made for one test, in a directory of its own.
 
 #ifndef DISKSCOUT_TESTS_REPLAY_HOST_DIR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The requests, answered from the table.
 
 #include "host_dir.h"

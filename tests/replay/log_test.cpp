@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a program would have changed: the captured host stays, a line is logged.
 
 #include "host_dir.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the machine says of itself: space, and the kernel's name.
 
 #include "host_dir.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which paths come from the host, and by which calls.
 
 #include "host_dir.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs run with the library before them.
 
 #ifndef DISKSCOUT_TESTS_REPLAY_PRELOAD_H

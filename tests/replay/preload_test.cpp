@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library in front of programs that know nothing of it.
 
 #include "preload.h"

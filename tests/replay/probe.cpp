@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A library as a program would load it at run time; it asks the host a few
 // things through plain calls whose sizes the compiler does not know, so that
 // the checked names are called.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs of today, in front of a host of today: they walk sysfs by open folders, and look into devices.
 
 #include "preload.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The host captured from a real Linux 5.10: what its kernel answered is what is
 // shown.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library keeps: nothing that grows.
 
 #include "host_dir.h"

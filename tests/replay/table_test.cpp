@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A host table with a fault in it is refused, and the fault is told with its
 // line.
 

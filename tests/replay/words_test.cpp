@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words of a table line, one by one.
 
 #include "replay/words.h"

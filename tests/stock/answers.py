@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The answers of a stage in one form: {device name: {field: value}}, ours and each peer's.
 
 A field that an answer leaves open is None.  Texts are the bytes that stand behind them (as str, with surrogates where

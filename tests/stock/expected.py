@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What a scenario says of its own devices: scenarios/NAME/expected.json, by role and by hand.
 
 A role is a name of the machine's list of names; "sys.3" is the third partition of "sys".  What an entry leaves out is

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What `diskscout list` shows in a machine: as documents that a program reads, and as tables for people."""
 
 import collections

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Where our answer and a peer's differ, and which of these differences we know.
 
 A field that the peer leaves open is no difference: what it should have been is in the scenario's own text.  Each row

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """diskscout in virtual machines with the distribution's own kernel.
 
 usage: run.py --build-dir DIR --source-dir DIR [--keep DIR] [--capture] [unittest options and test names]

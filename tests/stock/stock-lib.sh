@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # What the collector and the scenarios share in the machine; busybox runs them.
 

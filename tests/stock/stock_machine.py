@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A machine with the distribution's kernel: what of the distribution's programs it is given, and its answers.
 
 A scenario is a directory below scenarios/:

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The machines' own texts, held against hosts that were captured in them: tests/block/hosts/NAME with its `names`.
 
 What is on the devices is not captured: udev's database knows of it, as an ordinary user is told.  A capture may leave

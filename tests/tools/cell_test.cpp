@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a table, a program and a sorted list make of a field's value.
 #include "cell.h"
 

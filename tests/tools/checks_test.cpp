@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checks of doctor: what the page says of them, and what every row has to hold.
 #include "examination.h"
 #include "finding.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which word somebody meant.
 #include "closest_word.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs the built program as a user does, on hand-made plug-ins or on the real one."""
 
 import json

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A site of sites/, put together in a directory of its own, and what is found of it.
 #ifndef DISKSCOUT_TESTS_TOOLS_DOCTOR_SITE_H
 #define DISKSCOUT_TESTS_TOOLS_DOCTOR_SITE_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Sites of the controller tool, put together from sites/ in a directory of their own."""
 
 import shutil

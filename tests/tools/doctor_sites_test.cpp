@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sites that are sick in one way each, and some that are well: every directory below sites/ is one.
 #include "doctor_site.h"
 

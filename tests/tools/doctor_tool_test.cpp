@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an output of the controller tool tells, and what is asked of a site beside its own causes.
 #include "doctor_site.h"
 #include "plugin.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What every document of the program holds, whatever was asked for and however it went."""
 
 import datetime

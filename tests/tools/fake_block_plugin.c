@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A block plug-in whose answers are made by hand. FAKE_BLOCK_CASE names the answers; queries whose codes
  * stand in FAKE_BLOCK_FAILS fail with the number in FAKE_BLOCK_ERRNO. When it is unloaded it writes to

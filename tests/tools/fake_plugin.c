@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A plug-in whose answers are made by hand. FAKE_PLUGIN_CASE names the answers; when it is unloaded it writes
  * to FAKE_PLUGIN_REPORT what its caller did: one "word value" a line. What it counts as "wrong" is a list

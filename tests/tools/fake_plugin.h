@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* What the parts of the made plug-in share. */
 #ifndef DISKSCOUT_TESTS_TOOLS_FAKE_PLUGIN_H
 #define DISKSCOUT_TESTS_TOOLS_FAKE_PLUGIN_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The hardware RAID half of the plug-in whose answers are made by hand. */
 #include "fake_plugin.h"
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * The commands of the plug-in whose answers are made by hand. A command tells on standard error what it was
  * called with:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A record of the tests' own, with a field of each shape.
 #ifndef DISKSCOUT_TESTS_TOOLS_FIELDS_OF_SAMPLES_H
 #define DISKSCOUT_TESTS_TOOLS_FIELDS_OF_SAMPLES_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* A library that can be asked but takes nothing back and has no commands: no plug-in. */
 #include "diskscout.h"
 

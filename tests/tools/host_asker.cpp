@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A program of the tests, made of what all our programs share: whose storage it is shown, and of what kind is
 // what it is refused.
 //

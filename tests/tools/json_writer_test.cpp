@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A document's bytes.
 #include "json_writer.h"
 

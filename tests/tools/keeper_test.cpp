@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A run in three processes: whoever is ended when, nothing is left.
 #include "keeper.h"
 

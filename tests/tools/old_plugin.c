@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A plug-in that cannot be told where the controller tool's configuration is: every query fails, and so does
  * every command.

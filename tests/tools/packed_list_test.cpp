@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists that go from one process to another: all that a record points to goes with it.
 #include "packed_list.h"
 

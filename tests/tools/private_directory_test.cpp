@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The directories of our runs, and what is left of those that were killed.
 #include "private_directory.h"
 

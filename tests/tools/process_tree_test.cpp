@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Processes that somebody started for us: who they are, and that they go.
 #include "process_table.h"
 #include "processes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of our own processes share: what there is before must be there behind, and nothing else.
 #ifndef DISKSCOUT_TESTS_TOOLS_PROCESSES_H
 #define DISKSCOUT_TESTS_TOOLS_PROCESSES_H

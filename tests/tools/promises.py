@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What a schema promises, compared with what it promised before."""
 
 # Words about the documents, and not of them.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A host with the simulated controller tool: a working directory that holds nothing but what a site provides."""
 
 import json

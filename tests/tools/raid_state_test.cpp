@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state of a container, rule by rule.
 #include "raid_state.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why the classic lists lack what a host has: hosts of a few lines, and today's devices told by hand.
 #include "partition_query.h"
 #include "reasons_lists.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the block plug-in's header says of its records: their members in order, and what each is."""
 
 import pathlib

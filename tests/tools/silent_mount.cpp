@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file system that never answers.
 #include "silent_mount.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file system that never answers, as that of a server which is gone.
 #ifndef DISKSCOUT_TESTS_TOOLS_SILENT_MOUNT_H
 #define DISKSCOUT_TESTS_TOOLS_SILENT_MOUNT_H

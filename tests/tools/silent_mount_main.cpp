@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // silent_mount left|taken DIR PROGRAM [WORD...]: runs the program where DIR is a file system that never
 // answers. Its status; 77 and why on standard error, when there can be no such file system here.
 #include "silent_mount.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is found out about the other end of standard output.
 #include "terminal.h"
 

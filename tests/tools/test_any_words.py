@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Command lines put together by chance, always the same ones: each ends, with one document or with sentences."""
 
 import json

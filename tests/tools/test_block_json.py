@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The documents about the devices of today."""
 
 import errno

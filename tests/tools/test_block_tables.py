@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The tables of today's devices: tree, columns, order, pairs, and devices named on the command line."""
 
 import errno

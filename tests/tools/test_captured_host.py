@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What all programs share that show captured hosts: whose names they know, and what they are refused."""
 
 import os

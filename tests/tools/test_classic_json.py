@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The documents of format 2 about the classic kinds: what is absent is null, what may wrap stands beside the truth."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What can stand in the place of a word that is being typed: every word that the programs know, and no other."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What doctor finds on captured hosts, and what it does with a machine that hangs."""
 
 import json

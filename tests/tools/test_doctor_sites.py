@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What doctor finds on sites that are sick in one way each, and on those that are well."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What is checked of every document can fail: each promise broken once."""
 
 import copy

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every captured host of the tests, with everything that can be asked without a controller."""
 
 import json

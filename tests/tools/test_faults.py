@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Whatever fails below, there is one document, and it says so: every fault of the controller tool, failing calls."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The wrapper that a site names as its tool: limits of time, one question at a time, nothing left behind."""
 
 import contextlib

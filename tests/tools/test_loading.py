@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Both plug-ins and the captured host, when one of them cannot be had: a document that says so, and status 2."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The manual pages that the build makes of docs/: without warnings, complete, and found by whatis."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The example program of the RAID operations, and the session that README.md shows of it."""
 
 import json

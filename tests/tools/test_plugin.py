@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Which plug-in is loaded, and what is said when it cannot be used."""
 
 import shutil

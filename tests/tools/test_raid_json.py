@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The JSON document of the hardware RAID kinds: every field, and the words beside the numbers."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What is told of all RAID controllers of the simulated tool: rows of each, true sizes, states, and why rows are missing."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The tables of the hardware RAID kinds, their options, and what is said when a query fails."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The hardware RAID kinds on the real plug-in, the simulated controller tool and the filter for sites."""
 
 import json

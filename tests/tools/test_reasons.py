@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Why the classic lists lack what a host has, told by the program on captured hosts."""
 
 import json

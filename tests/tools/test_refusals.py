@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Command lines that make no sense: a sentence and status 2, and with --json a document of the same."""
 
 import json

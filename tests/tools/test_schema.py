@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The schema of the documents: what it allows, and that it keeps what it has promised."""
 
 import copy

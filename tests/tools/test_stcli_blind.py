@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What each reader of stcli does not see is told on its page, and is so."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The pages about stcli show what happens: every command has its section, every sample is true."""
 
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The launcher of the plug-in's commands: options, words, streams, exit status."""
 
 import os

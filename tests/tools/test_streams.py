@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Where the output goes: terminals of every width, pipes that are closed, disks that are full, no stream at all."""
 
 import fcntl

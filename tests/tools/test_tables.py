@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The tables for people, compared as whole texts."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Whatever hangs below, the answer is there in time, and nothing is left behind it: no process, no file."""
 
 import concurrent.futures

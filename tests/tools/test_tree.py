@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The whole machine as one picture and one document: each thing once, below what it belongs to."""
 
 import json

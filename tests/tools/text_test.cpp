@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a reader is shown of texts and numbers.
 #include "text.h"
 

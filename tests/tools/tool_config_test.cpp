@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller tool's configuration, as the plug-in reads it.
 #include "tool_config.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands on what.
 #include "tree.h"
 

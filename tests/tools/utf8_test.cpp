@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where characters begin and end.
 #include "utf8.h"
 

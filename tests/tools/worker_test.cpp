@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work that may hang, crash, or leave processes behind.
 #include "worker.h"
 

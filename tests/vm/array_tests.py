@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Software RAID: arrays in every state, their members' superblocks, the speed limits.
 
 What mdstat must print is worked out from sysfs and from the arrays' own answers; only the order of the arrays and

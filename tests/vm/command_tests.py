@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The commands that look at devices and tables, and those that make directories and nodes and detach devices."""
 
 import re

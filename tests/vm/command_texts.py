@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the diagnostic commands print, put together from what is known of a device in other ways."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # Functions for making small disk images; a scenario's disks.sh is written in
 # them. Everything is made in plain files: no root rights, no loop devices.

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Takes the medium out of a removable SCSI disk: the commands for it have no program of their own here. Exit
  * status 0 when the disk has obeyed.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The answer that diskscout must give in a machine, worked out without it.
 
 The sources are others than diskscout's own wherever there are any: sysfs for the identity texts and the SCSI

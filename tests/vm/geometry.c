@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Prints "HEADS SECTORS" of a disk, as the kernel gives them to partitioning programs, or "-".
  * The kernel shows them in no file, and for a SCSI disk they depend on its partition table.

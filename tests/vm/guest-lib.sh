@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # What the collectors in the machine share; busybox runs them. Answers and the
 # kernel's own facts go to a tmpfs first, so that writing them changes no disk.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A scenario's virtual machine: makes its disks, boots it once, and gives access to what it brought back.
 
 A scenario is a directory below scenarios/:

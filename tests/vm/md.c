@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Makes and changes software-RAID arrays with superblocks of format 0.90, and tells what the kernel thinks of
  * them, for machines that have no administration program.

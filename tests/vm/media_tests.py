@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Drives without a medium, and a removable disk that loses its own: nothing that nobody measured is told of them."""
 
 import unittest

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """diskscout in virtual machines with a real kernel.
 
 usage: run.py --build-dir DIR --source-dir DIR [--keep DIR] [unittest options and test names]

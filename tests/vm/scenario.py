@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the test classes share: a machine that is booted once for all tests of a class, and stcli's answers there."""
 
 import pathlib

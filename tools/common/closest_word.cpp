@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which word somebody meant who mistyped one.
 #include "closest_word.h"
 

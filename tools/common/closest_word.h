@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which word somebody meant who mistyped one.
 #ifndef DISKSCOUT_TOOLS_COMMON_CLOSEST_WORD_H
 #define DISKSCOUT_TOOLS_COMMON_CLOSEST_WORD_H

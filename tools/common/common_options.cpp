@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options of every program that loads the plug-in.
 #include "common_options.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options of every program that loads the plug-in.
 #ifndef DISKSCOUT_TOOLS_COMMON_COMMON_OPTIONS_H
 #define DISKSCOUT_TOOLS_COMMON_COMMON_OPTIONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Libraries that come with the program.
 #include "companion.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Libraries that come with the program.
 #ifndef DISKSCOUT_TOOLS_COMMON_COMPANION_H
 #define DISKSCOUT_TOOLS_COMMON_COMPANION_H

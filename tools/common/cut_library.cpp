@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Libraries of which only the beginning is there.
 #include "cut_library.h"
 

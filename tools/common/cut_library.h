@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Libraries of which only the beginning is there, as after a copy for which the disk had no room.
 #ifndef DISKSCOUT_TOOLS_COMMON_CUT_LIBRARY_H
 #define DISKSCOUT_TOOLS_COMMON_CUT_LIBRARY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fmt, as a part of the programs: what its headers declare and its library would hold. Finding a shared C++
 // runtime and fmt at every start takes longer than asking for the devices of a usual host does.
 #include <fmt/format-inl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whose storage is shown.
 #include "host_names.h"
 

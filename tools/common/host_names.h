@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whose storage is shown: the host's name and its kernel's.
 #ifndef DISKSCOUT_TOOLS_COMMON_HOST_NAMES_H
 #define DISKSCOUT_TOOLS_COMMON_HOST_NAMES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Nothing outlives a run. The started process holds one end of a pipe, `life`: however it ends, the keeper
 // reads its end there. What became of the work goes back through another one.
 #include "keeper.h"

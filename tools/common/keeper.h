@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Nothing outlives a run: not a process, not a file.
 #ifndef DISKSCOUT_TOOLS_COMMON_KEEPER_H
 #define DISKSCOUT_TOOLS_COMMON_KEEPER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls past the C library. What a captured host shows, and the failures that are tried on the plug-ins, are
 // made there: neither is meant for how our own processes deal with each other.
 #ifndef DISKSCOUT_TOOLS_COMMON_KERNEL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's file, loaded.
 #include "loaded_plugin.h"
 

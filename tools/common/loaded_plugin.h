@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's file, loaded: what every program that calls it needs, whatever it calls.
 #ifndef DISKSCOUT_TOOLS_COMMON_LOADED_PLUGIN_H
 #define DISKSCOUT_TOOLS_COMMON_LOADED_PLUGIN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two streams of a program.
 #include "output.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two streams of a program.
 #ifndef DISKSCOUT_TOOLS_COMMON_OUTPUT_H
 #define DISKSCOUT_TOOLS_COMMON_OUTPUT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A directory of our own for the files of one run.
 #include "private_directory.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A directory of our own for the files of one run: who can write where the controller tool's scripts lie
 // drives the controller, and what a run leaves must be known from what is somebody else's.
 #ifndef DISKSCOUT_TOOLS_COMMON_PRIVATE_DIRECTORY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's table of processes. It is asked past the C library: a captured host has a /proc of its own, in
 // which nobody of ours is.
 #ifndef DISKSCOUT_TOOLS_COMMON_PROCESS_TABLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Processes that somebody started for us.
 #include "process_tree.h"
 

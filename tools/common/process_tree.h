@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Processes that somebody started for us, and that shall not outlive what they were started for.
 #ifndef DISKSCOUT_TOOLS_COMMON_PROCESS_TREE_H
 #define DISKSCOUT_TOOLS_COMMON_PROCESS_TREE_H

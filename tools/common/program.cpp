@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What all our programs are to their callers.
 #include "program.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What all our programs are to their callers: a name and an exit status.
 #ifndef DISKSCOUT_TOOLS_COMMON_PROGRAM_H
 #define DISKSCOUT_TOOLS_COMMON_PROGRAM_H

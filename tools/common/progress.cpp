@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How far long work is.
 #include "progress.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How far long work is, on a terminal's standard error: one line that is written over and over, and gone at
 // the end. Nobody else is told.
 #ifndef DISKSCOUT_TOOLS_COMMON_PROGRESS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Limits of time, as callers write them.
 #include "seconds.h"
 

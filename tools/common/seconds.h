@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Limits of time, as callers write them.
 #ifndef DISKSCOUT_TOOLS_COMMON_SECONDS_H
 #define DISKSCOUT_TOOLS_COMMON_SECONDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Captured hosts. The plug-in makes plain calls of the C library and knows nothing of captured hosts; a
 // library that answers these calls instead can only be loaded before the program starts.
 #include "sysroot.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Captured hosts.
 #ifndef DISKSCOUT_TOOLS_COMMON_SYSROOT_H
 #define DISKSCOUT_TOOLS_COMMON_SYSROOT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts and numbers of a record, made fit for a reader.
 #include "text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts and numbers of a record, made fit for a reader.
 #ifndef DISKSCOUT_TOOLS_COMMON_TEXT_H
 #define DISKSCOUT_TOOLS_COMMON_TEXT_H

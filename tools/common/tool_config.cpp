@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller tool's configuration, by the plug-in's rules.
 #include "tool_config.h"
 

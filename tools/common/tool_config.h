@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller tool's configuration. The plug-in reads it at its first operation, and tells nobody what it
 // has found; so it is read here, too, by the plug-in's rules:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What ends the program with status 2: the caller asked for something that cannot be done.
 #ifndef DISKSCOUT_TOOLS_COMMON_USAGE_ERROR_H
 #define DISKSCOUT_TOOLS_COMMON_USAGE_ERROR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UTF-8, byte by byte.
 #include "utf8.h"
 

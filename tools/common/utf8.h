@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UTF-8, byte by byte.
 #ifndef DISKSCOUT_TOOLS_COMMON_UTF8_H
 #define DISKSCOUT_TOOLS_COMMON_UTF8_H

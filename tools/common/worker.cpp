@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work in a process of its own, and waiting for it.
 #include "worker.h"
 

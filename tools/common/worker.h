@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work that may hang, crash, or leave processes behind is done in a process of its own, under a limit of
 // time.
 #ifndef DISKSCOUT_TOOLS_COMMON_WORKER_H

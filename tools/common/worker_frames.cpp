@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a worker tells, as it goes through the pipe: frames.
 #include "worker_frames.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a worker tells, as it goes through the pipe: frames.
 #ifndef DISKSCOUT_TOOLS_COMMON_WORKER_FRAMES_H
 #define DISKSCOUT_TOOLS_COMMON_WORKER_FRAMES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kinds that were asked for, and what the plug-ins answered.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_ASKING_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_ASKING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Options that do not go together.
 #include "conflicts.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Options that do not go together.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_CONFLICTS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_CONFLICTS_H

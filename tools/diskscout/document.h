@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The document of format 2: one object, whatever happens.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_DOCUMENT_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_DOCUMENT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows as a table.
 #include "drawing.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows as a table.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_DRAWING_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_DRAWING_H

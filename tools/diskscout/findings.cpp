@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What doctor has found, for people and for programs.
 #include "findings.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What doctor has found, for people and for programs.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_FINDINGS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_FINDINGS_H

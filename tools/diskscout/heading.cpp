@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands over and in place of a table.
 #include "heading.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands over and in place of a table, in all formats.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_HEADING_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_HEADING_H

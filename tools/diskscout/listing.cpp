@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The listing of the kinds that were asked for.
 #include "listing.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The listing of the kinds that were asked for.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_LISTING_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_LISTING_H

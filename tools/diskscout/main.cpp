@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // diskscout: an inventory of this host's storage, for people and as JSON. It is also the reference agent: the
 // plug-ins are loaded, asked and given their lists back as every agent has to do it.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tables and document as they were before there were formats: agents' scripts rely on every byte.
 #include "asking.h"
 #include "columns.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line: diskscout list [KIND|DEVICE]... [OPTION]..., diskscout doctor [OPTION]..., diskscout
 // schema.
 #include "options.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_OPTIONS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_OPTIONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The JSON Schema of the document of format 2.
 #include "schema.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The JSON Schema of the document of format 2.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SCHEMA_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_SCHEMA_H

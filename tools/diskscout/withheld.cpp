@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values that the kernel tells to root alone. The plug-in leaves them out without a word.
 #include "withheld.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a list lacks because of who asks for it.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_WITHHELD_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_WITHHELD_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words behind the command: kinds and devices.
 #include "words.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words behind the command.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_WORDS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_WORDS_H

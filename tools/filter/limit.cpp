@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // diskscout-limit: a site names it as its controller tool; it runs the real one under a limit of time, one
 // question at a time, and leaves nothing of it behind.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One question at a time: flock, which the kernel takes back when the last holder is gone.
 #include "limit_lock.h"
 

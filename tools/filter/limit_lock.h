@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One question at a time: who asks holds a lock, however it ends.
 #ifndef DISKSCOUT_TOOLS_FILTER_LIMIT_LOCK_H
 #define DISKSCOUT_TOOLS_FILTER_LIMIT_LOCK_H

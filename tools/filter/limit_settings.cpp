@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The settings of a limited tool. The file, in the style of the configuration that names this program:
 //
 //   Tool:/usr/local/tool/toolcli

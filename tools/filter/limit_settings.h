@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is limited, and how: by the command line, or by a file where there can be none.
 #ifndef DISKSCOUT_TOOLS_FILTER_LIMIT_SETTINGS_H
 #define DISKSCOUT_TOOLS_FILTER_LIMIT_SETTINGS_H

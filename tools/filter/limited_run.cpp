@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of a program, which ends.
 #include "limited_run.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of a program, which ends.
 #ifndef DISKSCOUT_TOOLS_FILTER_LIMITED_RUN_H
 #define DISKSCOUT_TOOLS_FILTER_LIMITED_RUN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of the commands, and those about controllers and tasks.
 #include "commands.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of the commands: their words, switches and what they do.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_COMMANDS_H
 #define DISKSCOUT_TOOLS_RAIDSIM_COMMANDS_H

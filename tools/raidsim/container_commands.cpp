@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands about existing containers.
 #include "container_commands.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands about containers and their hot spares.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_CONTAINER_COMMANDS_H
 #define DISKSCOUT_TOOLS_RAIDSIM_CONTAINER_COMMANDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a command works on.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_CONTEXT_H
 #define DISKSCOUT_TOOLS_RAIDSIM_CONTEXT_H

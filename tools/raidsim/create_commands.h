@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands that create containers.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_CREATE_COMMANDS_H
 #define DISKSCOUT_TOOLS_RAIDSIM_CREATE_COMMANDS_H

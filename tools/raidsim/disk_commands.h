@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands about disks.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_DISK_COMMANDS_H
 #define DISKSCOUT_TOOLS_RAIDSIM_DISK_COMMANDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words of RAIDSIM_FAULT.
 #include "faults.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What goes wrong on request, and how the terminal is painted: the words of RAIDSIM_FAULT.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_FAULTS_H
 #define DISKSCOUT_TOOLS_RAIDSIM_FAULTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller tool, simulated: a script on standard input, the answers on standard output.
 //
 //   RAIDSIM_STATE=state.txt raidsim <script

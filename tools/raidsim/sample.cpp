@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text that a new state file begins with: a mirror with a hot spare, a volume of one
 // disk, a stripe of two mirrors of which one is being rebuilt, free disks, an enclosure's processor,
 // and a second controller that is read only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the simulated controllers hold before anything was done with them.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_SAMPLE_H
 #define DISKSCOUT_TOOLS_RAIDSIM_SAMPLE_H

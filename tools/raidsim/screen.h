@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tool paints: lines, prompts, pager prompts and, on request, a terminal's escape sequences.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_SCREEN_H
 #define DISKSCOUT_TOOLS_RAIDSIM_SCREEN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of the tool: a script in, the output out, the changes of accepted commands in the state file.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_SESSION_H
 #define DISKSCOUT_TOOLS_RAIDSIM_SESSION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which parts of a disk are used and which are free.
 #include "space.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which parts of a disk are used and which are free.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_SPACE_H
 #define DISKSCOUT_TOOLS_RAIDSIM_SPACE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the simulated controllers hold between two runs.
 #include "state.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the simulated controllers hold between two runs.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_STATE_H
 #define DISKSCOUT_TOOLS_RAIDSIM_STATE_H

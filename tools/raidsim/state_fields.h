@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fields of each record in the state file. One list serves reading and writing alike: the visitor is
 // called with each field's key and a reference to the field.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_STATE_FIELDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state's one text file: read whole, replaced whole.
 #include "state_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state's one text file.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_STATE_FILE_H
 #define DISKSCOUT_TOOLS_RAIDSIM_STATE_FILE_H

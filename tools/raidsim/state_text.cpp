@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state as text: a record a line, fields as key=value in any order.
 //
 //   controller name=aac0 type="EXAMPLE 2200S" availability=read/write ...

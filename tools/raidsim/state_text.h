@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state as text.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_STATE_TEXT_H
 #define DISKSCOUT_TOOLS_RAIDSIM_STATE_TEXT_H

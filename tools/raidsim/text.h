@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the tool writes sizes and addresses, and how numbers are read.
 #ifndef DISKSCOUT_TOOLS_RAIDSIM_TEXT_H
 #define DISKSCOUT_TOOLS_RAIDSIM_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line: stcli [--plugin PATH] [--sysroot DIR] [--config FILE] WORD...
 //
 // The options end at the first word. What follows belongs to the plug-in's command, whatever it looks like.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line of the launcher.
 #ifndef DISKSCOUT_TOOLS_STCLI_COMMAND_LINE_H
 #define DISKSCOUT_TOOLS_STCLI_COMMAND_LINE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the console drives is decided when it starts its first operation, which is too late for whoever is
 // about to delete something.
 #include "controller_tool.h"

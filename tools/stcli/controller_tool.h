@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the console of the plug-in drives.
 #ifndef DISKSCOUT_TOOLS_STCLI_CONTROLLER_TOOL_H
 #define DISKSCOUT_TOOLS_STCLI_CONTROLLER_TOOL_H

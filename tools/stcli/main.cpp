@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // stcli: the plug-in's diagnostic command line at a console, for service staff.
 //
 //   stcli stdisk

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's diagnostic command line.
 #include "tree.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's diagnostic command line, called as its agent's service staff would.
 #ifndef DISKSCOUT_TOOLS_STCLI_TREE_H
 #define DISKSCOUT_TOOLS_STCLI_TREE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hdd/exe/cli.h"
 
 #include "hdd/exe/linux.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The diagnostic commands over the inventory: its internal lists, unfiltered.
 #ifndef DISKSCOUT_HDD_EXE_CLI_H
 #define DISKSCOUT_HDD_EXE_CLI_H

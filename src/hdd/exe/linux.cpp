@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The disks of the inventory: the whole disks of the block-device table, each with what its own table and its
 // device tell of it.
 #include "hdd/exe/linux.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The local storage inventory: disks, CD-ROM drives, volumes and partitions, put together afresh on every
 // call from what the readers find. The lists are large; they belong on the stack of one call.
 #ifndef DISKSCOUT_HDD_EXE_LINUX_H

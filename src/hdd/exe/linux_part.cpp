@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The partitions of the inventory: the entries of a disk's tables, joined to the volumes on them.
 #include "hdd/exe/linux.h"
 

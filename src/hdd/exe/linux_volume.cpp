@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The CD-ROM drives and the volumes of the inventory: what is mounted, and where.
 #include "hdd/exe/linux.h"
 

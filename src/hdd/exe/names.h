@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What disks and CD-ROM drives of the inventory share.
 #ifndef DISKSCOUT_HDD_EXE_NAMES_H
 #define DISKSCOUT_HDD_EXE_NAMES_H

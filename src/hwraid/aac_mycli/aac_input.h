@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user types: lines of standard input, the numbers in them, the questions that several menus ask.
 //
 // The input ends at its end or at a read error, and stays ended. Whoever asks then gets false, starts nothing

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The menus: what they show and do, and the one loop that serves all six sub-menus.
 #ifndef DISKSCOUT_HWRAID_AAC_MENU_H
 #define DISKSCOUT_HWRAID_AAC_MENU_H

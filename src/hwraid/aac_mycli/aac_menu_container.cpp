@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sub-menu of the containers and their hot spares.
 #include "hwraid/aac_mycli/aac_mycli.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sub-menus of the controllers and of a controller's background tasks.
 #include "hwraid/aac_mycli/aac_mycli.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sub-menu of the disks behind the controller.
 #include "hwraid/aac_mycli/aac_mycli.h"
 

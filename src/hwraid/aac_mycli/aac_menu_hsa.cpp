@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sub-menu of the management interface: asks and releases as an agent does, code by code.
 //
 // A query's list is kept until its release code is chosen or the query asked again, for that is what there is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sub-menu that creates containers. The controller tool is the judge of every answer.
 #include "hwraid/aac_mycli/aac_mycli.h"
 

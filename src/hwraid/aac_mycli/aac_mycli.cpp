@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hwraid/aac_mycli/aac_mycli.h"
 
 #include "hwraid/aac_mycli/aac_menu.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The console of service staff: every operation of the hardware side by hand, on the controller aac0.
 //
 // It asks on standard error and reads standard input. Nothing outlives a run.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How lists are printed, and the controller that they are asked of.
 #ifndef DISKSCOUT_HWRAID_AAC_PRINT_H
 #define DISKSCOUT_HWRAID_AAC_PRINT_H

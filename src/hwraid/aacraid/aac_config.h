@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the site says of its controller tool, in the file g_szConfigFileName. Process-wide and read once, by
 // the first operation that finds the file; one thread at a time.
 #ifndef DISKSCOUT_HWRAID_AAC_CONFIG_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Answers of the tool to the commands about one container: most are a line that begins with "Command Error",
 // or none; two are tables.
 //

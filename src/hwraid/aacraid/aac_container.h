@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operations on containers, which are exported, and the parsers of their answers, which are not.
 #ifndef DISKSCOUT_HWRAID_AAC_CONTAINER_H
 #define DISKSCOUT_HWRAID_AAC_CONTAINER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fields of a container's lines:
 //
 //   2    Stripe 67.8GB     64KB   Open    0:04:0 64.0KB:33.9GB

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The container list: the tool's answer to "container list" becomes records. Only Aac_Get_Container_List
 // comes here; the steps stand open so that each can be tried on its own.
 #ifndef DISKSCOUT_HWRAID_AAC_CONTAINER_LIST_H

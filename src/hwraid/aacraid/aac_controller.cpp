@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tool's answer to "controller list":
 //
 //   Executing: controller list

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The disks behind a controller. The rows of "disk list" are wide; one reads
 //
 //   0:00:0   Disk   N   ACME   EX103073FL3800   SA1B   143374805 512   Initialized   NO   320

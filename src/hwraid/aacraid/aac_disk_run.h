@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the operations on disks share beyond the run itself.
 #ifndef DISKSCOUT_HWRAID_AAC_DISK_RUN_H
 #define DISKSCOUT_HWRAID_AAC_DISK_RUN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the disks behind a controller are used: their free areas, and the pieces that containers use.
 //
 //   Executing: disk show space

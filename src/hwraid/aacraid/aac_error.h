@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tool's words for what went wrong, and the codes that stand for them.
 #ifndef DISKSCOUT_HWRAID_AAC_ERROR_H
 #define DISKSCOUT_HWRAID_AAC_ERROR_H

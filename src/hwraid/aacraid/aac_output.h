@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files of tool output, as the parsers read them.
 #ifndef DISKSCOUT_HWRAID_AAC_OUTPUT_H
 #define DISKSCOUT_HWRAID_AAC_OUTPUT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pieces of a text: lines, paragraphs, columns. Walking all of a text takes time in proportion to its
 // length.
 #ifndef DISKSCOUT_HWRAID_AAC_PIECES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the operations share and the console and the tests use, under the one name that they know it by. The
 // rooms' own sources include the header that they need: none of these includes this one.
 #ifndef DISKSCOUT_HWRAID_AAC_PUBLIC_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A creation is one command, such as
 //
 //   container create new_mirror /label="data" /quick_init=true ((0,0,0),1024M) (0,1,0)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Disk addresses, and the accessors of the records: between the tool's words and the codes that are stored.
 //
 // Setters store and return what they stored, getters return the field or its word. A word is known by its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hwraid/aacraid/aac_scan.h"
 
 #include "base/text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the fields of a row in turn, under every locale alike. White space before a number or a word is
 // skipped. A field that does not fit its kind ends the reading: it and all behind it keep what they held.
 #ifndef DISKSCOUT_HWRAID_AAC_SCAN_H

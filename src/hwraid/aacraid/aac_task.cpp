@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tool's answer to "task list":
 //
 //   Executing: task list

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text helpers of the parsers; all work in place on NUL-terminated strings.
 #ifndef DISKSCOUT_HWRAID_AAC_TEXT_H
 #define DISKSCOUT_HWRAID_AAC_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of the controller vendor's command-line tool: a script on its standard input, its output through
 // the site's filter script. Every operation of the hardware side is such a run:
 //

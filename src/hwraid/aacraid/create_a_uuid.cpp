@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hwraid/aacraid/create_a_uuid.h"
 
 #include "hwraid/aacraid/output_debug_string.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names for the temporary files of one tool run.
 #ifndef DISKSCOUT_HWRAID_CREATE_A_UUID_H
 #define DISKSCOUT_HWRAID_CREATE_A_UUID_H

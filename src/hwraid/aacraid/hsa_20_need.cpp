@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hwraid/aacraid/hsa_20_need.h"
 
 #include "base/record_list.h"

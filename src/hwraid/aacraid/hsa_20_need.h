@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The hardware RAID item provider: answers the hardware codes of the boundary and releases their lists.
 #ifndef DISKSCOUT_HWRAID_HSA_20_NEED_H
 #define DISKSCOUT_HWRAID_HSA_20_NEED_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hwraid/aacraid/output_debug_string.h"
 
 #include <stdarg.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one trace channel of the hardware side: standard error, when it is switched on.
 #ifndef DISKSCOUT_HWRAID_OUTPUT_DEBUG_STRING_H
 #define DISKSCOUT_HWRAID_OUTPUT_DEBUG_STRING_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Addresses in dumps differ from run to run; what they must be to each other does not.
 
     num=1, num_real=1, lmt=16, parent=00000000, this=<list>

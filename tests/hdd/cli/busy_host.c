@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Loaded before a program: what the launcher calls is called by a host that is busy with other things. Fifty
  * times a second a signal comes that the host handles, and every wait that is under way ends early.
  */

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Calls the exported stcli as no launcher would:
  *
  *     call_stcli PLUGIN ARGC ZERO WORD...

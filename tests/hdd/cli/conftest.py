@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs the diagnostic command line as service staff do, through the built launcher."""
 
 import os

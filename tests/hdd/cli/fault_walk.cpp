@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One command on one captured host, once with each of its outside calls failing, and once more with all calls
 // failing from there on:
 //

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Loaded before a program: every regular file answers BLKGETSIZE with its size in sectors of 512 bytes, as a
  * disk does. What a command writes to a disk can be seen to the byte this way. With the variable LOSES_WRITES
  * they are disks that take everything and keep nothing: what was written cannot be brought to them. With the

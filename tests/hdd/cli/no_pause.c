@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Loaded before a program: its pauses are written down, in seconds, and not made. */
 #define _GNU_SOURCE
 #include <stdio.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The exported function itself, called as no launcher would."""
 
 import os

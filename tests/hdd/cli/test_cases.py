@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every case below cases/: the words, the host, and the whole standard error.
 
     # What the cases show, above each or above those that show the same.

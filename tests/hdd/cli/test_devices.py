@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What is no device, descriptors that are closed, and what a command really writes."""
 
 import os

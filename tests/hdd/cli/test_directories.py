@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Making directories, on the real file system."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Shell commands: the output is silenced, the result is the exit status."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every outside call of every command fails once, and once all of them from there on."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The command that shows a line of standard input, and ends the process where there is none."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Tables that no kernel writes: nothing crashes, nothing waits, nothing is changed.
 
 What exactly is left out of each table is told by the cases; here it is the

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The printed records against what is told of every captured host.
 
 expected.json beside each host of ../../hosts tells every field of every record.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Random numbers and identifiers."""
 
 import ctypes

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The repeated queries: pauses, counters, and the same records round after round."""
 
 import os

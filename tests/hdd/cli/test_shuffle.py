@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Detaching all SCSI devices and attaching them again in another order."""
 
 import re

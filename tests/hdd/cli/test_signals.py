@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A host that handles signals, fifty a second: every wait that is under way is interrupted, and goes on."""
 
 import subprocess

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A wrong number of words: the command is known, nothing is done, and that is all that is said.
 
 The words would do something if their number were right.

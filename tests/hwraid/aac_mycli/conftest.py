@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs the interactive RAID console as service staff do: keys in, transcript out, controllers behind it."""
 
 import pathlib

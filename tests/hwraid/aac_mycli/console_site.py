@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A host with the console and the simulated controllers, and a working directory in which nothing may be left."""
 
 import difflib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A recorded session: what the console prints and what is typed into it, in one text.
 
     Command>«1»

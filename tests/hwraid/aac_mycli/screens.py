@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the console asks and answers, as service staff read it."""
 
 HELLO = "stcli: Hello world!\n"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The console on a terminal of its own, with somebody who waits for a prompt and then types."""
 
 import pexpect

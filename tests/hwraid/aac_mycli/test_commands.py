@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What reaches the tool: a stand-in takes every script down."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Values that are right and look like none, and words that the records have no value for."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What stands before the first prompt: which controllers the console drives, and that nobody mistakes them."""
 
 import pytest

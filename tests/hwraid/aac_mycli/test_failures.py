@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Controllers that refuse, tools that fail or are not there: the console says so and goes on."""
 
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Lines that nobody would type: far too long, not text, no numbers, numbers beyond every limit."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The management menu keeps one list a kind between choices."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The main menu and the ways around in the sub-menus."""
 
 import pytest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Whole sessions, fed through a pipe, cut short at every prompt and within every answer, and typed at a terminal.
 
 A session is a directory: "dialog" is what is printed and typed, "changes" is what the controllers' records have

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Somebody at a terminal: mistypes, corrects, reads the screen, finds what is broken and puts a spare disk in."""
 
 import re

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What doctor looks at. A row of a table each: what is asked, how it is found out, and what to do when it is
 // not well. The order of the rows is the order in which causes hide each other: the first one that is a
 // problem is what a person should be told first.

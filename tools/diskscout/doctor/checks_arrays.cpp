@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Arrays that the classic reader of /proc/mdstat leaves out, or tells as something else:
 //
 //   md0 : active (auto-read-only) raid6 sdb1[1] sda1[0](F)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the classic lists have no place for: kernels without their tables, names, limits of their length.
 #include "checks_machine.h"
 

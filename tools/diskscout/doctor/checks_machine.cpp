@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // This machine: who asks, what can be reached, and what the classic lists have no place for.
 #include "checks_machine.h"
 

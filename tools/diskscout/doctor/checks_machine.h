@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checks of this machine, by theme.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_CHECKS_MACHINE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_CHECKS_MACHINE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a process that asks the plug-ins gets from whoever starts it:
 //
 //   /proc/PID/limits   Max stack size            8388608              unlimited            bytes

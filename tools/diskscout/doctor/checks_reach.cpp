@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether what the lists are made from can be reached at all.
 #include "checks_machine.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What misleads in rows that are there.
 #include "checks_machine.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller tool's configuration, in the order in which an operation meets it.
 #include "check.h"
 #include "site_file.h"

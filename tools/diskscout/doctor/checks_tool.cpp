@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the controller tool, the filter and the controllers did when they were asked. A check that finds a
 // problem hides those behind it: they are not asked.
 #include "check.h"

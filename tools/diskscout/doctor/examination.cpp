@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All checks, one after the other. Each is work that may hang: none may take more than half of the time that
 // is left, so that there is some for those behind it.
 #include "examination.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a list is empty, short, old or slow: all checks, one after the other.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_EXAMINATION_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_EXAMINATION_H

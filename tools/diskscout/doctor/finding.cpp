@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Errors that have the same cause wherever they are met.
 #include "finding.h"
 

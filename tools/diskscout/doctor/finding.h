@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What checks find, made fit for a reader: names of files and words of programs are anybody's.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_FINDING_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_FINDING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What this process got from whoever started it.
 #include "inherited.h"
 

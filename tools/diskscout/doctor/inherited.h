@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What this process got from whoever started it.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_INHERITED_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_INHERITED_H

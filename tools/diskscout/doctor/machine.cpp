@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // This machine as the checks see it.
 #include "machine.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // This machine as the checks see it: its lists, its tables, and what keeps things out of the lists.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_MACHINE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_MACHINE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a site has provided for its RAID controllers.
 #include "site.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a site has provided for its RAID controllers: a configuration, and the programs that it names.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SITE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_SITE_H

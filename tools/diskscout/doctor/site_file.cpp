@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with the configuration file itself.
 #include "site_file.h"
 

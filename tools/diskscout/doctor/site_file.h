@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with the configuration file itself. Of these each is looked for only where those before
 // it have found nothing: they hide each other.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SITE_FILE_H

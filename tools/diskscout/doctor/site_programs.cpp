@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with the programs that the configuration names.
 #include "site_programs.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with the programs that the configuration names. Of each program the first of these is
 // told that is the case: they hide each other.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SITE_PROGRAMS_H

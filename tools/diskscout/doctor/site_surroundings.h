@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the programs of a site stand in: who can write them, where they are run, and with what PATH.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SITE_SURROUNDINGS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_SITE_SURROUNDINGS_H

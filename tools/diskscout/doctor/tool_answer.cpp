@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands in an output of the controller tool.
 #include "tool_answer.h"
 

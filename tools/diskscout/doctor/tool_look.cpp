@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One look at what the controller tool and the filter of a site do.
 #include "tool_look.h"
 

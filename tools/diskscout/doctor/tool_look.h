@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the controller tool and the filter of this site do: one look, which all checks of them are about.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TOOL_LOOK_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TOOL_LOOK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with what tool and filter did.
 #include "tool_rows.h"
 

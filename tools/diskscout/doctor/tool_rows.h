@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with what tool and filter did.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TOOL_ROWS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TOOL_ROWS_H

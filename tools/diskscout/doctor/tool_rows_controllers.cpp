@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with the controllers: what the tool says when it opens them.
 #include "finding.h"
 #include "tool_rows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One command of a site, run and watched. The worker that does it writes down what happened; what the output
 // means is found out by whoever waits for it.
 #include "tool_run.h"

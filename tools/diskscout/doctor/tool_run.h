@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One command of a site, run as the plug-in runs it, and watched.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TOOL_RUN_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TOOL_RUN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows of field tables over the records of today's hosts, in which what is absent is told apart from all
 // values.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_BLOCK_FIELDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows of field tables over the classic records, whose texts are empty and whose numbers are 0 or -1 when
 // there is nothing to tell.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_CLASSIC_FIELDS_H

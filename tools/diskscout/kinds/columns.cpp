@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which fields of a kind are columns.
 #include "columns.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which fields of a kind are columns.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_COLUMNS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_COLUMNS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What one run asks the plug-ins.
 #include "enquiry.h"
 

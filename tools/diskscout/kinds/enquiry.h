@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What one run asks the plug-ins. Lists that several kinds need are asked for once.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_ENQUIRY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Software RAID.
 #include "block_fields.h"
 #include "kinds.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RAID containers: the logical drives of controllers, and how they are.
 #include "raid.h"
 #include "raid_state.h"

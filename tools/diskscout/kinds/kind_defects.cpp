@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Defects of the disks behind RAID controllers.
 #include "raid.h"
 

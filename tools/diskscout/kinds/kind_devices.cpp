@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Block devices of today.
 #include "block_fields.h"
 #include "kinds.h"

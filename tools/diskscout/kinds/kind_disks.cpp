@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Disks.
 #include "classic_fields.h"
 #include "kinds.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is on the devices: file systems, members of arrays and pools, partition tables.
 #include "block_fields.h"
 #include "kinds.h"

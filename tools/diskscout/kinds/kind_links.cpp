@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which device stands on which.
 #include "block_fields.h"
 #include "kinds.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mount points and swap areas in use.
 #include "block_fields.h"
 #include "kinds.h"

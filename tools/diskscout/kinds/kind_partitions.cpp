@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Partitions.
 #include "classic_fields.h"
 #include "kinds.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Disks behind a RAID controller.
 #include "raid.h"
 

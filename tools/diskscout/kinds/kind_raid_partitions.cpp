@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pieces of the disks behind a RAID controller that its containers use.
 #include "raid.h"
 

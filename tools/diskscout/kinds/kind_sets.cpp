@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Kinds that have something in common.
 #include "kind_sets.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Kinds that have something in common.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KIND_SETS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KIND_SETS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What RAID controllers are working on by themselves.
 #include "raid.h"
 #include "raid_state.h"

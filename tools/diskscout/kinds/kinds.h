@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kinds of things that are listed. One row of a table a kind: the words for it, whose things they are,
 // what is told of each, and how they are asked for. A new kind is a file kind_<word>.cpp and its line in
 // kinds.cpp; nothing else knows kinds.

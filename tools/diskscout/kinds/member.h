@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record that a pointer to a member belongs to, so that a row of a field table names the member alone.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_MEMBER_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_MEMBER_H

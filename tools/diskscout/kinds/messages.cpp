@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a run has to say beside its lists.
 #include "messages.h"
 

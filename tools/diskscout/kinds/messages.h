@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a run has to say beside its lists: what failed, and what a list cannot show.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_MESSAGES_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_MESSAGES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The answer to a query as bytes.
 #include "packed_list.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The answer to a query as bytes, which one process hands to another: the records with all that they point
 // to, in one piece, in which pointers are distances from its beginning.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_PACKED_LIST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plug-in, loaded and asked as an agent does.
 #include "plugin.h"
 

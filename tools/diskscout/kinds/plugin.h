@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plug-in, loaded and asked as an agent does. The classic one and that of today's hosts are asked alike.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_PLUGIN_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_PLUGIN_H

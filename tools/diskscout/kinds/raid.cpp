@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the kinds of the hardware RAID side share.
 #include "raid.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the kinds of the hardware RAID side share: disk addresses, coded fields, sizes that may be negative.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_RAID_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_RAID_H

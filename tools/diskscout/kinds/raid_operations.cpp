@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's RAID operations that ask and change nothing.
 #include "raid_operations.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's RAID operations that ask and change nothing, and their answers as bytes: they are called in a
 // process of their own.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_RAID_OPERATIONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the RAID controllers of this host are asked.
 #include "raid_site.h"
 

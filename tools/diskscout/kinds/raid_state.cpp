@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a container is: what is counted of it, and the rows of a table of which the first one that fits is the
 // answer.
 #include "raid_state.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a container is: one word out of its type, its members, their disks and the tasks that run.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_RAID_STATE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_RAID_STATE_H

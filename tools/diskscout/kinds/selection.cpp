@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices that are named on the command line.
 #include "selection.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices that are named on the command line, and what belongs to them.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SELECTION_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_SELECTION_H

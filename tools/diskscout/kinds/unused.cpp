@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices that wait for somebody to use them.
 #include "unused.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A table of the kernel.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_KERNEL_LINES_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_KERNEL_LINES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why the partition query failed. It stops at the first disk whose tables it cannot read, and tells nothing
 // of those behind it.
 #include "partition_query.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why the partition query failed, of which the plug-in tells no more than that it did; and what it read.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_PARTITION_QUERY_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_PARTITION_QUERY_H

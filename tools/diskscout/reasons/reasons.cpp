@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a classic list lacks what this host has: its devices beside the lists, and the kernel's tables beside
 // both.
 #include "reasons.h"

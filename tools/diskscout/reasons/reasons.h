@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a classic list lacks what this host has, or shows it in a way that misleads: a line for each cause.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What keeps a drive of /proc/ide out of the lists, and an optical drive out of that of the CD-ROM drives.
 #include "reasons_lists.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What keeps a disk out of the list of disks. The checks stand in the order in which the classic code comes
 // to them.
 #include "reasons_lists.h"

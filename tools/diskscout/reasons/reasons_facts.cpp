@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the lists of a run tell, as far as the reasons are made from it.
 #include "reasons_facts.h"
 

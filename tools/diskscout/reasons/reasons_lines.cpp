@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reasons that many devices share, as one line.
 #include "reasons_lines.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reasons that many devices share, as one line.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_LINES_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_LINES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each of the classic lists leaves out, and why.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_LISTS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_LISTS_H

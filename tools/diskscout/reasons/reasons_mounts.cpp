@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mounts that the classic lists do not see: they read the first lines of the mount table alone.
 #include "reasons_lists.h"
 

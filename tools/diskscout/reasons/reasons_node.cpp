@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A device node, opened as the classic code opens it.
 #include "reasons_node.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A device node, opened as the classic code opens it.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_NODE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_NODE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the rows of the partition list hide: entries that only protect another table, entries that lie outside
 // their disk, texts and lists that are cut; and disks that it cannot hold.
 #include "reasons_lists.h"

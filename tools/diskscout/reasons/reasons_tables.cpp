@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's tables that the classic lists are made from:
 //
 //   /proc/partitions     8        0     262144 sda

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's tables that the classic lists are made from, read for what keeps a device out of these lists.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_REASONS_TABLES_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_REASONS_TABLES_H

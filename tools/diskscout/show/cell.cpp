@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A field's value in a table.
 #include "cell.h"
 

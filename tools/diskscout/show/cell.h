@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A field's value in a table: the lines of a cell, a text for programs, a key to sort by.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_CELL_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_CELL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is told of a record, a row of a table each: a key of the document, a column of the tables, a property
 // of the schema. All three are made from the same rows, so that none can promise what another does not hold.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_FIELD_H

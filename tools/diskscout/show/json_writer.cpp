@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A JSON document, written as it is put.
 #include "json_writer.h"
 

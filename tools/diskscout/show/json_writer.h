@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A JSON document, written as it is put: two blanks for each depth, a value a line.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_JSON_WRITER_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_JSON_WRITER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A row for programs: KEY="value" KEY="value", on one line whatever the values hold.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_PAIRS_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_PAIRS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the value of a field goes: into a document, into a cell of a table, into a key to sort by.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_SINK_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_SINK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A table of text, as wide as its cells need.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TABLE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TABLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the other end of standard output can show.
 #include "terminal.h"
 

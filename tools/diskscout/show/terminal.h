@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the other end of standard output can show.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TERMINAL_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TERMINAL_H

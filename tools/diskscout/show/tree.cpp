@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices in the order of a tree.
 #include "tree.h"
 

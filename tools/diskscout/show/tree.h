@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices in the order of a tree: what stands on what.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TREE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One RAID controller with all that is behind it: every disk once, below the first container that uses it,
 // else among the spares or the unused ones; its free areas below it.
 #include "controller_part.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One RAID controller with all that is behind it.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_CONTROLLER_PART_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_CONTROLLER_PART_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tree of the whole machine: what is told of a node.
 #include "node.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the kernel sees of the machine.
 #include "local_part.h"
 

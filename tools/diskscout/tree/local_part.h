@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the kernel sees of the machine: devices, and what stands on what.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_LOCAL_PART_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_LOCAL_PART_H

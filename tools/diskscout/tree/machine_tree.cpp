@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All that the machine consists of, and what is drawn below what.
 #include "machine_tree.h"
 

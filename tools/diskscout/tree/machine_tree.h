@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All that the machine consists of, and what is drawn below what.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_MACHINE_TREE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_MACHINE_TREE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One thing of the machine: a controller, a container, a disk behind it, a device that the kernel sees. What
 // is told of it comes from the rows of other kinds, so that the tree can say nothing else of it than they do.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_NODE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A machine, drawn.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_PICTURE_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_PICTURE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is behind the RAID controllers of the machine.
 #include "raid_part.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is behind the RAID controllers of the machine: containers, their disks, free areas.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_RAID_PART_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_RAID_PART_H

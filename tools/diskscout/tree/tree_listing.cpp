@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole machine as one picture, or as one document.
 #include "tree_listing.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole machine as one picture, or as one document.
 #ifndef DISKSCOUT_TOOLS_DISKSCOUT_TREE_LISTING_H
 #define DISKSCOUT_TOOLS_DISKSCOUT_TREE_LISTING_H

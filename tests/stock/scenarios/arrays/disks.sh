@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # 38 disks; two of them have a partition for an array, the others are empty: the arrays are made in the machine.
 for number in $(seq 0 37); do new_disk "d$number.img" 32; done

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # A desktop of today. Everything on the images is said here, so that the expected text can be written by hand.
 

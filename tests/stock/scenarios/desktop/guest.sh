@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # The disks are ready: only what stands on no disk is made here.
 

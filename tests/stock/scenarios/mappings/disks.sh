@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # Two mirrored system disks; the others are empty or are filled in the machine, where there is a device mapper.
 for number in 1 2; do

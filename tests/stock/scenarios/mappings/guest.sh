@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # What stands on what: root and swap on LVM on LUKS on md on partitions, and the device mapper's other uses.
 

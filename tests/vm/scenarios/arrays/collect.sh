@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # Makes software-RAID arrays in all the states that the kernel has words for,
 # and asks the command line about them.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # No arrays yet: the machine makes them. Members of an array lie on different
 # disks, and the two arrays that are resynchronised at once share none.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # hda: nothing but one logical drive
 new_disk one.img 32

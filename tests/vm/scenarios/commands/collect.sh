@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # Asks the command line about devices and tables, lets it change things, and
 # writes down what the kernel says about the same.

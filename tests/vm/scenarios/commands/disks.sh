@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # hda: slots 0 and 2, three logical drives, partitions with an odd count of sectors
 new_disk ide-a.img 64

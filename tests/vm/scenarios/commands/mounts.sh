@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 mkdir -p /home /data /mnt/exchange /mnt/cd '/mnt/with space'
 mount -t ext2 /dev/hda5 /home

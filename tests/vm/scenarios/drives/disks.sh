@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # two IDE disks, /boot on the second
 for disk in a b; do

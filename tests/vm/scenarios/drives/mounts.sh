@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # the drive is mounted by the name that people use; /dev/cdrom links to hdc
 mkdir -p /mnt/cd /boot

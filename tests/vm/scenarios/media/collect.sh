@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # Asks about drives without a medium, and about a disk before and after its
 # medium is taken out.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # two disks alike; the medium of the second is taken out in the machine
 for disk in kept gone; do

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # the mirror's halves are sda1 and sdb1, on the same adapter
 for slot in 0 1; do

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 # /boot is on the array, which belongs to no one disk
 mkdir -p /boot /data

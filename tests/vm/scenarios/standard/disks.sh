@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # hda: primary partitions in slots 0 and 2, three logical drives; slot 1 is empty
 new_disk ide-a.img 256

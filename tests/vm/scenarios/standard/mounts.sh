@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=dash
 mkdir -p /boot /home /mnt/exchange /mnt/cd /data /srv
 mount -t ext2 /dev/hda3 /boot

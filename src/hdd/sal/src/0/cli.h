@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The diagnostic command line is a tree of handlers that share one signature. Inner nodes offer the words to
 // their children in turn; leaves know their command words and act. All output goes to standard error.
 #ifndef DISKSCOUT_HDD_SAL_0_CLI_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands that need no system.
 #include "hdd/sal/src/0/cli.h"
 #include "hdd/sal/src/0/fn.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types and small records that every reader of the local side shares.
 #ifndef DISKSCOUT_HDD_SAL_0_DEF_H
 #define DISKSCOUT_HDD_SAL_0_DEF_H

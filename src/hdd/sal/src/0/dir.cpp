@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hdd/sal/src/0/dir.h"
 
 #include <stdlib.h>

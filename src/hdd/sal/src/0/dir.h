@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sorted listing of a directory.
 #ifndef DISKSCOUT_HDD_SAL_0_DIR_H
 #define DISKSCOUT_HDD_SAL_0_DIR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptors of devices: opening, and reading and writing whole sectors.
 //
 // Block devices are opened plainly: without a medium that fails, and nobody takes the size of the last one

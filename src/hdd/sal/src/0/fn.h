@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // File names and device names: the one split of a name, and the shapes of IDE and SCSI disk names.
 #ifndef DISKSCOUT_HDD_SAL_0_FN_H
 #define DISKSCOUT_HDD_SAL_0_FN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Streams over table files and over the output of a shell command, read line by line.
 #ifndef DISKSCOUT_HDD_SAL_0_FS_H
 #define DISKSCOUT_HDD_SAL_0_FS_H

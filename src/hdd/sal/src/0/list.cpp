@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hdd/sal/src/0/list.h"
 
 void dump_list_head(int num, int num_real, int lmt, const void *parent, const void *list)

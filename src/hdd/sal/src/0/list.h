@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bounded list: one plain record of fixed size that every reader fills in place.
 //
 // A list begins with num, num_real, lmt and parent and ends in the array `item`; an item begins with tag,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text helpers: clearing, trimming, splitting, numbers, and the one bounded copy.
 //
 // A view never owns its text. Nothing here allocates and nothing depends on the locale.

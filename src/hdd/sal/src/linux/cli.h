@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The diagnostic commands over the readers and the device primitives.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_CLI_H
 #define DISKSCOUT_HDD_SAL_LINUX_CLI_H

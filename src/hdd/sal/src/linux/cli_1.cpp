@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands that look at one device, or at one path.
 #include "hdd/sal/src/0/fd.h"
 #include "hdd/sal/src/0/list.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands about software RAID.
 #include "hdd/sal/src/linux/cli.h"
 #include "hdd/sal/src/linux/mdsb.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where Linux keeps its tables, how it numbers block devices, and what a partition table looks like.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_DEF_DEVIO_H
 #define DISKSCOUT_HDD_SAL_LINUX_DEF_DEVIO_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Block devices: their canonical names, their nodes, and what they and the file systems on them answer when
 // asked directly.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_DEVIO_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The superblock that software RAID keeps on each member of an array: format 0.90, one block near the
 // device's end.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_MDSB_H

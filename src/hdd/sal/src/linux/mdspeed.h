@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How fast the kernel may resynchronise its software-RAID arrays: two limits below /proc/sys/dev/raid.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_MDSPEED_H
 #define DISKSCOUT_HDD_SAL_LINUX_MDSPEED_H

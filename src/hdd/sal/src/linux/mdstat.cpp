@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // /proc/mdstat, up to three lines an array and a blank one between them:
 //
 //   md0 : active raid1 sdb1[1] sda1[0](F)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's software-RAID arrays, /proc/mdstat.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_MDSTAT_H
 #define DISKSCOUT_HDD_SAL_LINUX_MDSTAT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The mount table, one line a mount:
 //
 //   /dev/sda1 /boot ext3 rw,relatime 0 0

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The mount table, /etc/mtab: what is mounted, where, and as what.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_MTAB_H
 #define DISKSCOUT_HDD_SAL_LINUX_MTAB_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A disk's partition tables: one in its first sector, the master boot record, and from there a chain.
 //
 //   sector 0        entry 0  partition            -> index 0

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The partition tables of a disk, read straight from its sectors.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_PARTTAB_H
 #define DISKSCOUT_HDD_SAL_LINUX_PARTTAB_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // /proc/partitions, one line a block device under a heading and a blank line:
 //
 //   major minor  #blocks  name

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's block-device table, /proc/partitions.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_PROCBLK_H
 #define DISKSCOUT_HDD_SAL_LINUX_PROCBLK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A drive's directory under /proc/ide, such as /proc/ide/hda, holds among others:
 //
 //   media      disk

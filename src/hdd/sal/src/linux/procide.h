@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The IDE drives that the kernel lists under /proc/ide.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_PROCIDE_H
 #define DISKSCOUT_HDD_SAL_LINUX_PROCIDE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's SCSI registry.
 //
 // Host adapters: a directory a driver, in it an entry a host, named by the host's number:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernel's SCSI registry: host adapters under /proc/scsi, devices in /proc/scsi/scsi.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_PROCSCSI_H
 #define DISKSCOUT_HDD_SAL_LINUX_PROCSCSI_H

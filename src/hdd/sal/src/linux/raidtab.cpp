@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A raidtab file, one block an array; '#' starts a comment:
 //
 //   raiddev /dev/md0

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Software-RAID description files in the classic raidtab syntax.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_RAIDTAB_H
 #define DISKSCOUT_HDD_SAL_LINUX_RAIDTAB_H

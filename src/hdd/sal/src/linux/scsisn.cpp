@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The answer to INQUIRY page 0x80, four bytes of head and then the text:
 //
 //   00 80 00 LL 'S' 'E' 'R' ...      LL: length of the text

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The serial number that a SCSI device tells about itself.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_SCSISN_H
 #define DISKSCOUT_HDD_SAL_LINUX_SCSISN_H

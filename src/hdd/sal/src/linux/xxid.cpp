@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hdd/sal/src/linux/xxid.h"
 
 #include "hdd/sal/src/0/str.h"

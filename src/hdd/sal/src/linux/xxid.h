@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sixteen-byte identities in their text form.
 #ifndef DISKSCOUT_HDD_SAL_LINUX_XXID_H
 #define DISKSCOUT_HDD_SAL_LINUX_XXID_H
