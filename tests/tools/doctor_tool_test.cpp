@@ -77,7 +77,7 @@ public:
 	}
 	std::string found(const std::string &controller = "", bool runs_tool = true)
 	{
-		enquiry_t asked(&plugin, nullptr, controller, std::chrono::seconds(1));
+		enquiry_t asked(&plugin, nullptr, controller, limit);
 		patient_t patient = {asked, {}, {}, runs_tool, nullptr};
 		tool_look_t look;
 		if (runs_tool) {
@@ -89,6 +89,7 @@ public:
 
 	SiteDir site;
 	plugin_t plugin{DISKSCOUT_TEST_PLUGIN};
+	std::chrono::seconds limit{1};
 };
 
 TEST(DoctorTool, is_not_run_unasked)
@@ -116,8 +117,9 @@ TEST(DoctorTool, is_not_run_again_where_it_would_run_out_of_time)
 	SiteOf site("fine-simulated");
 	// Each run takes more than a third of the time, and is far from all of it on a busy machine, too.
 	site.site.environment_.set("RAIDSIM_FAULT", "slow=1100");
+	site.limit = std::chrono::seconds(3);
 	EXPECT_EQ(site.found(), "");
-	enquiry_t asked(&site.plugin, nullptr, "", std::chrono::seconds(3));
+	enquiry_t asked(&site.plugin, nullptr, "", site.limit);
 	EXPECT_TRUE(look_at_tool({asked, {}, {}, true, nullptr}).is_out_of_time);
 }
 
