@@ -109,7 +109,7 @@ enter_packages() {
 	local system=$2
 	copy_system "$1" "$system"
 	shift 2
-	[[ -e $work/by-proot ]] || open_system "$system"
+	open_system "$system"
 	mkdir -p "$work/$system/run/packages"
 	cp "$@" "$work/$system/run/packages"
 	cp -r packaging/tests "$work/$system/run/tests"
@@ -157,12 +157,4 @@ build_arm64() {
 	inside builder sh -c 'cd /build/cross/diskscout &&
 		apt-get build-dep -y -qq --no-install-recommends --host-architecture arm64 -P cross,nocheck ./ &&
 		DEB_BUILD_OPTIONS=nocheck dpkg-buildpackage -us -uc -B -aarm64 -Pcross,nocheck'
-}
-
-make_arm64() {
-	if [[ -e $work/by-proot ]]; then
-		make_system_by_proot bare-arm64 arm64
-	else
-		make_system bare-arm64 arm64
-	fi
 }

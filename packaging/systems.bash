@@ -76,20 +76,6 @@ make_system() { # SYSTEM ARCHITECTURE
 	connect "$1"
 }
 
-# The same where the kernel runs no programs of other machines: each call is seen to by proot.
-make_system_by_proot() { # SYSTEM ARCHITECTURE
-	local system=$work/$1
-	debootstrap --foreign --variant=minbase --arch="$2" "$codename" "$system" \
-		"$(sed -n "s/^deb \([^ ]*\) $codename .*/\1/p" "$work/mirrors" | head -n 1)"
-	[[ ! -L $system/proc ]] || rm "$system/proc"
-	mkdir -p "$system/proc" "$system/sys"
-	inside "$1" DEBOOTSTRAP_DIR=/debootstrap /debootstrap/debootstrap --second-stage
-	cp "$work/mirrors" "$system/etc/apt/sources.list"
-	echo 'APT::Sandbox::User "root";' >"$system/etc/apt/apt.conf.d/10proot"
-	connect "$1"
-	inside "$1" apt-get update -qq
-}
-
 # Before the copy is entered, so that nothing of the kernel's is copied.
 copy_system() { # FROM TO
 	cp -a --reflink=auto "$work/$1" "$work/$2"
@@ -108,13 +94,9 @@ close_system() { # SYSTEM
 
 # inside SYSTEM [NAME=VALUE]... COMMAND...
 inside() {
-	local system=$1 enter=(chroot "$work/$1")
+	local system=$1
 	shift
-	if [[ $system == *-arm64 && -e $work/by-proot ]]; then
-		enter=(proot -q qemu-aarch64-static -0 -w / -r "$work/$system")
-		[[ -e $work/$system/debootstrap ]] || enter+=(-b /proc -b /sys)
-	fi
-	"${enter[@]}" /usr/bin/env -i HOME=/root TERM=dumb LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
+	chroot "$work/$system" /usr/bin/env -i HOME=/root TERM=dumb LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
 		PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
 		${http_proxy:+"http_proxy=$http_proxy"} ${https_proxy:+"https_proxy=$https_proxy"} "$@"
 }
@@ -125,21 +107,15 @@ install_into() { # SYSTEM PACKAGE...
 	inside "$system" apt-get install -y -qq --no-install-recommends "$@"
 }
 
-# Programs of aarch64 run like ours from here on; where that cannot be had, by proot.
+# Programs of aarch64 run like ours from here on. Nothing less will do: an emulator that is only asked for the programs
+# we name does not see those that they start.
 emulate_arm64() {
 	local magic='\x7fELF\x02\x01\x01\x00\x00\x00\x00\x00\x00\x00\x00\x00\x02\x00\xb7\x00'
 	local mask='\xff\xff\xff\xff\xff\xff\xff\x00\xff\xff\xff\xff\xff\xff\xff\xff\xfe\xff\xff\xff'
-	[[ -z ${WITHOUT_BINFMT:-} ]] || touch "$work/by-proot"
-	if [[ ! -e $work/by-proot && ! -e $interpreters/register ]]; then
-		if mount -t binfmt_misc binfmt_misc "$interpreters"; then
-			touch "$work/interpreters-mounted"
-		else
-			touch "$work/by-proot"
-		fi
+	if [[ ! -e $interpreters/register ]]; then
+		mount -t binfmt_misc binfmt_misc "$interpreters"
+		touch "$work/interpreters-mounted"
 	fi
 	# With F the kernel opens the emulator here and now: it need not be in the system.
-	[[ -e $work/by-proot ]] ||
-		echo ":$emulator:M::$magic:$mask:/usr/bin/qemu-aarch64-static:F" >"$interpreters/register" ||
-		touch "$work/by-proot"
-	[[ ! -e $work/by-proot ]] || scripts/setup package-proot
+	echo ":$emulator:M::$magic:$mask:/usr/bin/qemu-aarch64-static:F" >"$interpreters/register"
 }
