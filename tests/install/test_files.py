@@ -37,6 +37,10 @@ def files_below(directory):
     return found
 
 
+def folders_below(directory):
+    return {str(path.relative_to(directory)) for path in directory.rglob("*") if path.is_dir() and not path.is_symlink()}
+
+
 def without_hosts(files):
     return {path: mode for path, mode in files.items() if not path.startswith(HOSTS)}
 
@@ -82,6 +86,7 @@ def test_the_sample_hosts_are_those_of_the_tests(installed, tmp_path):
         host = installed.hosts / name
         there = files_below(host)
         assert there.items() <= files_below(source).items()
+        assert folders_below(host) == folders_below(source)
         assert set(files_below(source)) - set(there) <= {"tree.txt", "expected.json", "names"}
         for path, mode in there.items():
             if not mode.startswith("->"):
