@@ -25,7 +25,10 @@ install(
   set(includedir ${DISKSCOUT_HEADER_DIR})
   set(plugindir ${DISKSCOUT_PLUGIN_DIR})
   set(pkgconfigdir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-  get_filename_component(prefix \"\${CMAKE_INSTALL_PREFIX}\" ABSOLUTE)
+  set(prefix \"\${CMAKE_INSTALL_PREFIX}\")
+  if(prefix STREQUAL \"\") # that of the root
+    set(prefix /)
+  endif()
   foreach(directory includedir plugindir pkgconfigdir)
     get_filename_component(\${directory} \${\${directory}} ABSOLUTE BASE_DIR \"\${prefix}\")
   endforeach()

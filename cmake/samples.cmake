@@ -13,4 +13,7 @@ foreach(name classic disks lists mirror tasks)
   add_dependencies(sample_${name} diskscout diskscout_block)
 endforeach()
 
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/samples/ DESTINATION ${DISKSCOUT_EXAMPLES_DIR} COMPONENT development)
+# Not what somebody has built of them there.
+file(GLOB samples CONFIGURE_DEPENDS samples/*.c samples/*.cpp samples/*.py)
+install(FILES ${samples} samples/CMakeLists.txt samples/Makefile DESTINATION ${DISKSCOUT_EXAMPLES_DIR}
+        COMPONENT development)

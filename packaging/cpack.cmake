@@ -21,9 +21,9 @@ foreach(directory "" /man /man/man3 /man/man5 /man/man8 /bash-completion /bash-c
                   /zsh/site-functions)
   list(APPEND CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION ${CMAKE_INSTALL_FULL_DATADIR}${directory})
 endforeach()
-foreach(directory lib ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_LIBDIR}/cmake ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-                  ${CMAKE_INSTALL_LIBEXECDIR})
-  list(APPEND CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION ${CMAKE_INSTALL_PREFIX}/${directory})
+set(libraries ${CMAKE_INSTALL_FULL_LIBDIR})
+foreach(directory ${CMAKE_INSTALL_PREFIX}/lib ${libraries} ${libraries}/cmake ${libraries}/pkgconfig ${CMAKE_INSTALL_FULL_LIBEXECDIR})
+  list(APPEND CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION ${directory})
 endforeach()
 get_filename_component(python_packages ${DISKSCOUT_PYTHON_DIR} DIRECTORY)
 foreach(directory ${python_packages} ${DISKSCOUT_PYTHON_DIR})

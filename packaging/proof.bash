@@ -76,10 +76,11 @@ complain() { # CHANGES...
 	rm -rf "$work/checker/packages"
 	mkdir "$work/checker/packages"
 	cp "$@" "$work/checker/packages"
+	local status=0
 	inside checker sh -c 'cd /packages && lintian --allow-root --tag-display-limit 0 --fail-on error,warning *.changes' \
-		>"$work/complaints" || true
+		>"$work/complaints" || status=$?
 	cat "$work/complaints"
-	[[ ! -s $work/complaints ]]
+	[[ $status == 0 && ! -s $work/complaints ]]
 }
 
 installed() { # SYSTEM

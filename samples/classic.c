@@ -8,24 +8,25 @@
 int main(int argc, char **argv)
 {
 	void *library = dlopen(argc > 1 ? argv[1] : "./diskscout.so", RTLD_NOW | RTLD_LOCAL);
-	__typeof__(GetItemInfo) *get; /* in C++: decltype */
-	__typeof__(SetItemInfo) *release;
+	__typeof__(GetItemInfo) *get = NULL; /* in C++: decltype */
+	__typeof__(SetItemInfo) *release = NULL;
 	IPMICOMMAND cmd = {0};
 	void *head = NULL; /* null: a new list */
-	int count = 0;
+	int count = 0, failed;
 	const STORAGE_DISK_LIST *disk;
 
-	if (library == NULL) {
+	if (library != NULL) {
+		*(void **)&get = dlsym(library, "GetItemInfo");
+		*(void **)&release = dlsym(library, "SetItemInfo");
+	}
+	if (get == NULL || release == NULL) {
 		fprintf(stderr, "%s\n", dlerror());
 		return 1;
 	}
-	*(void **)&get = dlsym(library, "GetItemInfo");
-	*(void **)&release = dlsym(library, "SetItemInfo");
-	if (get == NULL || release == NULL)
-		return 1;
 
 	cmd.nCommand = CMD_GET_DISKS;
-	if (get(&cmd, &head, &count) != 0)
+	failed = get(&cmd, &head, &count) != 0;
+	if (failed)
 		fprintf(stderr, "the query failed\n");
 	for (disk = head; disk != NULL; disk = disk->next)
 		printf("%s: %s, %llu bytes%s\n", disk->szDeviceName, disk->szModel, disk->nSize,
@@ -33,5 +34,5 @@ int main(int argc, char **argv)
 	printf("%d disks\n", count);
 
 	cmd.nCommand = CMD_FREE_DISKS;
-	return release(&cmd, &head);
+	return release(&cmd, &head) != 0 || failed;
 }

@@ -9,20 +9,20 @@
 int main(int argc, char **argv)
 {
 	void *library = dlopen(argc > 1 ? argv[1] : "./diskscout-block.so", RTLD_NOW | RTLD_LOCAL);
-	__typeof__(GetItemInfo) *get; /* in C++: decltype */
-	__typeof__(SetItemInfo) *release;
+	__typeof__(GetItemInfo) *get = NULL; /* in C++: decltype */
+	__typeof__(SetItemInfo) *release = NULL;
 	IPMICOMMAND cmd = {0};
 	void *head = NULL;
 	int count = 0;
 
-	if (library == NULL) {
+	if (library != NULL) {
+		*(void **)&get = dlsym(library, "GetItemInfo");
+		*(void **)&release = dlsym(library, "SetItemInfo");
+	}
+	if (get == NULL || release == NULL) {
 		fprintf(stderr, "%s\n", dlerror());
 		return 1;
 	}
-	*(void **)&get = dlsym(library, "GetItemInfo");
-	*(void **)&release = dlsym(library, "SetItemInfo");
-	if (get == NULL || release == NULL)
-		return 1;
 
 	cmd.nCommand = CMD_GET_BLOCK_DEVICES;
 	if (get(&cmd, &head, &count) != 0) {

@@ -24,7 +24,9 @@
 class plugin
 {
 public:
-	explicit plugin(const std::string &path)
+	enum class failures { WITHOUT_CAUSE, WITH_ERRNO };
+
+	plugin(const std::string &path, failures told) : fails(told)
 	{
 		void *const loaded = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
 		if (!loaded)
@@ -45,6 +47,7 @@ public:
 
 	decltype(GetItemInfo) *get;
 	decltype(SetItemInfo) *release;
+	failures fails;
 
 private:
 	std::shared_ptr<void> library;
@@ -76,11 +79,10 @@ public:
 		IPMICOMMAND command{};
 		command.nCommand = query;
 		int length = 0;
-		errno = 0;
 		if (owner.get(&command, &head, &length) == 0)
 			return;
-		const int reason = errno ? errno : EIO; // the classic side tells none
-		give_back();                            // a query that fails may have made some records
+		const int reason = owner.fails == plugin::failures::WITH_ERRNO ? errno : EIO;
+		give_back(); // a query that fails may have made some records
 		throw std::system_error(reason, std::generic_category(), "query " + std::to_string(query));
 	}
 	list(list &&other) noexcept
@@ -133,8 +135,8 @@ static void show_today(const plugin &today)
 int main(int argc, char **argv)
 try {
 	const std::string directory = argc > 1 ? argv[1] : PLUGIN_DIRECTORY;
-	const plugin classic(directory + "/diskscout.so");
-	const plugin today(directory + "/diskscout-block.so");
+	const plugin classic(directory + "/diskscout.so", plugin::failures::WITHOUT_CAUSE);
+	const plugin today(directory + "/diskscout-block.so", plugin::failures::WITH_ERRNO);
 	show_classic(classic);
 	show_today(today);
 	std::printf("%d and %d records are not given back\n", *classic.symbol<int>("memory_counter_hdd"),

@@ -2,8 +2,8 @@
 /*
  * Makes a mirror of two disks behind a RAID controller:
  *
- *   diskscout-mirror PLUGIN CONFIG CONTROLLER LABEL MEGABYTES DISK DISK
- *   diskscout-mirror ./diskscout.so raid.cfg aac0 data 1024 0:02:0 0:03:0
+ *   mirror PLUGIN CONFIG CONTROLLER LABEL MEGABYTES DISK DISK
+ *   mirror ./diskscout.so raid.cfg aac0 data 1024 0:02:0 0:03:0
  *
  * An example of the operations that the plug-in exports beside its queries. It waits until the controller has
  * taken the job, not until the mirror is in step: that is a task of the controller.
@@ -16,6 +16,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 
 enum { STATUS_FINE = 0, STATUS_FAILED = 1, STATUS_USAGE = 2 };
 
@@ -45,7 +46,7 @@ static const char *meaning_of(int code)
 
 static int complain(int status, const char *what)
 {
-	fprintf(stderr, "diskscout-mirror: %s\n", what);
+	fprintf(stderr, "mirror: %s\n", what);
 	return status;
 }
 
@@ -99,6 +100,8 @@ int main(int argc, char **argv)
 	if (!create || name_configuration(plugin, argv[2]) != 0)
 		return complain(STATUS_USAGE, "the plug-in or the configuration's name is unfit");
 
+	/* The files of a run lie in the working directory. */
+	umask(077);
 	result = create(argv[3], argv[4], 0, first, megabytes, second);
 	dlclose(plugin);
 	if (result != AAC_OK)

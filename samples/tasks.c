@@ -4,27 +4,34 @@
 
 #include <dlfcn.h>
 #include <stdio.h>
+#include <sys/stat.h>
 
 int main(int argc, char **argv)
 {
 	void *library = argc == 4 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : NULL;
-	char *configuration;
-	__typeof__(Aac_Get_Task_List) *list; /* in C++: decltype */
-	__typeof__(Aac_Clear_Task_List) *clear;
+	char *configuration = NULL;
+	__typeof__(Aac_Get_Task_List) *list = NULL; /* in C++: decltype */
+	__typeof__(Aac_Clear_Task_List) *clear = NULL;
 	aac_task *tasks = NULL;
 	const aac_task *task;
 	int result;
 
-	if (library == NULL) {
+	if (argc != 4) {
 		fprintf(stderr, "LIBRARY CONFIGURATION CONTROLLER are needed\n");
 		return 2;
 	}
-	configuration = dlsym(library, "g_szConfigFileName");
-	*(void **)&list = dlsym(library, "Aac_Get_Task_List");
-	*(void **)&clear = dlsym(library, "Aac_Clear_Task_List");
-	if (configuration == NULL || list == NULL || clear == NULL)
+	if (library != NULL) {
+		configuration = dlsym(library, "g_szConfigFileName");
+		*(void **)&list = dlsym(library, "Aac_Get_Task_List");
+		*(void **)&clear = dlsym(library, "Aac_Clear_Task_List");
+	}
+	if (configuration == NULL || list == NULL || clear == NULL) {
+		fprintf(stderr, "%s\n", dlerror());
 		return 1;
+	}
 
+	/* The files of a run lie in the working directory. */
+	umask(077);
 	/* Read once a process, by the first operation. */
 	snprintf(configuration, sizeof g_szConfigFileName, "%s", argv[2]);
 	result = list(argv[3], &tasks);

@@ -68,6 +68,12 @@ def test_below_destdir_lies_the_whole_prefix_and_nothing_elsewhere(build_dir, tm
     assert str(tmp_path) not in (tmp_path / prefix.lstrip("/") / "lib/pkgconfig/diskscout.pc").read_text()
 
 
+def test_the_root_is_a_prefix(build_dir, tmp_path, installed):
+    install(build_dir, "--prefix", "/", DESTDIR=str(tmp_path))
+    assert files_below(tmp_path) == files_below(installed.prefix)
+    assert "plugindir=/lib/diskscout\n" in (tmp_path / "lib/pkgconfig/diskscout.pc").read_text(encoding="utf-8")
+
+
 def test_what_was_installed_can_be_taken_away(build_dir, tmp_path):
     install(build_dir, "--prefix", str(tmp_path / "prefix"))
     manifest = (build_dir / "install_manifest.txt").read_text(encoding="utf-8").splitlines()

@@ -6,7 +6,7 @@ import shutil
 import sys
 
 import pytest
-from conftest import SOURCES
+from conftest import SOURCES, install
 
 
 @pytest.fixture(scope="module")
@@ -51,6 +51,28 @@ def test_pkg_config_tells_flags_version_and_the_plugins_place(installed):
     assert asked("--libs") == ""
     assert asked("--modversion") == "1.0.0"
     assert asked("--variable=plugindir") == str(installed.plugins)
+
+
+def test_a_prefix_with_a_blank(build_dir, tmp_path, installed):
+    prefix = tmp_path / "a prefix"
+    install(build_dir, "--prefix", str(prefix), "--component", "development")
+    shutil.copytree(prefix / "share/doc/diskscout/examples", tmp_path / "samples")
+    installed.output("make", "-C", tmp_path / "samples", "disks", "lists", PKG_CONFIG_PATH=f"{prefix}/lib/pkgconfig")
+    assert (tmp_path / "samples/lists").exists()
+
+
+def test_without_the_headers_make_says_where_to_look(installed, samples, tmp_path):
+    shutil.copytree(samples, tmp_path / "samples", ignore=shutil.ignore_patterns("disks"))
+    told = installed.run("make", "-C", tmp_path / "samples", "disks", PKG_CONFIG_PATH="", PKG_CONFIG_LIBDIR=str(tmp_path))
+    assert told.returncode != 0
+    assert "PKG_CONFIG_PATH" in told.stderr
+
+
+def test_a_library_that_is_another_one_is_told(installed, by_make):
+    for sample, arguments in (("classic", []), ("disks", []), ("tasks", ["raid.cfg", "aac0"])):
+        told = installed.run(by_make / sample, installed.plugins / "diskscout-replay.so", *arguments)
+        assert (told.returncode, told.stdout) == (1, "")
+        assert "undefined symbol" in told.stderr
 
 
 def test_find_package_tells_the_plugins_and_refuses_another_major_version(installed, tmp_path):

@@ -53,7 +53,7 @@ def test_mirror_is_made(site):
 def test_refused_mirror(site, arguments, fault, said):
     result = mirror(site, *arguments, fault=fault)
     assert (result.returncode, result.stdout) == (1, "")
-    assert result.stderr == f"diskscout-mirror: {said}\n"
+    assert result.stderr == f"mirror: {said}\n"
 
 
 @pytest.mark.parametrize(
@@ -70,13 +70,13 @@ def test_refused_mirror(site, arguments, fault, said):
 def test_bad_usage(site, arguments, said):
     result = mirror(site, *arguments)
     assert (result.returncode, result.stdout) == (2, "")
-    assert result.stderr == f"diskscout-mirror: {said}\n"
+    assert result.stderr == f"mirror: {said}\n"
 
 
 def test_configuration_name_that_is_too_long_is_refused(site):
     result = mirror(site, "aac0", "data", "512", "0:02:0", "0:03:0", config=256 * "c")
     assert (result.returncode, result.stdout) == (2, "")
-    assert result.stderr == "diskscout-mirror: the plug-in or the configuration's name is unfit\n"
+    assert result.stderr == "mirror: the plug-in or the configuration's name is unfit\n"
 
 
 def test_session_of_the_readme(site):
