@@ -104,6 +104,70 @@ def test_one_plugin_alone(agent, build_dir, tmp_path):
     assert done.returncode == 1
 
 
+STREAMS = {"strict UTF-8": {"PYTHONIOENCODING": "utf-8:strict"},
+           "ASCII": {"LC_ALL": "C", "PYTHONUTF8": "0", "PYTHONCOERCECLOCALE": "0"},
+           "strict ASCII": {"PYTHONIOENCODING": "ascii:strict"}}
+
+
+@pytest.mark.parametrize("settings", STREAMS.values(), ids=STREAMS)
+def test_texts_that_a_device_chose_are_escaped(agent, build_dir, source_dir, settings):
+    done = agent("--plugins", build_dir, host=source_dir / "tests/hosts/hostile", **settings)
+    assert f"disk /dev/hda: ABCD\\xff{'x' * 58}, 20643840 bytes, system disk\n" in done.stdout
+    done = agent("--plugins", build_dir, host=source_dir / "tests/hosts/shadowed-mounts", **settings)
+    assert "partition 9 of /dev/hda: Logical Drive, 512000 bytes, /mnt/my disk\\x09x\n" in done.stdout
+    assert "Traceback" not in done.stderr
+
+
+@pytest.mark.parametrize("encoding, told", [("utf-8", r"\x1b[2Ja\xff\xc2\x9b\xe2\x80\xae\x7fé b"),
+                                            ("ascii", r"\x1b[2Ja\xff\xc2\x9b\xe2\x80\xae\x7f\xc3\xa9 b")])
+def test_what_is_escaped(interpreter, source_dir, encoding, told):
+    program = ("import sys\nsys.path.insert(0, sys.argv[1])\nimport agent\n"
+               r"agent.say('\x1b[2Ja\udcff\x9b\u202e\x7f\xe9 b', sys.stdout)")
+    done = interpreter("-c", program, source_dir / "samples", PYTHONIOENCODING=f"{encoding}:strict")
+    assert (done.stdout, done.stderr, done.returncode) == (f"{told}\n", "", 0)
+
+
+def test_errors_are_escaped(agent, tmp_path):
+    done = agent("--plugins", tmp_path / "\x1b[2J")
+    assert lines(done.stderr)[0] == f"agent.py: diskscout.so is not there: {tmp_path}/\\x1b[2J/diskscout.so"
+    assert done.returncode == 1
+
+
+def test_a_configuration_that_no_library_takes(agent, build_dir, nothing):
+    done = agent("--plugins", build_dir, "--config", "/" * 300, host=nothing)
+    assert done.stderr == "agent.py: a path of 300 bytes: the library has room for 255\n"
+    assert (done.stdout, done.returncode) == ("", 2)
+
+
+ONE_CONTROLLER = """\
+Executing: controller list
+Adapter Name  Adapter Type           Availability  Clustering
+------------  ---------------------  ------------  ----------
+a\x1bb           EXAMPLE 2200S          read/write    No
+"""
+
+
+def test_a_controller_whose_name_is_a_command(agent, build_dir, tmp_path):
+    """What the tool is said to have answered is no name that goes back to it, and the rest is told."""
+    (tmp_path / "answer").write_text(ONE_CONTROLLER)
+    (tmp_path / "filter").write_text('#!/bin/sh\ncat answer >"$2"\n')
+    (tmp_path / "filter").chmod(0o755)
+    (tmp_path / "raid.cfg").write_text("Cli Path:/bin\nCli Name:cat\nFilter Script:./filter\n")
+    done = agent("--plugins", build_dir, "--config", tmp_path / "raid.cfg", host=build_dir / "tests/block/hosts/notebook")
+    assert lines(done.stdout)[0] == "controller a\\x1bb"
+    assert lines(done.stderr) == ["agent.py: a control character in 'a\\x1bb'"] * 2
+    assert set(lines(TODAYS_LINES)) <= set(lines(done.stdout))
+    assert done.returncode == 1
+
+
+def test_files_of_a_run_are_the_users_alone(agent, build_dir, nothing, at_the_site, tmp_path):
+    (tmp_path / "raidsim").symlink_to(at_the_site / "raidsim")
+    (tmp_path / "filter").write_text(f'#!/bin/sh\numask >>umasks\nexec {at_the_site}/filter "$@"\n')
+    (tmp_path / "filter").chmod(0o755)
+    agent("--plugins", build_dir, "--config", at_the_site / "raid.cfg", host=nothing)
+    assert set(lines((tmp_path / "umasks").read_text())) == {"0077"}
+
+
 def test_words_that_make_no_sense(agent):
     done = agent("--plugin-directory")
     assert (done.stdout, done.returncode) == ("", 2)
@@ -115,5 +179,5 @@ def test_it_can_be_started_and_is_short(source_dir):
     assert os.access(sample, os.X_OK)
     text = sample.read_text(encoding="utf-8")
     assert re.match("#!/usr/bin/python3\n", text)
-    assert len(lines(text)) < 110
+    assert len(lines(text)) < 120
     assert pathlib.Path(sample).name in text
