@@ -9,7 +9,9 @@ from __future__ import annotations
 
 import collections
 import ctypes
+import os
 import threading
+import weakref
 from typing import Any, Callable, Deque, Iterable, List, Optional, TypeVar
 
 from .errors import LibraryError
@@ -35,6 +37,40 @@ class Request(ctypes.Structure):
     ]
 
 
+class Lock:
+    """A re-entrant lock, which a child that is forked finds free: there is no thread in it that could let it go."""
+
+    _all: weakref.WeakSet[Lock] = weakref.WeakSet()
+
+    def __init__(self) -> None:
+        self._lock = threading.RLock()
+        Lock._all.add(self)
+
+    def acquire(self, blocking: bool = True) -> bool:
+        return self._lock.acquire(blocking)
+
+    def release(self) -> None:
+        self._lock.release()
+
+    def __enter__(self) -> None:
+        self._lock.acquire()
+
+    def __exit__(self, *_: object) -> None:
+        self._lock.release()
+
+    @classmethod
+    def renew(cls) -> None:
+        for one in cls._all:
+            # The thread that forked may hold it itself, and will let it go.
+            if one.acquire(blocking=False):
+                one.release()
+            else:
+                one._lock = threading.RLock()
+
+
+os.register_at_fork(after_in_child=Lock.renew)
+
+
 class AnyThread:
     """Everybody may go in at once."""
 
@@ -56,7 +92,7 @@ class OneThread(AnyThread):
 
     def __init__(self) -> None:
         # Re-entrant because the collector may come between taking the lock and going in.
-        self._inside = threading.RLock()
+        self._inside = Lock()
         self._left_over: Deque[Callable[[], object]] = collections.deque()
 
     def run(self, call: Callable[[], Answer]) -> Answer:

@@ -3,14 +3,13 @@
 
 from __future__ import annotations
 
-import threading
 import warnings
 import weakref
 from typing import Callable, Generic, List, Optional, Sequence, Type, Union, overload
 
 from .errors import ClosedError
 from .fields import R, addresses, copy_of
-from .library import AnyThread
+from .library import AnyThread, Lock
 
 GiveBack = Callable[[int], object]
 
@@ -40,7 +39,7 @@ class RecordList(Sequence[R], Generic[R]):
         self._places: List[int] = []
         # Re-entrant, and readers are counted: a signal handler or the garbage collector may close the list in the
         # middle of a copy, in the same thread. Then the reader gives it back when it is done.
-        self._lock = threading.RLock()
+        self._lock = Lock()
         self._readers = 0
         self._closed = False
         self._owned = weakref.finalize(self, _forgotten, threads, give_back, head, record.C_NAME) if head else None

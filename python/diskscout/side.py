@@ -5,14 +5,13 @@ from __future__ import annotations
 
 import ctypes
 import os
-import threading
 import weakref
 from typing import Any, Callable, List, Optional, Tuple, Type, TypeVar
 
 from .errors import CallError, ClosedError
 from .fields import R
 from .finding import PathLike
-from .library import Library
+from .library import Library, Lock
 from .lists import RecordList
 
 S = TypeVar("S", bound="Side")
@@ -50,7 +49,7 @@ class Side:
     def __init__(self, library: Library) -> None:
         self._library = library
         self._lists: weakref.WeakSet[RecordList[Any]] = weakref.WeakSet()
-        self._lists_lock = threading.RLock()
+        self._lists_lock = Lock()
         self._closed = False
 
     @property

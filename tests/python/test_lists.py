@@ -3,6 +3,8 @@
 
 import ctypes
 import gc
+import os
+import signal
 import sys
 import threading
 import time
@@ -11,6 +13,7 @@ import warnings
 import pytest
 
 import diskscout
+from diskscout import library
 
 THREADS = 8
 
@@ -336,6 +339,67 @@ def test_threads_ask_the_library_of_today(block, show, build_dir, quick_switches
                 assert (len(devices), len(mounts)) == (9, 6)
 
     in_threads(ask)
+
+
+# ---- forked children ----
+
+def child_does(work):
+    """How a forked child ends: 0 after its work, or the signal that ended it because it came to no end."""
+    child = os.fork()
+    if child == 0:
+        try:
+            signal.signal(signal.SIGALRM, signal.SIG_DFL)
+            signal.alarm(5)
+            work()
+            os._exit(0)
+        finally:
+            os._exit(1)
+    return os.waitpid(child, 0)[1]
+
+
+@pytest.mark.filterwarnings("ignore:.*fork:DeprecationWarning")
+def test_a_child_asks_that_was_forked_while_a_thread_was_inside(slow):
+    kept = slow.disks()
+
+    def ask():
+        with slow.disks() as disks:
+            assert len(disks) == 2
+        slow.close()
+        assert kept.closed
+
+    slow.begin()
+    ended = child_does(ask)
+    slow.end()
+    assert ended == 0
+    assert not kept.closed and slow.live_records == 2
+    slow.close()
+
+
+@pytest.mark.filterwarnings("ignore:.*fork:DeprecationWarning")
+def test_a_child_closes_what_another_thread_was_reading(made, made_library, monkeypatch):
+    plugin = diskscout.Plugin(made_library)
+    disks = plugin.disks()
+    reading, go_on = threading.Event(), threading.Event()
+    (row, end), *others = diskscout.Disk.ROWS
+    waiting = row._replace(shape=row.shape._replace(take=lambda value: reading.set() or go_on.wait(10)))
+    monkeypatch.setattr(diskscout.Disk, "ROWS", ((waiting, end), *others))
+    reader = threading.Thread(target=lambda: disks[0])
+    reader.start()
+    reading.wait()
+    ended = child_does(plugin.close)
+    go_on.set()
+    reader.join()
+    assert ended == 0
+    plugin.close()
+    assert plugin.live_records == 0
+
+
+def test_a_lock_that_the_forking_thread_holds_stays_its_own(made, made_library):
+    plugin = diskscout.Plugin(made_library)
+    with library.CLASSIC_THREADS._inside:
+        with library.CLASSIC_THREADS._inside:
+            ended = child_does(lambda: plugin.disks().close() or library.CLASSIC_THREADS._inside.release())
+    assert ended == 0
 
 
 # ---- answers that no host gives ----
