@@ -12,7 +12,7 @@ from .errors import QueryError
 from .finding import CLASSIC, PathLike, find
 from .library import CLASSIC_THREADS, Library
 from .lists import RecordList
-from .side import Side, file_name, handed_over, number
+from .side import Side, characters, file_name, handed_over, number
 
 CMD_GET_DISKS = 122100
 CMD_GET_PARTITIONS = 123100
@@ -121,7 +121,7 @@ class Plugin(ClassicSide):
         Made for service programs: some commands change the system, some end the process.
         """
         self._must_be_open()
-        texts = [b"stcli", *(word.encode("utf-8", "surrogateescape") for word in words)]
+        texts = [b"stcli", *map(characters, words)]
         if any(b"\0" in text for text in texts):
             raise ValueError("a null in a word")
         array = (ctypes.c_char_p * (len(texts) + 1))(*texts, None)

@@ -2,7 +2,7 @@
 """What goes wrong, as exceptions.
 
 ``DiskscoutError`` is above all of them. What the library refuses is a ``CallError`` of its side; what this package
-itself refuses is a ``LibraryError``, a ``ClosedError`` or Python's own ``ValueError``.
+itself refuses is a ``LibraryError``, a ``ClosedError`` or Python's own ``ValueError`` or ``TypeError``.
 """
 
 from __future__ import annotations

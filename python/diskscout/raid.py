@@ -321,6 +321,7 @@ def _enough(members: Sequence[int], least: int, most: Optional[int] = None) -> T
     """Members of a new container; one below 0 would end them, and those behind it would be left out."""
     if len(members) < least or (most is not None and len(members) > most):
         raise ValueError(f"{len(members)} members, where {'just' if most else 'at least'} {least} are needed")
-    if any(member < 0 for member in members):
+    numbers = tuple(map(number, members))
+    if any(member < 0 for member in numbers):
         raise ValueError("a member below 0")
-    return tuple(number(member) for member in members)
+    return numbers

@@ -17,9 +17,16 @@ from .lists import RecordList
 S = TypeVar("S", bound="Side")
 
 
+def characters(text: str) -> bytes:
+    """The bytes of a text; a TypeError when it is none."""
+    if not isinstance(text, str):
+        raise TypeError(f"{text!r} is no text")
+    return text.encode("utf-8", "surrogateescape")
+
+
 def handed_over(text: str) -> bytes:
     """A text for the library; a ValueError when it has a control character, which would be a command of its own."""
-    raw = text.encode("utf-8", "surrogateescape")
+    raw = characters(text)
     if any(byte < 0x20 or byte == 0x7F for byte in raw):
         raise ValueError(f"a control character in {text!r}")
     return raw
@@ -35,6 +42,8 @@ def file_name(path: PathLike) -> bytes:
 
 def number(value: int) -> int:
     """A number that an int of the library can hold: ctypes would cut it without a word."""
+    if not isinstance(value, int):
+        raise TypeError(f"{value!r} is no number")
     if not -(2**31) <= value < 2**31:
         raise ValueError(f"{value} is no number of 32 bits")
     return value

@@ -501,6 +501,23 @@ def test_flags_come_in_their_order(made, made_library):
         assert made.text("made_words").value == b"aac0 0 1 5"
 
 
+def test_what_is_no_text_or_no_number_is_refused(made, made_library):
+    """Whatever the type checker would have said, nothing is asked."""
+    with diskscout.Plugin(made_library) as plugin, diskscout.Raid(made_library) as raid:
+        for call in (plugin.containers, plugin.raid_disks, plugin.raid_partitions, raid.containers, raid.tasks,
+                     plugin.stcli, lambda text: plugin.raid_space(text, 0),
+                     lambda text: raid.create_raid1("aac0", (1, 2), label=text)):
+            for text, told in ((None, "None"), (b"aac0", "b'aac0'"), (7, "7")):
+                with pytest.raises(TypeError, match=f"^{told} is no text$"):
+                    call(text)
+        for call in (lambda number: plugin.raid_space("aac0", number), lambda number: raid.disk_space("aac0", number),
+                     raid.controller_name, lambda number: raid.create_raid0("aac0", (1, number)),
+                     lambda number: raid.create_raid0("aac0", (1, 2), size_megabytes=number)):
+            for number, told in (("x", "'x'"), (1.5, "1.5"), ([], r"\[\]")):
+                with pytest.raises(TypeError, match=f"^{told} is no number$"):
+                    call(number)
+
+
 def test_words_of_a_command_come_as_they_are(made, made_library):
     with diskscout.Plugin(made_library) as plugin:
         plugin.stcli("disk", "a b", "\u00e4\udcff")
