@@ -4,7 +4,7 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import Optional, Tuple
+from typing import Optional, Tuple, Union
 
 from .codes import (
     Access,
@@ -114,8 +114,8 @@ class Controller(Record):
     controller_id: int = row("ControllerID", INT, "position in the list, from 0")
     adapter_name: str = row("Adapter_Name", chars(32), "by which it is opened, such as aac0")
     adapter_type: str = row("Adapter_Type", chars(32), "model")
-    availability: int = row("Availability", coded(Availability), "an Availability")
-    clustering: int = row("Clustering", coded(Clustering), "a Clustering")
+    availability: Union[Availability, int] = row("Availability", coded(Availability), "an Availability")
+    clustering: Union[Clustering, int] = row("Clustering", coded(Clustering), "a Clustering")
 
 
 @laid_out("HWRAID_LIST")
@@ -126,10 +126,10 @@ class Container(Record):
     raid_id: int = row("nRaidID", INT, "number of the container; from 24: a member of another one")
     member_count: int = row("nDiskNumber", INT, "may exceed the 64 that members holds")
     members: Tuple[int, ...] = row("nPosition", MEMBERS, "addresses of disks; of a RAID 10 numbers of containers")
-    raid_type: int = row("RaidType", coded(RaidType), "a RaidType")
+    raid_type: Union[RaidType, int] = row("RaidType", coded(RaidType), "a RaidType")
     total_size_low32: int = row("nTotalSize", LOW32, "bytes, without whole multiples of 4 GiB")
     stripe_size_bytes: int = row("nStripeSize", LONGLONG, "bytes; 0 when there is none")
-    usage: int = row("Usage", coded(ContainerUsage), "a ContainerUsage")
+    usage: Union[ContainerUsage, int] = row("Usage", coded(ContainerUsage), "a ContainerUsage")
     hot_spare: Optional[int] = row("nHotSpare", OPTIONAL_INT, "address of the hot spare; None without one")
     label: str = row("szLabel", STRING, "its first 8 characters")
 
@@ -142,11 +142,11 @@ class RaidDisk(Record):
     address: Optional[int] = row("nPosition", OPTIONAL_INT, "see Address; None when it is not told")
     vendor: str = row("szVendor", STRING, "with underscores for blanks")
     model: str = row("szModel", STRING, "with underscores for blanks")
-    device_type: int = row("DeviceType", coded(DeviceType), "a DeviceType")
+    device_type: Union[DeviceType, int] = row("DeviceType", coded(DeviceType), "a DeviceType")
     blocks: int = row("nBlocks", LONGLONG, "blocks of bytes_per_block; 2147483647 for all larger numbers")
     bytes_per_block: int = row("nBytesPerBlock", INT, "bytes")
-    usage: int = row("Usage", coded(DiskUsage), "a DiskUsage")
-    shared: int = row("Shared", coded(Shared), "a Shared")
+    usage: Union[DiskUsage, int] = row("Usage", coded(DiskUsage), "a DiskUsage")
+    shared: Union[Shared, int] = row("Shared", coded(Shared), "a Shared")
     rate: int = row("nRate", INT, "transfer rate as the controller tool prints it, MB a second")
 
 
@@ -168,7 +168,9 @@ class RaidPartition(Record):
     offset_bytes: int = row("nOffset", LONGLONG, "bytes from the disk's beginning")
     size_bytes: int = row("nSize", LONGLONG, "bytes")
     raid_id: int = row("bRaidID", INT, "number of the container that it belongs to")
-    raid_type: int = row("RaidType", coded(RaidType), "a RaidType")
+    raid_type: Union[RaidType, int] = row("RaidType", coded(RaidType), "a RaidType")
     multilevel_raid_id: int = row("nMultilevelRaidID", INT, "number of the container above that one")
-    multilevel_type: int = row("MultilevelType", coded(MultilevelType), "a MultilevelType; NONE: nothing is above")
-    access: int = row("ReadWriteAttribute", coded(Access), "an Access")
+    multilevel_type: Union[MultilevelType, int] = row(
+        "MultilevelType", coded(MultilevelType), "a MultilevelType; NONE: nothing is above"
+    )
+    access: Union[Access, int] = row("ReadWriteAttribute", coded(Access), "an Access")

@@ -7,7 +7,7 @@ A kilobyte is 1,024 bytes here, a megabyte 1,024 of these.
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import NamedTuple, Optional, Tuple
+from typing import NamedTuple, Optional, Tuple, Union
 
 from .codes import Access, ContainerUsage, DeviceType, DiskUsage, MultilevelType, RaidType, Shared, TaskFunction
 from .codes import TaskState
@@ -53,10 +53,10 @@ class ToolContainer(Record):
     container_id: Optional[int] = row("nCntnerID", OPTIONAL_INT, "number; from 24: a member of another one; or None")
     member_count: int = row("nDiskNumber", INT, "may exceed the 64 that members holds")
     members: Tuple[int, ...] = row("C_ID_L", MEMBERS, "addresses of disks; of a RAID 10 numbers of containers")
-    raid_type: int = row("Container_Type", coded(RaidType), "a RaidType")
+    raid_type: Union[RaidType, int] = row("Container_Type", coded(RaidType), "a RaidType")
     total_size_megabytes: int = row("TotalSize", INT, "megabytes, rounded down; 0 when the tool printed none")
     stripe_size_kilobytes: int = row("StripeSize", INT, "kilobytes; 0 when the tool printed none")
-    usage: int = row("Usage", coded(ContainerUsage), "a ContainerUsage")
+    usage: Union[ContainerUsage, int] = row("Usage", coded(ContainerUsage), "a ContainerUsage")
     hot_spare: Optional[int] = row("HotSpare", OPTIONAL_INT, "address of the hot spare; None without one")
     label: str = row("Label", chars(32), "at most 31 characters")
 
@@ -69,11 +69,11 @@ class ToolDisk(Record):
     address: Optional[int] = row("C_ID_L", OPTIONAL_INT, "see Address; None when it is not told")
     vendor: str = row("VendorID", chars(32), "with underscores for blanks")
     model: str = row("ProductID", chars(32), "with underscores for blanks")
-    device_type: int = row("Device_Type", coded(DeviceType), "a DeviceType")
+    device_type: Union[DeviceType, int] = row("Device_Type", coded(DeviceType), "a DeviceType")
     blocks: int = row("Blocks", LONGLONG, "blocks of bytes_per_block; 2147483647 for all larger numbers")
     bytes_per_block: int = row("BytesPerBlock", INT, "bytes")
-    usage: int = row("Usage", coded(DiskUsage), "a DiskUsage")
-    shared: int = row("Shared", coded(Shared), "a Shared")
+    usage: Union[DiskUsage, int] = row("Usage", coded(DiskUsage), "a DiskUsage")
+    shared: Union[Shared, int] = row("Shared", coded(Shared), "a Shared")
     rate: int = row("Rate", INT, "transfer rate as the controller tool prints it, MB a second")
 
 
@@ -95,12 +95,12 @@ class ToolPartition(Record):
     offset_kilobytes: int = row("nOffset", LONGLONG, "kilobytes from the disk's beginning")
     size_kilobytes: int = row("nSize", LONGLONG, "kilobytes")
     container_id: int = row("bContainerID", INT, "number of the container that it belongs to")
-    raid_type: int = row("ContainerType", coded(RaidType), "a RaidType")
+    raid_type: Union[RaidType, int] = row("ContainerType", coded(RaidType), "a RaidType")
     multilevel_container_id: int = row("nMultilevelContainerID", INT, "number of the container above that one")
-    multilevel_type: int = row(
+    multilevel_type: Union[MultilevelType, int] = row(
         "nMultilevelContainerType", coded(MultilevelType), "a MultilevelType; NONE: nothing is above"
     )
-    access: int = row("nReadWriteAttribute", coded(Access), "an Access")
+    access: Union[Access, int] = row("nReadWriteAttribute", coded(Access), "an Access")
 
 
 @laid_out("aac_task")
@@ -109,7 +109,7 @@ class Task(Record):
     """One background task of a RAID controller."""
 
     task_id: Optional[int] = row("TaskId", OPTIONAL_INT, "number; None when the tool printed none")
-    function: int = row("Function", coded(TaskFunction), "a TaskFunction")
+    function: Union[TaskFunction, int] = row("Function", coded(TaskFunction), "a TaskFunction")
     done: float = row("Done", FLOAT, "from 0 to 1; 1 when the tool printed none")
     container_id: int = row("ContainerID", INT, "number of the container that it works on")
-    state: int = row("State", coded(TaskState), "a TaskState")
+    state: Union[TaskState, int] = row("State", coded(TaskState), "a TaskState")

@@ -28,6 +28,8 @@ def type_words(annotation):
     if type(None) in typing.get_args(annotation):
         (one,) = set(typing.get_args(annotation)) - {type(None)}
         return f"{WORDS[one]} or None"
+    if int in typing.get_args(annotation):
+        return "number"  # with a name, mostly
     return WORDS[annotation]
 
 

@@ -4,6 +4,8 @@
 import ctypes
 import re
 import subprocess
+import typing
+from enum import IntEnum
 
 import pytest
 
@@ -140,6 +142,19 @@ def test_every_coded_value_has_a_name(source_dir):
         declared = {value - less for name, value in constants.items() if name.startswith(prefix)}
         assert declared and {word.value for word in words} == declared, prefix
     assert all(name.startswith(tuple(ENUMERATIONS)) for name in constants)
+
+
+def test_a_field_of_coded_values_has_their_type_or_a_number():
+    coded = {}
+    for record in fields.RECORDS.values():
+        types = typing.get_type_hints(record)
+        for name, field in record.__dataclass_fields__.items():
+            shape = field.metadata["row"].shape
+            # All of their enumerations have a name for 1.
+            if shape.c_type is ctypes.c_int and isinstance(shape.take(1), IntEnum):
+                coded[record.__name__, name] = (types[name], typing.Union[type(shape.take(1)), int])
+    assert len(coded) == 20
+    assert [place for place, (declared, wanted) in coded.items() if declared != wanted] == []
 
 
 def test_every_result_has_its_name(source_dir):

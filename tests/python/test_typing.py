@@ -32,8 +32,9 @@ REVEALED = (r"RecordList\[.*BlockDevice\]", r"int.*None", r"tuple\[.*str, \.\.\.
 def test_types_are_strict(source_dir, tmp_path):
     (tmp_path / "user.py").write_text(USER)
     done = subprocess.run([CHECKER, "--strict", "--python-version", "3.9", "--cache-dir", str(tmp_path / "cache"),
-                           str(source_dir / "python/diskscout"), str(tmp_path / "user.py")], check=False,
-                          capture_output=True, text=True, cwd=source_dir / "python")
+                           str(source_dir / "python/diskscout"), str(source_dir / "samples/agent.py"),
+                           str(tmp_path / "user.py")], check=False, capture_output=True, text=True,
+                          cwd=source_dir / "python")
     assert "error" not in done.stdout, done.stdout
     told = [line.split('"')[1] for line in done.stdout.splitlines() if "Revealed type" in line]
     assert len(told) == len(REVEALED)
