@@ -93,9 +93,6 @@ class Visitor:
         for name in ("cc", "c++"):
             (own / name).write_text(f'#!/bin/sh\nexec {shutil.which(name)} -Wall -Wextra -Werror "$@"\n')
             (own / name).chmod(0o755)
-        (self.place / "raid.cfg").write_text("".join(
-            f"{key}:{value}\n" for key, value in (("Cli Path", self.root / "usr/bin"), ("Cli Name", "raidsim"),
-                                                  ("Filter Script", self.root / "usr/libexec/diskscout/diskscout-filter"))))
         kept = {name: value for name, value in os.environ.items()
                 if not name.startswith(("LC_", "REPLAY_", "RAIDSIM_", "PYTHON"))
                 and name not in ("LANG", "LANGUAGE", "COLUMNS", "LD_PRELOAD")}
@@ -103,12 +100,11 @@ class Visitor:
         self.environment = {
             **kept, "PATH": f"{own}:{self.root}/usr/bin:{kept['PATH']}", "LC_ALL": "C.UTF-8", "TERM": "linux",
             "PKG_CONFIG_PATH": str(pc.parent), "CMAKE_PREFIX_PATH": str(self.root / "usr"),
-            "PYTHONPATH": str(self.root / "usr/lib/python3/dist-packages"), "PYTHONDONTWRITEBYTECODE": "1",
-            "RAIDSIM_STATE": str(self.place / "controllers.txt")}
+            "PYTHONPATH": str(self.root / "usr/lib/python3/dist-packages"), "PYTHONDONTWRITEBYTECODE": "1"}
 
     def here(self, command):
         """The command with the paths of this installation."""
-        return re.sub(r"(?<![\w.])/usr/(?=(?:share|lib|libexec)/)", f"{self.root}/usr/", command.replace(*EXAMPLES))
+        return re.sub(r"(?<![\w.])/usr/(?=(?:share|lib|libexec)/|bin')", f"{self.root}/usr/", command.replace(*EXAMPLES))
 
     def run(self, script):
         done = subprocess.run(["/bin/sh", "-c", script], cwd=self.place, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
