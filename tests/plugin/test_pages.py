@@ -156,14 +156,26 @@ def anchors(page):
     return {re.sub(r"[^\w -]", "", heading).lower().replace(" ", "-") for heading in headings}
 
 
-def test_every_link_leads_somewhere(pages, source_dir):
-    lead_nowhere = []
+def lead_nowhere(pages, folder):
+    """The links of pages, which lie below the folder, to what is not there: [(page, link)]."""
+    lost = []
     for name, page in pages.items():
         for link in re.findall(r"\]\(([^)]+)\)", without_fences(page)):
             path, _, anchor = link.partition("#")
             if "://" in path:
                 continue
-            target = (source_dir / name).parent / path if path else source_dir / name
+            target = (folder / name).parent / path if path else folder / name
             if not target.exists() or anchor and anchor not in anchors(target.read_text(encoding="utf-8")):
-                lead_nowhere.append((name, link))
-    assert lead_nowhere == []
+                lost.append((name, link))
+    return lost
+
+
+def test_every_link_leads_somewhere(pages, source_dir):
+    assert lead_nowhere(pages, source_dir) == []
+
+
+def test_every_link_of_an_installed_page_leads_somewhere(root):
+    folder = root / "usr/share/doc/diskscout"
+    installed = {page.name: page.read_text(encoding="utf-8") for page in folder.glob("*.md")}
+    assert len(installed) > 10
+    assert lead_nowhere(installed, folder) == []
