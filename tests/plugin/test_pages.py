@@ -145,6 +145,14 @@ def test_programs_are_samples(pages, source_dir):
     assert [program for program in programs if not any(program in sample for sample in samples)] == []
 
 
+@pytest.mark.parametrize("name", ["docs/block.md", "docs/classic.md", "docs/raid.md"])
+def test_a_synopsis_fits_a_terminal(name, pages):
+    """80 columns, of which a manual page leaves seven free before the text."""
+    synopsis = blocks(pages[name], "c")[0]
+    assert "#include" in synopsis
+    assert [line for line in synopsis.splitlines() if len(line) > 73] == []
+
+
 def test_every_page_is_in_the_index(pages):
     index = set(re.findall(r"\]\(([\w.-]+\.md)\)", pages["docs/README.md"]))
     assert index == {name.removeprefix("docs/") for name in pages if name.startswith("docs/")} - {"README.md"}
